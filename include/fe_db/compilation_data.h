@@ -1,0 +1,285 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "fe_db/element_containers.h"
+#include "fe_db/export.h"
+
+namespace orvalesca::databases_merger {
+
+class CompilationDatabase;
+class FrontendDatabase;
+class MacroGroups;
+class PreprocessingDatabase;
+class SavedRows;
+class mergerImpl;
+
+/// Everything that is known of one compilation, in memory, and the two databases that it comes from
+/// and goes to. Start here.
+///
+/// Road:     a front end calls an emplace operation for each sighting, in any order that has a
+///           referred element ready, then saveToPpDB(), resetIds(getPpDb()), saveToCompDB().
+///           Later phases read with the get operations.
+/// Ownership: the dataset owns its elements; a pointer or reference that an operation hands out
+///           stays good as long as the dataset. Pointers given to it (File, Identifier, Type,
+///           Function, ...) have to be elements of the same dataset. Elements may be changed
+///           through their setters, but not in the fields of their key (element_keys.h).
+/// Second sights: `accumulate` false leaves a known element as it is. True merges the new sight
+///           into it (counts add up, see each element's update()) and sets its id back to 0, so
+///           that the next save finds its row again and brings the merged counts there.
+/// Errors:   failures of SQLite are reported on standard error; loads and saves answer whether
+///           their transaction was committed. An operation that needs a database which the
+///           dataset does not have reports that and answers false. Out of memory: std::bad_alloc.
+/// Threads:  one at a time per dataset. Loading and saving is one unit per process: the isLoaded
+///           and isPreLoaded flags of the element classes are process-wide.
+/// Cost:     one hash look-up per sighting, over addresses, or over the bytes of a name or path
+///           where one is given; variables cost a walk down a tree. A second sight allocates
+///           nothing.
+class CompilationData {
+ public:
+  // --- Life.
+
+  /// An empty path means no database of that kind. Opens nothing: connect through getCompDb() and
+  /// getPpDb().
+  FE_DB_EXPORT CompilationData(std::string_view compilationPath,
+                               std::string_view preprocessingPath);
+  FE_DB_EXPORT ~CompilationData();
+  CompilationData(const CompilationData&) = delete;
+  CompilationData& operator=(const CompilationData&) = delete;
+
+  /// Makes the dataset of the process unless there is one, which then stays as it is.
+  FE_DB_EXPORT static void newCompilationInstanceIfNotAlreadyDone(
+      std::string_view compilationPath, std::string_view preprocessingPath);
+  /// A dataset of the caller's own.
+  FE_DB_EXPORT static std::unique_ptr<CompilationData> newInstance(
+      std::string_view compilationPath, std::string_view preprocessingPath);
+  /// The dataset of the process, or null. In spite of its name it is no database.
+  FE_DB_EXPORT static CompilationData* compilationDatabase();
+  FE_DB_EXPORT static void deleteInstance();
+
+  /// The databases; REQUIRES: the dataset was constructed with the path. fe_db/
+  /// compilation_database.h makes the classes complete.
+  FE_DB_EXPORT CompilationDatabase& getCompDb();
+  FE_DB_EXPORT PreprocessingDatabase& getPpDb();
+
+  /// Makes loadFromDB and saveToCompDB cover the tables from Type to CallPoint. No way back.
+  FE_DB_EXPORT void setDataNeededForDbLink();
+  /// Makes saveToCompDB write File, Identifier and Macro. No way back.
+  FE_DB_EXPORT void setPropagateMacroInfo();
+
+  // --- Files and names.
+
+  /// On a second sight both kinds are overwritten.
+  FE_DB_EXPORT File& emplaceFile(std::string_view path, FileKind kind,
+                                 results_api::LanguageKind language);
+  FE_DB_EXPORT Identifier* emplaceIdentifier(std::string_view name, IdentifierKind kind,
+                                             bool accumulate, unsigned count);
+  /// The element of exactly these bytes, or null.
+  FE_DB_EXPORT File* getFile(std::string_view path) const;
+  FE_DB_EXPORT Identifier* getIdentifier(std::string_view name) const;
+  /// Marks the file of the path, which is made with kinds 0 when there is none.
+  FE_DB_EXPORT void setHugeFile(std::string_view path);
+  FE_DB_EXPORT bool isHugeFile(std::string_view path) const;
+
+  // --- Emplacing by a known name. The identifier is not counted and must not be null.
+
+  FE_DB_EXPORT Type* emplaceType(Identifier* identifier, bool unnamed,
+                                 const Localization& localization, TypeKind kind, bool accumulate,
+                                 unsigned refCount, unsigned refTagCount, bool local,
+                                 bool incomplete);
+  FE_DB_EXPORT Variable* emplaceVariable(Identifier* identifier, const Localization& localization,
+                                         Type* type, bool isDefined, LinkageKind linkage,
+                                         bool accumulate, unsigned refCount);
+  FE_DB_EXPORT Function* emplaceFunction(Identifier* identifier, Identifier* sourceName,
+                                         const Localization& localization, bool isDefined,
+                                         bool isSpecial, EffectKind effect, LinkageKind linkage,
+                                         bool accumulate);
+  FE_DB_EXPORT Macro& emplaceMacro(Identifier* identifier, const Localization& localization,
+                                   Macro::Value value, bool isDefined, bool accumulate,
+                                   unsigned refCount, const std::string& text, bool isObjectLike,
+                                   bool isVariadic, bool isCommandLineDefinition,
+                                   bool isPredefined);
+  /// The identifier gets the External bit, here and by name, on every sight.
+  FE_DB_EXPORT ExternalIdentifier* emplaceExternalIdentifier(Identifier* identifier,
+                                                             const EntityDescription& description,
+                                                             bool accumulate);
+
+  // --- Emplacing by name: the name is interned and counted first. Types, functions, enum constants
+  // and labels without a name are none: null comes back and nothing is made.
+
+  FE_DB_EXPORT Type* emplaceType(std::string_view name, bool unnamed,
+                                 const Localization& localization, TypeKind kind, bool accumulate,
+                                 unsigned refCount, unsigned refTagCount);
+  FE_DB_EXPORT Variable* emplaceVariable(std::string_view name, const Localization& localization,
+                                         Type* type, bool isDefined, LinkageKind linkage,
+                                         bool accumulate);
+  FE_DB_EXPORT Function* emplaceFunction(std::string_view name, std::string_view sourceName,
+                                         const Localization& localization, bool isDefined,
+                                         bool isSpecial, EffectKind effect, LinkageKind linkage,
+                                         bool accumulate);
+  FE_DB_EXPORT Macro& emplaceMacro(std::string_view name, const Localization& localization,
+                                   bool accumulate, unsigned refCount);
+  FE_DB_EXPORT ExternalIdentifier* emplaceExternalIdentifier(std::string_view name,
+                                                             const EntityDescription& description,
+                                                             bool accumulate);
+  FE_DB_EXPORT Field& emplaceField(std::string_view name, const Localization& localization,
+                                   bool accumulate, unsigned refCount);
+  FE_DB_EXPORT EnumConstant* emplaceEnumConstant(std::string_view name,
+                                                 const Localization& localization, bool accumulate);
+  FE_DB_EXPORT Label* emplaceLabel(std::string_view name, const Localization& localization,
+                                   bool accumulate);
+
+  // --- Emplacing what has no name. The last three make a new element each time.
+
+  FE_DB_EXPORT TypeReference* emplaceTypeReference(Type* declared, Type* referenced,
+                                                   bool accumulate);
+  FE_DB_EXPORT CallPoint* emplaceCallPoint(Function* caller, Function* callee,
+                                           const Localization& localization, bool isValueUsed,
+                                           bool accumulate);
+  FE_DB_EXPORT MacroInvocation* emplaceMacroInvocation(Macro* macro,
+                                                       const Localization& localization,
+                                                       const OneLineRange& range);
+  FE_DB_EXPORT MacroInvocationCodeOrigin* emplaceMacroInvocationCodeOrigin(
+      const Localization& localization, MacroInvocation* invocation, unsigned offset,
+      unsigned endOffset, bool isParameter, std::string_view tokenString);
+  FE_DB_EXPORT MacroExpansion* emplaceMacroExpansion(const Localization& localization,
+                                                     std::string_view expandedCode,
+                                                     std::string_view macroCall, unsigned ppLine,
+                                                     unsigned ppColumn);
+
+  // --- Emplacing a stored row: as a sighting of what the row says. The row's id is not used. Null
+  // for a row that cannot become an element.
+
+  FE_DB_EXPORT File* emplaceFromDB(const File& row, bool accumulate);
+  FE_DB_EXPORT Identifier* emplaceFromDB(const Identifier& row, bool accumulate);
+  FE_DB_EXPORT Macro* emplaceFromDB(const Macro& row, bool accumulate);
+  FE_DB_EXPORT MacroInvocation* emplaceFromDB(const MacroInvocation& row, bool accumulate);
+  FE_DB_EXPORT MacroInvocationCodeOrigin* emplaceFromDB(const MacroInvocationCodeOrigin& row,
+                                                        bool accumulate);
+  FE_DB_EXPORT MacroExpansion* emplaceFromDB(const MacroExpansion& row, bool accumulate);
+  FE_DB_EXPORT Type* emplaceFromDB(const Type& row, bool accumulate);
+  FE_DB_EXPORT TypeReference* emplaceFromDB(const TypeReference& row, bool accumulate);
+  FE_DB_EXPORT Variable* emplaceFromDB(const Variable& row, bool accumulate);
+  FE_DB_EXPORT Function* emplaceFromDB(const Function& row, bool accumulate);
+  FE_DB_EXPORT ExternalIdentifier* emplaceFromDB(const ExternalIdentifier& row, bool accumulate);
+  FE_DB_EXPORT Field* emplaceFromDB(const Field& row, bool accumulate);
+  FE_DB_EXPORT EnumConstant* emplaceFromDB(const EnumConstant& row, bool accumulate);
+  FE_DB_EXPORT Label* emplaceFromDB(const Label& row, bool accumulate);
+  FE_DB_EXPORT CallPoint* emplaceFromDB(const CallPoint& row, bool accumulate);
+
+  // --- Looking up, in memory only. Null when nothing matches; nothing is made.
+
+  FE_DB_EXPORT Type* getType(const Localization& localization, Identifier* identifier) const;
+  FE_DB_EXPORT Field* getField(const Localization& localization, Identifier* identifier) const;
+  FE_DB_EXPORT EnumConstant* getEnumConstant(const Localization& localization,
+                                             Identifier* identifier) const;
+  FE_DB_EXPORT Label* getLabel(const Localization& localization, Identifier* identifier) const;
+  FE_DB_EXPORT CallPoint* getCallPoint(const Localization& localization, Function* caller) const;
+  /// REQUIRES: the position has a file.
+  FE_DB_EXPORT Variable* getVariable(const Localization& localization,
+                                     Identifier* identifier) const;
+  FE_DB_EXPORT Function* getFunction(std::string_view name, const Localization& localization) const;
+  FE_DB_EXPORT TypeReference* getTypeReference(Type* declared) const;
+
+  /// The macro of the name that was inserted first.
+  FE_DB_EXPORT Macro* getMacro(Identifier* identifier) const;
+  /// The first macro of the name, in the order of its group (first inserted, then from the newest
+  /// to the oldest), that stands at the position or is matched by a wildcard on either side. Costs
+  /// the same however many macros the name has.
+  FE_DB_EXPORT Macro* getMacro(Identifier* identifier, const Localization& localization);
+  /// The first macro of the name that has a value, or the last of its group when none has.
+  FE_DB_EXPORT Macro* getaMacroWithValue(std::string_view name) const;
+  /// Cursor over the macros that stand in a file: set `first` to true, call until null. REQUIRES:
+  /// no macro is emplaced during the walk.
+  FE_DB_EXPORT const Macro* listTranslationUnitMacro(bool& first);
+  FE_DB_EXPORT void eachMacro(std::function<void(const Macro&)> callback) const;
+  /// Expansions that were emplaced, in that order; not those that were loaded.
+  FE_DB_EXPORT void eachMacroExpansion(std::function<void(const MacroExpansion&)> callback) const;
+
+  /// What stands on a line of the preprocessed text: a range of elements in no particular order.
+  /// Expansions are those that were loaded, not those that were emplaced.
+  FE_DB_EXPORT std::pair<MacroInvocationSet::const_iterator, MacroInvocationSet::const_iterator>
+  getMacroInvocationForLine(unsigned ppLine) const;
+  FE_DB_EXPORT std::pair<MacroExpansionSet::const_iterator, MacroExpansionSet::const_iterator>
+  getMacroExpansionForLine(unsigned ppLine) const;
+  FE_DB_EXPORT bool isMacroExpansionLoaded() const;
+
+  FE_DB_EXPORT const TypeSet& getTypes() const;
+  FE_DB_EXPORT const VariableSet& getVariables() const;
+  FE_DB_EXPORT const FunctionSet& getFunctions() const;
+  FE_DB_EXPORT const FieldSet& getFields() const;
+  FE_DB_EXPORT const EnumConstantSet& getEnumConstants() const;
+  FE_DB_EXPORT const LabelSet& getLabels() const;
+
+  // --- Loading: whole tables, in one transaction; a table is read at most once per process.
+  // REQUIRES a connected database. The result tells whether the transaction was committed.
+
+  /// File only, from the compilation database if true, else from the preprocessing database.
+  FE_DB_EXPORT bool preLoadFromDB(bool fromCompDb);
+  FE_DB_EXPORT bool loadFromDB(bool fromCompDb);
+  FE_DB_EXPORT bool loadMacroExpansionFromPbDB(PreprocessingDatabase& db);
+
+  // --- Saving: each in one transaction. REQUIRES a connected database.
+
+  /// Does nothing unless setPropagateMacroInfo or setDataNeededForDbLink was called. Rows that the
+  /// file already has are extended, not doubled.
+  FE_DB_EXPORT bool saveToCompDB();
+  FE_DB_EXPORT bool saveToPpDB();
+  /// Between the saves to two databases: all elements are without a row again.
+  FE_DB_EXPORT void resetIds(FrontendDatabase& db);
+
+ private:
+  friend class mergerImpl;
+
+  void clear();
+
+  template <class T>
+  void loadTable(FrontendDatabase& db, const std::function<bool(T&)>& filter = nullptr);
+  template <class T>
+  void preLoadTable(FrontendDatabase& db);
+  void loadCodeOrigins(FrontendDatabase& db);
+  void loadMacroInfoFromDB(FrontendDatabase& db);
+  FrontendDatabase* selectDb(bool fromCompDb, const char* operation) const;
+
+  void foldStoredRows();
+  void foldUnknownRows();
+  void saveFilesToDB(FrontendDatabase& db);
+  void saveMacroExpansionsToPpDB();
+  void saveMacroInvocationCodeOriginsToPpDB();
+  template <class T>
+  void saveTable(FrontendDatabase& db);
+  template <class T>
+  auto& elementsOf();
+
+  FE_DB_EXPORT static std::unique_ptr<CompilationData> compilationDataset;
+
+  FileSet files;
+  IdentifierSet identifiers;
+  MacroSet macros;
+  MacroSet::const_iterator macroCursor;
+  MacroInvocationSet macroInvocations;
+  MacroInvocationCodeOriginSequence macroInvocationCodeOrigins;
+  MacroExpansionSequence macroExpansions;
+  MacroExpansionSet macroExpansionsByLine;
+  TypeSet types;
+  TypeReferenceSet typeReferences;
+  VariableSet variables;
+  FunctionSet functions;
+  ExternalIdentifierSet externalIdentifiers;
+  FieldSet fields;
+  EnumConstantSet enumConstants;
+  LabelSet labels;
+  CallPointSet callPoints;
+  std::unique_ptr<CompilationDatabase> compDb;
+  std::unique_ptr<PreprocessingDatabase> ppDb;
+  MacroExpansionState macroExpansionState = MacroExpansionState::Pending;
+  bool dataNeededForDbLink = false;
+  bool propagateMacroInfo = false;
+  std::unique_ptr<MacroGroups> macroGroups;  ///< order and positions of the macros of one name
+  std::unique_ptr<SavedRows> savedRows;      ///< null until the first saveToCompDB is committed
+};
+
+}  // namespace orvalesca::databases_merger

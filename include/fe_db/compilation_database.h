@@ -1,0 +1,152 @@
+#pragma once
+
+#include <memory>
+#include <source_location>
+#include <string_view>
+
+#include "fe_db/elements.h"
+#include "fe_db/export.h"
+#include "persistence/database.h"
+
+namespace orvalesca::databases_merger {
+
+class CompilationData;
+struct Tables;
+template <class T>
+class TableStatement;
+
+/// What a statement of a table does; the values index a table's statements. 2, 3, 8 and 11 are
+/// reserved: statements of these kinds exist and have no SQL.
+enum class StatementKind : std::uint32_t {
+  add = 0,
+  update = 1,
+  get_id = 4,
+  get_from_id = 5,
+  list_id = 6,
+  list_all = 7,
+  max_id = 9,
+  delete_all = 10,
+};
+inline constexpr std::uint32_t kStatementKinds = 12;
+
+/// One SQLite database as a dataset sees it: single rows in and out, no view of what they mean.
+///
+/// Programs use what persistence::Database offers, and what is marked FE_DB_EXPORT here; the rest
+/// serves the library itself. Operations exist for each of the element classes that the database
+/// has a table for.
+///
+/// Cursors:  set `first` to true and call until the result is 0. One walk per table and kind at a
+///           time, run to its end: a walk begun while another is open goes on where that stands.
+/// Errors:   reported on standard error; the operation goes on, and a failed step counts as the end
+///           of the rows.
+/// Cost:     a row is one statement with fresh bindings; statements are compiled on first use.
+class FrontendDatabase : public persistence::Database {
+ public:
+  FrontendDatabase(std::string_view path, DatabaseKind kind, CompilationData* dataset, bool shared);
+
+  bool prepareStatements() override;
+  void finalizeStatements() override;
+  ~FrontendDatabase() override;
+
+  DatabaseKind getKind() const { return kind; }
+
+  /// The function of a row that has come into memory, or null. Never reads the file.
+  FE_DB_EXPORT Function* getFunction(long long id);
+
+  /// Inserts a row; the element takes its id. 0 when the row was refused.
+  template <class T>
+  long long add(T& element);
+  /// As add; a File or Identifier whose row is already there takes the id of that row, which is
+  /// written again with the element's values.
+  template <class T>
+  long long addOrTakeRow(T& element);
+  /// Writes the columns that are no key into the row of the element's id.
+  template <class T>
+  void update(T& element);
+  /// Finds the element's row by key and merges it with the element by the rule of the class; adds
+  /// one when there is none.
+  template <class T>
+  long long add_or_update(T& element);
+  /// The element's id, or that of the row with its key, whose values it takes, or add.
+  template <class T>
+  long long getIdOrAdd(T& element);
+  /// Fills the element from the first row with its key; 0 when there is none.
+  template <class T>
+  long long getId(T& element);
+  /// Cursor over all rows with the key of `row`.
+  long long getId(bool& first, Type& row);
+  /// The element of a row, in the dataset: read and emplaced unless it is there. Null for 0 and for
+  /// a row that cannot become an element.
+  template <class T>
+  T* get(long long id);
+  /// Fills the element from the row of its id, past the dataset.
+  template <class T>
+  void get(T& element);
+  template <class T>
+  long long listId(bool& first);
+  /// All columns arrive in `row`, which is reused and keeps what a column does not write.
+  template <class T>
+  long long listALL(bool& first, T& row);
+  template <class T>
+  void truncate();
+
+  /// Which element of the dataset a row is. `enter` accepts null for a row that is no element.
+  template <class T>
+  void enterInIdCache(long long id, T* element);
+  template <class T>
+  bool isInIdCache(long long id) const;
+  void clearIdCaches();
+
+  /// How often get has answered null for a row that cannot become an element.
+  unsigned long getLeftOutReferences() const { return leftOutReferences; }
+  template <class T>
+  void noteLeftOutRow() {
+    persistence::Database::noteLeftOutRow(tableName<T>());
+  }
+  template <class T>
+  const char* tableName() const;
+
+ private:
+  friend class mergerImpl;
+
+  template <class T>
+  bool isReadyFor(const char* operation);
+  template <class T>
+  bool isReadyToRead(const char* operation);
+  template <class T>
+  void reportRead(const TableStatement<T>& statement, int expected,
+                  std::source_location where = std::source_location::current());
+  template <class T>
+  bool readRow(T& element);
+  template <class T>
+  void readEmptyRow(T& element);
+  template <class T>
+  long long nextRow(StatementKind statementKind, bool& first, T& row);
+
+  DatabaseKind kind;
+  CompilationData* dataset;
+  std::unique_ptr<Tables> tables;
+  unsigned long leftOutReferences = 0;
+};
+
+/// All facts of a translation unit, or of many. The file has to be there, with its tables: the
+/// library makes none (the fe_db program does).
+class CompilationDatabase : public FrontendDatabase {
+ public:
+  CompilationDatabase(std::string_view path, CompilationData* dataset);
+  ~CompilationDatabase() override;
+};
+
+/// What preprocessing produced: files, names, macros and their uses. Connecting may create the
+/// file; addTables() lays its schema.
+class PreprocessingDatabase : public FrontendDatabase {
+ public:
+  PreprocessingDatabase(std::string_view path, CompilationData* dataset);
+  ~PreprocessingDatabase() override;
+
+  /// Makes tables, indexes and views, and prepares the statements. Harmless on a file that has
+  /// them. REQUIRES: connected.
+  FE_DB_EXPORT bool addTables();
+};
+
+}  // namespace orvalesca::databases_merger

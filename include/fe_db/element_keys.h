@@ -1,0 +1,227 @@
+#pragma once
+
+#include <boost/functional/hash.hpp>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "fe_db/elements.h"
+
+/// The key rules: when two sightings are the same element. Each rule is one projection of an
+/// element to its key fields; hash and equality both work on the projection, so that they cannot
+/// disagree, and both take a bare key as well, so that a search builds no element.
+///
+/// Keys compare pointers, so a key means nothing in another dataset.
+namespace orvalesca::databases_merger {
+
+// --- File and Identifier: the bytes of the path or the name.
+
+inline std::string_view nameKey(const File& e) { return e.getPath(); }
+inline std::string_view nameKey(const Identifier& e) { return e.getName(); }
+inline std::string_view nameKey(std::string_view name) { return name; }
+
+template <class T>
+struct hashName {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    return boost::hash<std::string_view>()(nameKey(e));
+  }
+};
+
+template <class T>
+struct equalName {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    return nameKey(a) == nameKey(b);
+  }
+};
+
+// --- Type, Variable, Function, Field, EnumConstant, Label: the same name at the same position.
+// Not in the key: kind, isDefined, linkage, effect, counts, wildcard.
+
+struct LocIdentifierKey {
+  const Localization& at;
+  const Identifier* identifier;
+};
+
+inline LocIdentifierKey locIdentifierKey(const NamedElement& e) {
+  return {e.getLocalization(), e.getIdentifier()};
+}
+inline const LocIdentifierKey& locIdentifierKey(const LocIdentifierKey& key) { return key; }
+
+inline std::size_t hashPosition(const Localization& at) {
+  std::size_t seed = boost::hash<const File*>()(at.file);
+  boost::hash_combine(seed, at.line);
+  boost::hash_combine(seed, at.column);
+  return seed;
+}
+
+template <class T>
+struct hashLocIdentifier {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    const LocIdentifierKey& key = locIdentifierKey(e);
+    std::size_t seed = hashPosition(key.at);
+    boost::hash_combine(seed, key.identifier);
+    return seed;
+  }
+};
+
+template <class T>
+struct equalLocIdentifier {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    const LocIdentifierKey& left = locIdentifierKey(a);
+    const LocIdentifierKey& right = locIdentifierKey(b);
+    return samePosition(left.at, right.at) && left.identifier == right.identifier;
+  }
+};
+
+/// Order of variables: path, line, column, then the name's address. Both files have to be set.
+/// The same File needs no look at its path: paths are unique in a dataset.
+template <class T>
+struct lessLocIdentifier {
+  using is_transparent = void;
+
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    const LocIdentifierKey& left = locIdentifierKey(a);
+    const LocIdentifierKey& right = locIdentifierKey(b);
+    if (left.at.file != right.at.file) {
+      const int order = left.at.file->getPath().compare(right.at.file->getPath());
+      if (order != 0) return order < 0;
+    }
+    if (left.at.line != right.at.line) return left.at.line < right.at.line;
+    if (left.at.column != right.at.column) return left.at.column < right.at.column;
+    return std::less<const Identifier*>()(left.identifier, right.identifier);
+  }
+};
+
+// --- Macro: the name; all macros of one name are one group of a multiset.
+
+inline const Identifier* macroIdentifier(const Macro& e) { return e.getIdentifier(); }
+inline const Identifier* macroIdentifier(const Identifier* identifier) { return identifier; }
+
+struct hashMacroIdentifier {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    return boost::hash<const Identifier*>()(macroIdentifier(e));
+  }
+};
+
+struct equalMacroIdentifier {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    return macroIdentifier(a) == macroIdentifier(b);
+  }
+};
+
+// --- MacroInvocation and loaded MacroExpansion: the line of the preprocessed text.
+
+inline std::uint32_t preprocessedLine(const MacroInvocation& e) { return e.getPpLine(); }
+inline std::uint32_t preprocessedLine(const MacroExpansion& e) { return e.getPpLine(); }
+inline std::uint32_t preprocessedLine(std::uint32_t line) { return line; }
+
+template <class T>
+struct hashPreprocessedLine {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    return preprocessedLine(e);
+  }
+};
+
+template <class T>
+struct equalPreprocessedLine {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    return preprocessedLine(a) == preprocessedLine(b);
+  }
+};
+
+// --- TypeReference: the declared type. The referenced type takes no part.
+
+inline const Type* declaredType(const TypeReference& e) { return e.getDeclaredType(); }
+inline const Type* declaredType(const Type* type) { return type; }
+
+struct hashDeclaredType {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    return boost::hash<const Type*>()(declaredType(e));
+  }
+};
+
+struct equalDeclaredType {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    return declaredType(a) == declaredType(b);
+  }
+};
+
+// --- ExternalIdentifier: the name and the entity; a kind other than variable and function counts
+// as no entity. The kinds are not compared.
+
+struct EntityKey {
+  const Identifier* identifier;
+  const LinkedElement* entity;
+};
+
+inline EntityKey entityKey(const Identifier* identifier, const EntityDescription& description) {
+  return {identifier, description.hasEntity() ? description.entity : nullptr};
+}
+inline EntityKey entityKey(const ExternalIdentifier& e) {
+  return entityKey(e.getIdentifier(), e.getDescription());
+}
+inline const EntityKey& entityKey(const EntityKey& key) { return key; }
+
+struct hashEntity {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    const EntityKey& key = entityKey(e);
+    std::size_t seed = boost::hash<const Identifier*>()(key.identifier);
+    boost::hash_combine(seed, key.entity);
+    return seed;
+  }
+};
+
+struct equalEntity {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    const EntityKey& left = entityKey(a);
+    const EntityKey& right = entityKey(b);
+    return left.identifier == right.identifier && left.entity == right.entity;
+  }
+};
+
+// --- CallPoint: the caller and the position. The callee takes no part.
+
+struct LocCallerKey {
+  const Localization& at;
+  const Function* caller;
+};
+
+inline LocCallerKey locCallerKey(const CallPoint& e) {
+  return {e.getLocalization(), e.getCaller()};
+}
+inline const LocCallerKey& locCallerKey(const LocCallerKey& key) { return key; }
+
+struct hashLocCaller {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    const LocCallerKey& key = locCallerKey(e);
+    std::size_t seed = hashPosition(key.at);
+    boost::hash_combine(seed, key.caller);
+    return seed;
+  }
+};
+
+struct equalLocCaller {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    const LocCallerKey& left = locCallerKey(a);
+    const LocCallerKey& right = locCallerKey(b);
+    return left.caller == right.caller && samePosition(left.at, right.at);
+  }
+};
+
+}  // namespace orvalesca::databases_merger

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <source_location>
+
+#include "persistence/export.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+/// The one place through which both libraries write to standard error, traces apart.
+namespace persistence {
+
+/// Reports an SQLite result code:
+///   orvalesca: sqlite error:unknown:<source>:<line>: rc=<rc> (expected rc=<expected>) <reason>
+/// followed by "While executing <statement with its values>" when a statement is given.
+SHARED_PERSISTENCE_EXPORT void reportSqlite(
+    int rc, int expected, sqlite3* connection, sqlite3_stmt* whileExecuting = nullptr,
+    std::source_location where = std::source_location::current());
+
+/// Reports anything else: "orvalesca: " and the printf-style message, one line.
+SHARED_PERSISTENCE_EXPORT void reportMessage(const char* format, ...)
+    __attribute__((format(printf, 1, 2)));
+
+}  // namespace persistence

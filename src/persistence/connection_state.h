@@ -1,0 +1,45 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+
+namespace persistence {
+
+/// What a connection's statements have to know of the transaction that is open on it. A Database
+/// owns it; statements reach it through the connection that they are compiled on.
+struct ConnectionState {
+  std::string path;
+  bool inTransaction = false;
+  /// SQLite has rolled the transaction back by itself (disk full, I/O error, no memory): what
+  /// follows would run in autocommit mode, statement by statement, so nothing may.
+  bool transactionFailed = false;
+  bool refusalReported = false;
+
+  /// Ties the state to the connection. The rollback hook both tells that SQLite has rolled back
+  /// and, with its argument, is the one pointer per connection that SQLite gives back.
+  void attach(sqlite3* connection) { sqlite3_rollback_hook(connection, onRollback, this); }
+
+  static ConnectionState* of(sqlite3* connection) {
+    void* state = sqlite3_rollback_hook(connection, onRollback, nullptr);
+    sqlite3_rollback_hook(connection, onRollback, state);
+    return static_cast<ConnectionState*>(state);
+  }
+
+  /// Whether a step must not run; says so once per transaction.
+  bool refuses();
+
+  void begin() {
+    inTransaction = true;
+    transactionFailed = refusalReported = false;
+  }
+  void end() { inTransaction = transactionFailed = false; }
+
+ private:
+  static void onRollback(void* state) {
+    auto* self = static_cast<ConnectionState*>(state);
+    if (self != nullptr && self->inTransaction) self->transactionFailed = true;
+  }
+};
+
+}  // namespace persistence

@@ -1,0 +1,233 @@
+#include "persistence/database.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "connection_state.h"
+#include "persistence/sqlite_report.h"
+#include "queue_lock.h"
+
+namespace persistence {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+}  // namespace
+
+Database::Database(std::string_view path, std::string_view queueName, bool shared)
+    : path(path),
+      queueName(queueName),
+      shared(shared),
+      queueLock(std::make_unique<QueueLock>()),
+      state(std::make_unique<ConnectionState>()) {
+  state->path = path;
+}
+
+bool Database::prepareStatements() { return true; }
+
+void Database::finalizeStatements() {}
+
+Database::~Database() { close(); }
+
+// --- Connection.
+
+bool Database::quick_connect(bool readOnly) {
+  if (isConnected()) {
+    reportMessage("%s: already connected", path.c_str());
+    return false;
+  }
+  int tables = 0;
+  if (!open(readOnly) || !countTables(tables)) {
+    reportMessage("%s: cannot open the database: %s", path.c_str(), sqlite3_errmsg(connection));
+    close();
+    return false;
+  }
+  if (mustExist && tables == 0) {
+    reportMessage("%s: cannot open the database: it has no tables", path.c_str());
+    close();
+    return false;
+  }
+  if (tables != 0 && !prepareStatements()) {
+    disconnect();
+    return false;
+  }
+  return true;
+}
+
+bool Database::open(bool readOnly) {
+  int flags = SQLITE_OPEN_NOMUTEX;
+  flags |= readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+  if (!readOnly && !mustExist) flags |= SQLITE_OPEN_CREATE;
+  if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) return false;
+  state->end();
+  state->attach(connection);
+  sqlite3_busy_timeout(connection, busyTimeout);
+  // 64 MiB of pages while a save fills the tables in no particular order: a twentieth off a write.
+  sqlite3_exec(connection, "PRAGMA cache_size=-65536", nullptr, nullptr, nullptr);
+  return true;
+}
+
+/// An open alone reads nothing; this tells whether the file is a database.
+bool Database::countTables(int& tables) {
+  sqlite3_stmt* statement = nullptr;
+  const int rc = sqlite3_prepare_v2(
+      connection, "SELECT count(*) FROM sqlite_schema WHERE type='table'", -1, &statement, nullptr);
+  const bool hasRow = rc == SQLITE_OK && sqlite3_step(statement) == SQLITE_ROW;
+  if (hasRow) tables = sqlite3_column_int(statement, 0);
+  sqlite3_finalize(statement);
+  return hasRow;
+}
+
+void Database::disconnect() {
+  if (!isConnected()) return;
+  if (state->inTransaction) rollbackTransaction();
+  finalizeStatements();
+  close();
+}
+
+/// Also finalizes what its owners have left compiled, or SQLite would keep the file open.
+void Database::close() {
+  if (connection == nullptr) return;
+  state->end();
+  while (sqlite3_stmt* statement = sqlite3_next_stmt(connection, nullptr)) {
+    sqlite3_finalize(statement);
+  }
+  sqlite3_close(connection);  // rolls back what is open
+  connection = nullptr;
+  queueLock->release();
+}
+
+bool Database::isConnectedFor(const char* operation) {
+  if (isConnected()) return true;
+  reportMessage("%s: %s: the database is not connected", path.c_str(), operation);
+  return false;
+}
+
+void Database::setBusyTimeout(int milliseconds) {
+  busyTimeout = milliseconds;
+  if (isConnected()) sqlite3_busy_timeout(connection, busyTimeout);
+}
+
+// --- Transactions.
+
+bool Database::beginTransaction() {
+  if (!isConnectedFor("beginTransaction")) return false;
+  if (!isFreeToBegin()) return false;
+  const auto deadline = Clock::now() + std::chrono::milliseconds(busyTimeout);
+  if (shared && !takeQueueLock(deadline)) return false;
+  // An immediate begin would write the first page of a new file, and with it fix a page size that
+  // the schema has yet to ask for.
+  const char* sql = hasPages() ? "BEGIN IMMEDIATE" : "BEGIN";
+  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+  sqlite3_busy_timeout(connection, std::max(0, static_cast<int>(left.count())));
+  const bool begun = begin(sql);
+  sqlite3_busy_timeout(connection, busyTimeout);
+  if (!begun) queueLock->release();
+  return begun;
+}
+
+bool Database::beginReading() {
+  return isConnectedFor("beginReading") && isFreeToBegin() && begin("BEGIN");
+}
+
+/// A transaction that SQLite has rolled back is still open for its owner, though not for SQLite.
+bool Database::isFreeToBegin() {
+  if (!state->inTransaction) return true;
+  reportMessage("%s: cannot start a transaction within a transaction", path.c_str());
+  return false;
+}
+
+bool Database::hasPages() {
+  sqlite3_stmt* statement = nullptr;
+  sqlite3_prepare_v2(connection, "PRAGMA page_count", -1, &statement, nullptr);
+  // A file that cannot be read now is left to the begin, which reports.
+  const bool isEmpty =
+      sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_int(statement, 0) == 0;
+  sqlite3_finalize(statement);
+  return !isEmpty;
+}
+
+bool Database::takeQueueLock(std::chrono::steady_clock::time_point deadline) {
+  const char* lockPath = std::getenv(queueName.c_str());
+  if (lockPath == nullptr || *lockPath == '\0') return true;
+  std::string reason;
+  if (queueLock->take(lockPath, deadline, reason)) return true;
+  reportMessage("%s: cannot lock %s, named by %s: %s", path.c_str(), lockPath, queueName.c_str(),
+                reason.c_str());
+  return false;
+}
+
+bool Database::begin(const char* sql) {
+  const int rc = sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
+  if (rc != SQLITE_OK) {
+    reportMessage("%s: cannot begin a transaction: %s", path.c_str(), sqlite3_errmsg(connection));
+    return false;
+  }
+  state->begin();
+  return true;
+}
+
+bool Database::commitTransaction() {
+  if (!isConnectedFor("commitTransaction")) return false;
+  if (state->transactionFailed) {
+    state->refuses();
+    rollbackTransaction();
+    return false;
+  }
+  if (sqlite3_exec(connection, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
+    reportMessage("%s: cannot commit: %s", path.c_str(), sqlite3_errmsg(connection));
+    noteFailedWrite("", sqlite3_errmsg(connection));
+    if (state->inTransaction) rollbackTransaction();
+    return false;
+  }
+  state->end();
+  queueLock->release();
+  return true;
+}
+
+bool Database::rollbackTransaction() {
+  if (!isConnectedFor("rollbackTransaction")) return false;
+  const bool isOpen = sqlite3_get_autocommit(connection) == 0;
+  const bool wasOpen = state->inTransaction;
+  state->end();
+  int rc = SQLITE_OK;
+  if (isOpen || !wasOpen) rc = sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
+  if (rc != SQLITE_OK) {
+    reportMessage("%s: cannot roll back: %s", path.c_str(), sqlite3_errmsg(connection));
+  }
+  queueLock->release();
+  return rc == SQLITE_OK;
+}
+
+bool Database::hasTransactionFailed() const { return state->transactionFailed; }
+
+// --- Statements of the owner.
+
+long long Database::lastInsertRowID() {
+  return isConnectedFor("lastInsertRowID") ? sqlite3_last_insert_rowid(connection) : 0;
+}
+
+bool Database::execute(const std::string& sql) {
+  if (!isConnectedFor("execute")) return false;
+  if (state->transactionFailed) {
+    state->refuses();
+    return false;
+  }
+  const int rc = sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr);
+  if (rc == SQLITE_OK) return true;
+  reportMessage("%s: %s: %s", path.c_str(), sql.c_str(), sqlite3_errmsg(connection));
+  noteFailedWrite("", sqlite3_errmsg(connection));
+  return false;
+}
+
+void Database::noteFailedRead(std::string_view table, std::string_view reason) {
+  readFailed = true;
+  noteFailedWrite(table, reason);
+}
+
+void Database::noteFailedWrite(std::string_view table, std::string_view reason) {
+  if (failure.reason.empty()) failure = {std::string(table), std::string(reason)};
+}
+
+}  // namespace persistence

@@ -1,0 +1,43 @@
+#include "fe_database/compilation_data/macro_groups.h"
+
+namespace orvalesca::databases_merger {
+
+void MacroGroup::append(Macro& macro) {
+  macro.group = this;
+  inserted.push_back(&macro);
+}
+
+Macro* MacroGroup::find(const Localization& at) {
+  if (inserted.size() <= kLongestWalk || at.wildcard) return findByWalk(at);
+  bringIndexUpToDate();
+  if (hasWildcard) return findByWalk(at);
+  const auto found = byPosition.find(at);
+  return found == byPosition.end() ? nullptr : found->second;
+}
+
+Macro* MacroGroup::findByWalk(const Localization& at) const {
+  for (std::size_t step = 0; step < size(); ++step) {
+    Macro& macro = (*this)[step];
+    const Localization& stored = macro.getLocalization();
+    if (samePosition(stored, at) || at.wildcard || stored.wildcard) return &macro;
+  }
+  return nullptr;
+}
+
+void MacroGroup::bringIndexUpToDate() {
+  if (indexed == 0) {
+    byPosition.clear();
+    hasWildcard = false;
+  }
+  for (; indexed < inserted.size(); ++indexed) {
+    Macro* macro = inserted[indexed];
+    hasWildcard = hasWildcard || macro->getLocalization().wildcard;
+    // Of several at one position the walk meets the first inserted or else the newest first.
+    const auto [place, isNew] = byPosition.emplace(macro->getLocalization(), macro);
+    if (!isNew && place->second != inserted[0]) place->second = macro;
+  }
+}
+
+MacroGroup& MacroGroups::groupOf(const Macro& macro) { return *macro.group; }
+
+}  // namespace orvalesca::databases_merger

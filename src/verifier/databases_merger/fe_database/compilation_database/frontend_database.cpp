@@ -1,0 +1,412 @@
+#include <sqlite3.h>
+
+#include "fe_database/compilation_database/stored_rows.h"
+#include "fe_database/compilation_database/tables.h"
+#include "fe_db/compilation_data.h"
+#include "fe_db/compilation_database.h"
+#include "persistence/debug.h"
+#include "persistence/sqlite_report.h"
+
+namespace orvalesca::databases_merger {
+
+using persistence::Debug;
+
+static_assert(SQLITE_ROW == 100 && SQLITE_DONE == 101 && SQLITE_NULL == 5);
+
+// --- Construction.
+
+namespace {
+
+/// Handed to the layer below and read nowhere else: the name of an environment variable.
+constexpr char kQueueName[] = "ORVALESCA_TRANSACTIONS_QUEUE_NAME_FE";
+
+}  // namespace
+
+Tables::Tables(DatabaseKind kind) {
+  const bool hasAll = kind != DatabaseKind::Preprocessing;
+  Elements::each([&]<class T>() { describe(of<T>().description); });
+  CompilationOnlyElements::each([&]<class T>() {
+    if (!hasAll) of<T>().description.columns.clear();
+  });
+  for (std::uint32_t statementKind = 0; statementKind < kStatementKinds; ++statementKind) {
+    Elements::each([&]<class T>() {
+      Table<T>& table = of<T>();
+      if (table.description.columns.empty()) return;
+      table.statements.emplace_back(table.description, static_cast<StatementKind>(statementKind));
+    });
+  }
+}
+
+FrontendDatabase::FrontendDatabase(std::string_view path, DatabaseKind kind,
+                                   CompilationData* dataset, bool shared)
+    : persistence::Database(path, kQueueName, shared),
+      kind(kind),
+      dataset(dataset),
+      tables(std::make_unique<Tables>(kind)) {}
+
+FrontendDatabase::~FrontendDatabase() = default;
+
+bool FrontendDatabase::prepareStatements() {
+  if (kind == DatabaseKind::Merge) return true;
+  return beginReading() && commitTransaction();
+}
+
+void FrontendDatabase::finalizeStatements() {
+  Elements::each([this]<class T>() {
+    for (TableStatement<T>& statement : tables->of<T>().statements) statement.finalize(connection);
+  });
+}
+
+// --- What the operations share.
+
+template <class T>
+const char* FrontendDatabase::tableName() const {
+  return tables->of<T>().description.name.c_str();
+}
+
+/// Connected, and a database of this kind has the table.
+template <class T>
+bool FrontendDatabase::isReadyFor(const char* operation) {
+  if (!isConnectedFor(operation)) return false;
+  if (!tables->of<T>().statements.empty()) return true;
+  persistence::reportMessage("%s: %s: a preprocessing database has no table %s", getPath().c_str(),
+                             operation, tableName<T>());
+  return false;
+}
+
+template <class T>
+bool FrontendDatabase::isReadyToRead(const char* operation) {
+  if (isReadyFor<T>(operation)) return true;
+  noteFailedRead(tableName<T>(), "not connected");
+  return false;
+}
+
+template <class T>
+void FrontendDatabase::reportRead(const TableStatement<T>& statement, int expected,
+                                  std::source_location where) {
+  // An id without a row is damage of the file; the read itself went well.
+  if (statement.result() != SQLITE_DONE) {
+    noteFailedRead(tableName<T>(), sqlite3_errmsg(connection));
+  }
+  if (statement.isFailureReported()) return;
+  persistence::reportSqlite(statement.result(), expected, connection, nullptr, where);
+}
+
+// --- Writing single rows.
+
+template <class T>
+long long FrontendDatabase::add(T& element) {
+  Debug debug(3, "FrontendDatabase::add()");
+  element.setId(0);
+  if (!isReadyFor<T>("FrontendDatabase::add()")) return 0;
+  TableStatement<T>& statement = tables->statement<T>(StatementKind::add);
+  statement.bind(*this, connection, element);
+  statement.exec(connection);
+  if (statement.result() == SQLITE_DONE) {
+    element.setId(lastInsertRowID());
+  } else {
+    // The latest row id is that of some other row: nothing may refer to it by this element.
+    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
+  }
+  return element.getId();
+}
+
+template <class T>
+long long FrontendDatabase::addOrTakeRow(T& element) {
+  Debug debug(3, "FrontendDatabase::add()");
+  element.setId(0);
+  if (!isReadyFor<T>("FrontendDatabase::add()")) return 0;
+  TableStatement<T>& statement = tables->statement<T>(StatementKind::add);
+  statement.bind(*this, connection, element);
+  if (statement.run() == SQLITE_DONE) {
+    element.setId(lastInsertRowID());
+    return element.getId();
+  }
+  const bool isDuplicate = sqlite3_extended_errcode(connection) == SQLITE_CONSTRAINT_UNIQUE;
+  if (!isDuplicate) {
+    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
+    if (!statement.isFailureReported()) {
+      persistence::reportSqlite(statement.result(), SQLITE_DONE, connection);
+    }
+    return 0;
+  }
+  T row = element;
+  element.setId(getId(row));
+  if (element.getId() != 0) update(element);
+  return element.getId();
+}
+
+template <class T>
+void FrontendDatabase::update(T& element) {
+  Debug debug(3, "FrontendDatabase::update()");
+  if (!isReadyFor<T>("FrontendDatabase::update()")) return;
+  TableStatement<T>& statement = tables->statement<T>(StatementKind::update);
+  statement.bind(*this, connection, element);
+  statement.exec(connection);
+  if (statement.result() != SQLITE_DONE) {
+    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
+  }
+}
+
+template <class T>
+void FrontendDatabase::truncate() {
+  if (!isReadyFor<T>("FrontendDatabase::truncate()")) return;
+  T element;
+  TableStatement<T>& statement = tables->statement<T>(StatementKind::delete_all);
+  statement.bind(*this, connection, element);
+  if (statement.step() != SQLITE_DONE) {
+    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
+    if (!statement.isFailureReported()) {
+      persistence::reportSqlite(statement.result(), SQLITE_DONE, connection);
+    }
+  }
+  statement.reset(connection);
+}
+
+// --- Finding a row by its key.
+
+template <class T>
+long long FrontendDatabase::getId(T& element) {
+  Debug debug(3, "FrontendDatabase::getId()");
+  if (!isReadyToRead<T>("FrontendDatabase::getId()")) return 0;
+  TableStatement<T>& statement = tables->statement<T>(StatementKind::get_id);
+  debug.print("calling bind");
+  statement.bind(*this, connection, element);
+  debug.print("calling step");
+  long long id = 0;
+  if (statement.step() == SQLITE_ROW) {
+    debug.print("calling column");
+    statement.column(*this, connection, element);
+    id = element.getId();
+  } else if (statement.result() != SQLITE_DONE) {
+    reportRead(statement, SQLITE_DONE);
+  }
+  statement.reset(connection);
+  return id;
+}
+
+long long FrontendDatabase::getId(bool& first, Type& row) {
+  Debug debug(3, "FrontendDatabase::getId()");
+  if (!isReadyToRead<Type>("FrontendDatabase::getId()")) return 0;
+  TableStatement<Type>& statement = tables->statement<Type>(StatementKind::get_id);
+  if (first) {
+    first = false;
+    debug.print("calling bind");
+    statement.bind(*this, connection, row);
+  }
+  debug.print("calling step");
+  if (statement.step() == SQLITE_ROW) {
+    debug.print("calling column");
+    statement.column(*this, connection, row);
+    return row.getId();
+  }
+  if (statement.result() != SQLITE_DONE) reportRead(statement, SQLITE_DONE);
+  statement.reset(connection);
+  return 0;
+}
+
+template <class T>
+long long FrontendDatabase::getIdOrAdd(T& element) {
+  if (element.getId() != 0) return element.getId();
+  if (const long long id = getId(element); id != 0) return id;
+  return add(element);
+}
+
+namespace {
+
+/// What an element takes from the row with its key; true when the row has to be written again.
+/// These have nothing that a second sight could change.
+template <class T>
+bool mergeWithRow(T& element, const T& row) {
+  element.setId(row.getId());
+  return false;
+}
+bool mergeWithRow(Identifier& element, const Identifier& row) { return element.updateFromRow(row); }
+bool mergeWithRow(Macro& element, const Macro& row) { return element.update(row); }
+bool mergeWithRow(Type& element, const Type& row) { return element.update(row); }
+template <class T>
+requires std::is_base_of_v<NamedElement, T>
+bool mergeWithRow(T& element, const T& row) { return element.update(row); }
+
+}  // namespace
+
+template <class T>
+long long FrontendDatabase::add_or_update(T& element) {
+  Debug debug(3, "FrontendDatabase::add_or_update()");
+  T row = element;
+  row.forgetRow();
+  const long long id = getId(row);
+  if (id == 0) return add(element);
+  if (mergeWithRow(element, row)) update(element);
+  return id;
+}
+
+/// Nothing keeps rows of equal keys out of this table, so the element is merged with each of them
+/// by itself, and comes out as it went in.
+template <>
+long long FrontendDatabase::add_or_update(Type& element) {
+  Debug debug(3, "FrontendDatabase::add_or_update()");
+  Type row = element;
+  row.forgetRow();
+  bool first = true;
+  const long long firstId = getId(first, row);
+  if (firstId == 0) return add(element);
+  const Type remembered = element;
+  for (long long id = firstId; id != 0; id = getId(first, row)) {
+    if (mergeWithRow(element, row)) update(element);
+    element = remembered;
+  }
+  return firstId;
+}
+
+// --- Reading a row by its id.
+
+Function* FrontendDatabase::getFunction(long long id) {
+  return tables->of<Function>().idCache.find(id).value_or(nullptr);
+}
+
+/// False when there is no row; the columns of the element are then 0, NULL or empty.
+template <class T>
+bool FrontendDatabase::readRow(T& element) {
+  TableStatement<T>& statement = tables->statement<T>(StatementKind::get_from_id);
+  statement.bind(*this, connection, element);
+  const bool hasRow = statement.step() == SQLITE_ROW;
+  if (hasRow) {
+    statement.column(*this, connection, element);
+  } else {
+    reportRead(statement, SQLITE_ROW);
+    readEmptyRow(element);
+  }
+  statement.reset(connection);
+  return hasRow;
+}
+
+template <class T>
+void FrontendDatabase::readEmptyRow(T& element) {
+  auto& columns = tables->of<T>().description.columns;
+  std::string sql = "SELECT NULL";
+  for (std::size_t i = 1; i < columns.size(); ++i) sql += ", NULL";
+  sqlite3_stmt* nulls = nullptr;
+  sqlite3_prepare_v2(connection, sql.c_str(), -1, &nulls, nullptr);
+  sqlite3_step(nulls);
+  int index = 0;
+  for (auto& [column, field] : columns) {
+    if (!column.isPrimaryKey()) field->column(element, *this, nulls, index++);
+  }
+  sqlite3_finalize(nulls);
+}
+
+template <class T>
+T* FrontendDatabase::get(long long id) {
+  if (id == 0) return nullptr;
+  IdCache<T>& idCache = tables->of<T>().idCache;
+  if (const std::optional<T*> known = idCache.find(id)) {
+    if (*known == nullptr) ++leftOutReferences;
+    return *known;
+  }
+  Debug debug(3, "FrontendDatabase::get()");
+  if (!isReadyToRead<T>("FrontendDatabase::get()")) return nullptr;
+  T row;
+  row.setId(id);
+  const unsigned long leftOutBefore = leftOutReferences;
+  const bool hasRow = readRow(row);
+  // An empty element stands for an id without a row, but a variable cannot be without a file.
+  const bool isElement = hasRow ? canBecomeElement(row, leftOutReferences != leftOutBefore)
+                                : !std::is_same_v<T, Variable>;
+  T* element = isElement ? dataset->emplaceFromDB(row, /*accumulate=*/true) : nullptr;
+  if (element != nullptr) {
+    element->setId(id);
+  } else {
+    ++leftOutReferences;
+  }
+  idCache.enter(id, element);
+  return element;
+}
+
+template <class T>
+void FrontendDatabase::get(T& element) {
+  Debug debug(3, "FrontendDatabase::get()");
+  if (isReadyToRead<T>("FrontendDatabase::get()")) readRow(element);
+}
+
+// --- Walking a table.
+
+template <class T>
+long long FrontendDatabase::nextRow(StatementKind statementKind, bool& first, T& row) {
+  TableStatement<T>& statement = tables->statement<T>(statementKind);
+  if (first) {
+    first = false;
+    statement.bind(*this, connection, row);
+  }
+  if (statement.step() == SQLITE_ROW) {
+    statement.column(*this, connection, row);
+    // The caller takes id 0 for the end, and so never sees the rows behind this one.
+    if (row.getId() == 0) noteFailedRead(tableName<T>(), "a row has the id 0");
+    return row.getId();
+  }
+  if (statement.result() != SQLITE_DONE) reportRead(statement, SQLITE_DONE);
+  statement.reset(connection);
+  return 0;
+}
+
+template <class T>
+long long FrontendDatabase::listId(bool& first) {
+  Debug debug(3, "FrontendDatabase::listId()");
+  if (!isReadyToRead<T>("FrontendDatabase::listId()")) return 0;
+  T row;
+  return nextRow(StatementKind::list_id, first, row);
+}
+
+template <class T>
+long long FrontendDatabase::listALL(bool& first, T& row) {
+  Debug debug(3, "FrontendDatabase::listALL()");
+  if (!isReadyToRead<T>("FrontendDatabase::listALL()")) return 0;
+  return nextRow(StatementKind::list_all, first, row);
+}
+
+// --- Row ids of elements.
+
+template <class T>
+void FrontendDatabase::enterInIdCache(long long id, T* element) {
+  tables->of<T>().idCache.enter(id, element);
+}
+
+template <class T>
+bool FrontendDatabase::isInIdCache(long long id) const {
+  return tables->of<T>().idCache.find(id).has_value();
+}
+
+void FrontendDatabase::clearIdCaches() {
+  Elements::each([this]<class T>() { tables->of<T>().idCache.clear(); });
+}
+
+// --- Every operation for every class. The addresses make the compiler emit what the other source
+// files call.
+
+namespace {
+
+template <class T>
+auto operationsOf() {
+  using Database = FrontendDatabase;
+  return std::make_tuple(&Database::add<T>, &Database::addOrTakeRow<T>, &Database::update<T>,
+                         &Database::add_or_update<T>, &Database::getIdOrAdd<T>,
+                         static_cast<long long (Database::*)(T&)>(&Database::getId<T>),
+                         static_cast<T* (Database::*)(long long)>(&Database::get<T>),
+                         static_cast<void (Database::*)(T&)>(&Database::get<T>),
+                         &Database::listId<T>, &Database::listALL<T>, &Database::truncate<T>,
+                         &Database::enterInIdCache<T>, &Database::isInIdCache<T>,
+                         &Database::tableName<T>);
+}
+
+template <class... T>
+struct OperationsOf {
+  static auto all() { return std::make_tuple(operationsOf<T>()...); }
+};
+
+}  // namespace
+
+extern const decltype(Elements::Apply<OperationsOf>::all()) kFrontendDatabaseOperations;
+const decltype(Elements::Apply<OperationsOf>::all()) kFrontendDatabaseOperations =
+    Elements::Apply<OperationsOf>::all();
+
+}  // namespace orvalesca::databases_merger
