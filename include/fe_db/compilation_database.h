@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <source_location>
 #include <string_view>
 
 #include "fe_db/elements.h"
@@ -114,8 +113,7 @@ class FrontendDatabase : public persistence::Database {
   template <class T>
   bool isReadyToRead(const char* operation);
   template <class T>
-  void reportRead(const TableStatement<T>& statement, int expected,
-                  std::source_location where = std::source_location::current());
+  void reportRead(const TableStatement<T>& statement, int expected, int line = __builtin_LINE());
   template <class T>
   bool readRow(T& element);
   template <class T>

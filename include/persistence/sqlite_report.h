@@ -1,7 +1,5 @@
 #pragma once
 
-#include <source_location>
-
 #include "persistence/export.h"
 
 struct sqlite3;
@@ -13,9 +11,9 @@ namespace persistence {
 /// Reports an SQLite result code:
 ///   orvalesca: sqlite error:unknown:<source>:<line>: rc=<rc> (expected rc=<expected>) <reason>
 /// followed by "While executing <statement with its values>" when a statement is given.
-SHARED_PERSISTENCE_EXPORT void reportSqlite(
-    int rc, int expected, sqlite3* connection, sqlite3_stmt* whileExecuting = nullptr,
-    std::source_location where = std::source_location::current());
+SHARED_PERSISTENCE_EXPORT void reportSqlite(int rc, int expected, sqlite3* connection,
+                                            sqlite3_stmt* whileExecuting = nullptr,
+                                            int line = __builtin_LINE());
 
 /// Reports anything else: "orvalesca: " and the printf-style message, one line.
 SHARED_PERSISTENCE_EXPORT void reportMessage(const char* format, ...)

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "formatted.h"
+
 namespace persistence {
 
 namespace {
@@ -21,16 +23,6 @@ void writeLine(std::string_view head, std::string_view message) {
   line.append(head).append(message);
   if (line.back() != '\n') line.push_back('\n');
   std::fputs(line.c_str(), stderr);
-}
-
-std::string formatted(const char* format, std::va_list arguments) {
-  std::va_list again;
-  va_copy(again, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, again);
-  va_end(again);
-  std::string message(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-  std::vsnprintf(message.data(), message.size() + 1, format, arguments);
-  return message;
 }
 
 std::string scopeHead(int level, std::string_view name) {

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <string>
 
+#include "formatted.h"
+
 namespace persistence {
 
 namespace {
@@ -16,9 +18,9 @@ constexpr char kSource[] = "src/verifier/databases_merger/fe_database/compilatio
 }  // namespace
 
 void reportSqlite(int rc, int expected, sqlite3* connection, sqlite3_stmt* whileExecuting,
-                  std::source_location where) {
+                  int line) {
   std::fprintf(stderr, "orvalesca: sqlite error:%s:%s:%d: rc=%d (expected rc=%d) %s\n", "unknown",
-               kSource, static_cast<int>(where.line()), rc, expected, sqlite3_errmsg(connection));
+               kSource, line, rc, expected, sqlite3_errmsg(connection));
   if (whileExecuting == nullptr) return;
   char* sql = sqlite3_expanded_sql(whileExecuting);
   std::fprintf(stderr, "While executing %s\n", sql != nullptr ? sql : "");
@@ -26,15 +28,11 @@ void reportSqlite(int rc, int expected, sqlite3* connection, sqlite3_stmt* while
 }
 
 void reportMessage(const char* format, ...) {
-  // One write, so that lines of several processes or threads do not mix.
-  std::string line = "orvalesca: ";
   std::va_list arguments;
   va_start(arguments, format);
-  char* message = sqlite3_vmprintf(format, arguments);
+  // One write, so that lines of several processes or threads do not mix.
+  const std::string line = "orvalesca: " + formatted(format, arguments) + '\n';
   va_end(arguments);
-  if (message != nullptr) line += message;
-  sqlite3_free(message);
-  line += '\n';
   std::fputs(line.c_str(), stderr);
 }
 

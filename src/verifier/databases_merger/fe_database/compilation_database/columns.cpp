@@ -8,7 +8,6 @@
 /// reading a row. Columns are addressed by name, so the order of the schema is free.
 ///   kPrimaryKey  the row id ("rowid" where the table declares none)
 ///   kUnique      belongs to the key by which a row is found again; never rewritten
-///   byValue, byReference  how the accessors pass the member; text has to go by reference
 namespace orvalesca::databases_merger {
 
 using persistence::kPrimaryKey;
@@ -18,18 +17,29 @@ namespace {
 
 constexpr std::uint32_t kNoFlags = 0;
 
-template <class T, class U, class Owner>
-std::unique_ptr<GenericDataField<T>> byValue(U (Owner::*get)() const, void (Owner::*set)(U)) {
-  return std::make_unique<DataField<T, U>>(static_cast<U (T::*)() const>(get),
-                                           static_cast<void (T::*)(U)>(set));
-}
+/// Adds columns to a table; the accessors tell the type and how they pass it.
+template <class T>
+struct Columns {
+  TableDescription<T>& table;
 
-template <class T, class U, class Owner>
-std::unique_ptr<GenericDataField<T>> byReference(const U& (Owner::*get)() const,
-                                                 void (Owner::*set)(const U&)) {
-  return std::make_unique<DataField<T, U>>(static_cast<const U& (T::*)() const>(get),
-                                           static_cast<void (T::*)(const U&)>(set));
-}
+  template <class U, class Owner>
+  void operator()(const char* name, std::uint32_t flags, U (Owner::*get)() const,
+                  void (Owner::*set)(U)) const {
+    using Field = DataField<T, U>;
+    table.addField({name, flags},
+                   std::make_unique<Field>(static_cast<typename Field::ValueGetter>(get),
+                                           static_cast<typename Field::ValueSetter>(set)));
+  }
+
+  template <class U, class Owner>
+  void operator()(const char* name, std::uint32_t flags, const U& (Owner::*get)() const,
+                  void (Owner::*set)(const U&)) const {
+    using Field = DataField<T, U>;
+    table.addField({name, flags},
+                   std::make_unique<Field>(static_cast<typename Field::ReferenceGetter>(get),
+                                           static_cast<typename Field::ReferenceSetter>(set)));
+  }
+};
 
 }  // namespace
 
@@ -43,185 +53,205 @@ template <>
 void describe(TableDescription<File>& table) {
   using E = File;
   table.name = "File";
-  table.addField({"FileId",  kPrimaryKey}, byValue<E>    (&E::getId,        &E::setId));
-  table.addField({"Path",    kUnique},     byReference<E>(&E::getPath,      &E::setPath));
-  table.addField({"Kind",    kNoFlags},    byValue<E>    (&E::getKind,      &E::setKind));
-  table.addField({"Lang",    kNoFlags},    byValue<E>    (&E::getLanguage,  &E::setLanguage));
-  table.addField({"Huge",    kNoFlags},    byValue<E>    (&E::getHugeForDB, &E::setHugeFromDB));  // a number: any but 0 reads as true
+  const Columns<E> column{table};
+  column("FileId", kPrimaryKey, &E::getId,        &E::setId);
+  column("Path",   kUnique,     &E::getPath,      &E::setPath);
+  column("Kind",   kNoFlags,    &E::getKind,      &E::setKind);
+  column("Lang",   kNoFlags,    &E::getLanguage,  &E::setLanguage);
+  // a number: any but 0 reads as true
+  column("Huge",   kNoFlags,    &E::getHugeForDB, &E::setHugeFromDB);
 }
 
 template <>
 void describe(TableDescription<Identifier>& table) {
   using E = Identifier;
   table.name = "Identifier";
-  table.addField({"IdentifierId",  kPrimaryKey}, byValue<E>    (&E::getId,    &E::setId));
-  table.addField({"Name",          kUnique},     byReference<E>(&E::getName,  &E::setName));
-  table.addField({"Kind",          kNoFlags},    byValue<E>    (&E::getKind,  &E::setKind));  // the schema has Count before Kind
-  table.addField({"Count",         kNoFlags},    byValue<E>    (&E::getCount, &E::setCount));
+  const Columns<E> column{table};
+  column("IdentifierId", kPrimaryKey, &E::getId,    &E::setId);
+  column("Name",         kUnique,     &E::getName,  &E::setName);
+  // the schema has Count before Kind
+  column("Kind",         kNoFlags,    &E::getKind,  &E::setKind);
+  column("Count",        kNoFlags,    &E::getCount, &E::setCount);
 }
 
 template <>
 void describe(TableDescription<Macro>& table) {
   using E = Macro;
   table.name = "Macro";
-  table.addField({"MacroId",                  kPrimaryKey}, byValue<E>    (&E::getId,                      &E::setId));
-  table.addField({"IdentifierId",             kUnique},     byValue<E>    (&E::getIdentifier,              &E::setIdentifier));
-  table.addField({"DeclFileId",               kUnique},     byValue<E>    (&E::getFile,                    &E::setFile));
-  table.addField({"DeclLineNum",              kUnique},     byValue<E>    (&E::getLine,                    &E::setLine));
-  table.addField({"DeclColNum",               kUnique},     byValue<E>    (&E::getColumn,                  &E::setColumn));
-  table.addField({"RefCount",                 kNoFlags},    byValue<E>    (&E::getRefCount,                &E::setRefCount));
-  table.addField({"Value",                    kNoFlags},    byValue<E>    (&E::getIntegralValueForDB,      &E::setIntegralValueFromDB));  // before ValueIsSigned, which re-labels it
-  table.addField({"ValueIsSigned",            kNoFlags},    byValue<E>    (&E::getSignednessForDB,         &E::setSignednessFromDB));
-  table.addField({"IsObjectLike",             kNoFlags},    byValue<E>    (&E::getIsObjectLike,            &E::setIsObjectLike));
-  table.addField({"IsVariadic",               kNoFlags},    byValue<E>    (&E::getIsVariadic,              &E::setIsVariadic));
-  table.addField({"IsCommandLineDefinition",  kNoFlags},    byValue<E>    (&E::getIsCommandLineDefinition, &E::setIsCommandLineDefinition));
-  table.addField({"IsPredefined",             kNoFlags},    byValue<E>    (&E::getIsPredefined,            &E::setIsPredefined));
-  table.addField({"Text",                     kNoFlags},    byReference<E>(&E::getText,                    &E::setText));
+  const Columns<E> column{table};
+  column("MacroId",                 kPrimaryKey, &E::getId,                      &E::setId);
+  column("IdentifierId",            kUnique,     &E::getIdentifier,              &E::setIdentifier);
+  column("DeclFileId",              kUnique,     &E::getFile,                    &E::setFile);
+  column("DeclLineNum",             kUnique,     &E::getLine,                    &E::setLine);
+  column("DeclColNum",              kUnique,     &E::getColumn,                  &E::setColumn);
+  column("RefCount",                kNoFlags,    &E::getRefCount,                &E::setRefCount);
+  // before ValueIsSigned, which re-labels it
+  column("Value",                   kNoFlags,    &E::getIntegralValueForDB,      &E::setIntegralValueFromDB);
+  column("ValueIsSigned",           kNoFlags,    &E::getSignednessForDB,         &E::setSignednessFromDB);
+  column("IsObjectLike",            kNoFlags,    &E::getIsObjectLike,            &E::setIsObjectLike);
+  column("IsVariadic",              kNoFlags,    &E::getIsVariadic,              &E::setIsVariadic);
+  column("IsCommandLineDefinition", kNoFlags,    &E::getIsCommandLineDefinition, &E::setIsCommandLineDefinition);
+  column("IsPredefined",            kNoFlags,    &E::getIsPredefined,            &E::setIsPredefined);
+  column("Text",                    kNoFlags,    &E::getText,                    &E::setText);
 }
 
 template <>
 void describe(TableDescription<MacroInvocation>& table) {
   using E = MacroInvocation;
   table.name = "MacroInvocation";
-  table.addField({"MacroInvocationId",  kPrimaryKey}, byValue<E>(&E::getId,            &E::setId));
-  table.addField({"MacroId",            kUnique},     byValue<E>(&E::getMacro,         &E::setMacro));
-  table.addField({"FileId",             kNoFlags},    byValue<E>(&E::getFile,          &E::setFile));
-  table.addField({"LineNum",            kNoFlags},    byValue<E>(&E::getLine,          &E::setLine));
-  table.addField({"ColNum",             kNoFlags},    byValue<E>(&E::getColumn,        &E::setColumn));
-  table.addField({"ppLineNum",          kUnique},     byValue<E>(&E::getPpLine,        &E::setPpLine));  // ppFileId of the schema is never written
-  table.addField({"ppStartColNum",      kUnique},     byValue<E>(&E::getPpStartColumn, &E::setPpStartColumn));
-  table.addField({"ppEndColNum",        kNoFlags},    byValue<E>(&E::getPpEndColumn,   &E::setPpEndColumn));
+  const Columns<E> column{table};
+  column("MacroInvocationId", kPrimaryKey, &E::getId,            &E::setId);
+  column("MacroId",           kUnique,     &E::getMacro,         &E::setMacro);
+  column("FileId",            kNoFlags,    &E::getFile,          &E::setFile);
+  column("LineNum",           kNoFlags,    &E::getLine,          &E::setLine);
+  column("ColNum",            kNoFlags,    &E::getColumn,        &E::setColumn);
+  // ppFileId of the schema is never written
+  column("ppLineNum",         kUnique,     &E::getPpLine,        &E::setPpLine);
+  column("ppStartColNum",     kUnique,     &E::getPpStartColumn, &E::setPpStartColumn);
+  column("ppEndColNum",       kNoFlags,    &E::getPpEndColumn,   &E::setPpEndColumn);
 }
 
 template <>
 void describe(TableDescription<MacroInvocationCodeOrigin>& table) {
   using E = MacroInvocationCodeOrigin;
   table.name = "MacroInvocationCodeOrigin";
-  table.addField({"rowid",                        kPrimaryKey}, byValue<E>    (&E::getId,          &E::setId));
-  table.addField({"FileId",                       kNoFlags},    byValue<E>    (&E::getFile,        &E::setFile));
-  table.addField({"LineNum",                      kNoFlags},    byValue<E>    (&E::getLine,        &E::setLine));
-  table.addField({"ColNum",                       kNoFlags},    byValue<E>    (&E::getColumn,      &E::setColumn));
-  table.addField({"MacroInvocationId",            kNoFlags},    byValue<E>    (&E::getInvocation,  &E::setInvocation));
-  table.addField({"OffsetColumnInInvocation",     kNoFlags},    byValue<E>    (&E::getOffset,      &E::setOffset));
-  table.addField({"EndOffsetColumnInInvocation",  kNoFlags},    byValue<E>    (&E::getEndOffset,   &E::setEndOffset));
-  table.addField({"IsParameter",                  kNoFlags},    byValue<E>    (&E::getIsParameter, &E::setIsParameter));
-  table.addField({"TokenString",                  kNoFlags},    byReference<E>(&E::getTokenString, &E::setTokenString));
+  const Columns<E> column{table};
+  column("rowid",                       kPrimaryKey, &E::getId,          &E::setId);
+  column("FileId",                      kNoFlags,    &E::getFile,        &E::setFile);
+  column("LineNum",                     kNoFlags,    &E::getLine,        &E::setLine);
+  column("ColNum",                      kNoFlags,    &E::getColumn,      &E::setColumn);
+  column("MacroInvocationId",           kNoFlags,    &E::getInvocation,  &E::setInvocation);
+  column("OffsetColumnInInvocation",    kNoFlags,    &E::getOffset,      &E::setOffset);
+  column("EndOffsetColumnInInvocation", kNoFlags,    &E::getEndOffset,   &E::setEndOffset);
+  column("IsParameter",                 kNoFlags,    &E::getIsParameter, &E::setIsParameter);
+  column("TokenString",                 kNoFlags,    &E::getTokenString, &E::setTokenString);
 }
 
 template <>
 void describe(TableDescription<MacroExpansion>& table) {
   using E = MacroExpansion;
   table.name = "MacroExpansion";
-  table.addField({"rowid",         kPrimaryKey}, byValue<E>    (&E::getId,           &E::setId));
-  table.addField({"FileId",        kNoFlags},    byValue<E>    (&E::getFile,         &E::setFile));
-  table.addField({"LineNum",       kNoFlags},    byValue<E>    (&E::getLine,         &E::setLine));
-  table.addField({"ColNum",        kNoFlags},    byValue<E>    (&E::getColumn,       &E::setColumn));
-  table.addField({"ppLineNum",     kNoFlags},    byValue<E>    (&E::getPpLine,       &E::setPpLine));  // PpLineNum and PpColNum in the schema: the same columns
-  table.addField({"ppColNum",      kNoFlags},    byValue<E>    (&E::getPpColumn,     &E::setPpColumn));
-  table.addField({"ExpandedCode",  kNoFlags},    byReference<E>(&E::getExpandedCode, &E::setExpandedCode));
-  table.addField({"MacroCall",     kNoFlags},    byReference<E>(&E::getMacroCall,    &E::setMacroCall));
+  const Columns<E> column{table};
+  column("rowid",        kPrimaryKey, &E::getId,           &E::setId);
+  column("FileId",       kNoFlags,    &E::getFile,         &E::setFile);
+  column("LineNum",      kNoFlags,    &E::getLine,         &E::setLine);
+  column("ColNum",       kNoFlags,    &E::getColumn,       &E::setColumn);
+  // PpLineNum and PpColNum in the schema: the same columns
+  column("ppLineNum",    kNoFlags,    &E::getPpLine,       &E::setPpLine);
+  column("ppColNum",     kNoFlags,    &E::getPpColumn,     &E::setPpColumn);
+  column("ExpandedCode", kNoFlags,    &E::getExpandedCode, &E::setExpandedCode);
+  column("MacroCall",    kNoFlags,    &E::getMacroCall,    &E::setMacroCall);
 }
 
 template <>
 void describe(TableDescription<Type>& table) {
   using E = Type;
   table.name = "Type";
-  table.addField({"TypeId",        kPrimaryKey}, byValue<E>(&E::getId,          &E::setId));
-  table.addField({"IdentifierId",  kUnique},     byValue<E>(&E::getIdentifier,  &E::setIdentifier));
-  table.addField({"Unnamed",       kNoFlags},    byValue<E>(&E::getUnnamed,     &E::setUnnamed));
-  table.addField({"Local",         kNoFlags},    byValue<E>(&E::getLocal,       &E::setLocal));
-  table.addField({"Incomplete",    kNoFlags},    byValue<E>(&E::getIncomplete,  &E::setIncomplete));
-  table.addField({"DeclFileId",    kUnique},     byValue<E>(&E::getFile,        &E::setFile));
-  table.addField({"DeclLineNum",   kUnique},     byValue<E>(&E::getLine,        &E::setLine));
-  table.addField({"DeclColNum",    kUnique},     byValue<E>(&E::getColumn,      &E::setColumn));
-  table.addField({"Kind",          kUnique},     byValue<E>(&E::getKind,        &E::setKind));
-  table.addField({"RefCount",      kNoFlags},    byValue<E>(&E::getRefCount,    &E::setRefCount));
-  table.addField({"RefTagCount",   kNoFlags},    byValue<E>(&E::getRefTagCount, &E::setRefTagCount));
+  const Columns<E> column{table};
+  column("TypeId",       kPrimaryKey, &E::getId,          &E::setId);
+  column("IdentifierId", kUnique,     &E::getIdentifier,  &E::setIdentifier);
+  column("Unnamed",      kNoFlags,    &E::getUnnamed,     &E::setUnnamed);
+  column("Local",        kNoFlags,    &E::getLocal,       &E::setLocal);
+  column("Incomplete",   kNoFlags,    &E::getIncomplete,  &E::setIncomplete);
+  column("DeclFileId",   kUnique,     &E::getFile,        &E::setFile);
+  column("DeclLineNum",  kUnique,     &E::getLine,        &E::setLine);
+  column("DeclColNum",   kUnique,     &E::getColumn,      &E::setColumn);
+  column("Kind",         kUnique,     &E::getKind,        &E::setKind);
+  column("RefCount",     kNoFlags,    &E::getRefCount,    &E::setRefCount);
+  column("RefTagCount",  kNoFlags,    &E::getRefTagCount, &E::setRefTagCount);
 }
 
 template <>
 void describe(TableDescription<TypeReference>& table) {
   using E = TypeReference;
   table.name = "TypeReference";
-  table.addField({"rowid",           kPrimaryKey}, byValue<E>(&E::getId,             &E::setId));
-  table.addField({"DeclaredType",    kUnique},     byValue<E>(&E::getDeclaredType,   &E::setDeclaredType));
-  table.addField({"ReferencedType",  kNoFlags},    byValue<E>(&E::getReferencedType, &E::setReferencedType));
+  const Columns<E> column{table};
+  column("rowid",          kPrimaryKey, &E::getId,             &E::setId);
+  column("DeclaredType",   kUnique,     &E::getDeclaredType,   &E::setDeclaredType);
+  column("ReferencedType", kNoFlags,    &E::getReferencedType, &E::setReferencedType);
 }
 
 template <>
 void describe(TableDescription<Variable>& table) {
   using E = Variable;
   table.name = "Variable";
-  table.addField({"VariableId",    kPrimaryKey}, byValue<E>(&E::getId,         &E::setId));
-  table.addField({"IdentifierId",  kUnique},     byValue<E>(&E::getIdentifier, &E::setIdentifier));
-  table.addField({"DeclFileId",    kUnique},     byValue<E>(&E::getFile,       &E::setFile));
-  table.addField({"DeclLineNum",   kUnique},     byValue<E>(&E::getLine,       &E::setLine));
-  table.addField({"DeclColNum",    kUnique},     byValue<E>(&E::getColumn,     &E::setColumn));
-  table.addField({"TypeId",        kNoFlags},    byValue<E>(&E::getType,       &E::setType));
-  table.addField({"isDefined",     kNoFlags},    byValue<E>(&E::getIsDefined,  &E::setIsDefined));
-  table.addField({"Linkage",       kNoFlags},    byValue<E>(&E::getLinkage,    &E::setLinkage));
-  table.addField({"RefCount",      kNoFlags},    byValue<E>(&E::getRefCount,   &E::setRefCount));
+  const Columns<E> column{table};
+  column("VariableId",   kPrimaryKey, &E::getId,         &E::setId);
+  column("IdentifierId", kUnique,     &E::getIdentifier, &E::setIdentifier);
+  column("DeclFileId",   kUnique,     &E::getFile,       &E::setFile);
+  column("DeclLineNum",  kUnique,     &E::getLine,       &E::setLine);
+  column("DeclColNum",   kUnique,     &E::getColumn,     &E::setColumn);
+  column("TypeId",       kNoFlags,    &E::getType,       &E::setType);
+  column("isDefined",    kNoFlags,    &E::getIsDefined,  &E::setIsDefined);
+  column("Linkage",      kNoFlags,    &E::getLinkage,    &E::setLinkage);
+  column("RefCount",     kNoFlags,    &E::getRefCount,   &E::setRefCount);
 }
 
 template <>
 void describe(TableDescription<Function>& table) {
   using E = Function;
   table.name = "Function";
-  table.addField({"FunctionId",    kPrimaryKey}, byValue<E>(&E::getId,         &E::setId));
-  table.addField({"IdentifierId",  kUnique},     byValue<E>(&E::getIdentifier, &E::setIdentifier));
-  table.addField({"SourceNameId",  kNoFlags},    byValue<E>(&E::getSourceName, &E::setSourceName));
-  table.addField({"DeclFileId",    kUnique},     byValue<E>(&E::getFile,       &E::setFile));
-  table.addField({"DeclLineNum",   kUnique},     byValue<E>(&E::getLine,       &E::setLine));
-  table.addField({"DeclColNum",    kUnique},     byValue<E>(&E::getColumn,     &E::setColumn));
-  table.addField({"isDefined",     kNoFlags},    byValue<E>(&E::getIsDefined,  &E::setIsDefined));
-  table.addField({"isSpecial",     kNoFlags},    byValue<E>(&E::getIsSpecial,  &E::setIsSpecial));
-  table.addField({"Effect",        kNoFlags},    byValue<E>(&E::getEffect,     &E::setEffect));
-  table.addField({"Linkage",       kNoFlags},    byValue<E>(&E::getLinkage,    &E::setLinkage));
-  table.addField({"RefCount",      kNoFlags},    byValue<E>(&E::getRefCount,   &E::setRefCount));
+  const Columns<E> column{table};
+  column("FunctionId",   kPrimaryKey, &E::getId,         &E::setId);
+  column("IdentifierId", kUnique,     &E::getIdentifier, &E::setIdentifier);
+  column("SourceNameId", kNoFlags,    &E::getSourceName, &E::setSourceName);
+  column("DeclFileId",   kUnique,     &E::getFile,       &E::setFile);
+  column("DeclLineNum",  kUnique,     &E::getLine,       &E::setLine);
+  column("DeclColNum",   kUnique,     &E::getColumn,     &E::setColumn);
+  column("isDefined",    kNoFlags,    &E::getIsDefined,  &E::setIsDefined);
+  column("isSpecial",    kNoFlags,    &E::getIsSpecial,  &E::setIsSpecial);
+  column("Effect",       kNoFlags,    &E::getEffect,     &E::setEffect);
+  column("Linkage",      kNoFlags,    &E::getLinkage,    &E::setLinkage);
+  column("RefCount",     kNoFlags,    &E::getRefCount,   &E::setRefCount);
 }
 
 template <>
 void describe(TableDescription<ExternalIdentifier>& table) {
   using E = ExternalIdentifier;
   table.name = "ExternalIdentifier";
-  table.addField({"ExternalIdentifierId",  kPrimaryKey}, byValue<E>    (&E::getId,          &E::setId));
-  table.addField({"IdentifierId",          kUnique},     byValue<E>    (&E::getIdentifier,  &E::setIdentifier));
-  table.addField({"Kind",                  kUnique},     byValue<E>    (&E::getEntityKind,  &E::setEntityKind));  // before EntityId, which needs it
-  table.addField({"EntityId",              kUnique},     byReference<E>(&E::getDescription, &E::setDescription));
+  const Columns<E> column{table};
+  column("ExternalIdentifierId", kPrimaryKey, &E::getId,          &E::setId);
+  column("IdentifierId",         kUnique,     &E::getIdentifier,  &E::setIdentifier);
+  // before EntityId, which needs it
+  column("Kind",                 kUnique,     &E::getEntityKind,  &E::setEntityKind);
+  column("EntityId",             kUnique,     &E::getDescription, &E::setDescription);
 }
 
 template <>
 void describe(TableDescription<Field>& table) {
   using E = Field;
   table.name = "Field";
-  table.addField({"FieldId",       kPrimaryKey}, byValue<E>(&E::getId,         &E::setId));
-  table.addField({"IdentifierId",  kUnique},     byValue<E>(&E::getIdentifier, &E::setIdentifier));
-  table.addField({"DeclFileId",    kUnique},     byValue<E>(&E::getFile,       &E::setFile));
-  table.addField({"DeclLineNum",   kUnique},     byValue<E>(&E::getLine,       &E::setLine));
-  table.addField({"DeclColNum",    kUnique},     byValue<E>(&E::getColumn,     &E::setColumn));
-  table.addField({"RefCount",      kNoFlags},    byValue<E>(&E::getRefCount,   &E::setRefCount));
+  const Columns<E> column{table};
+  column("FieldId",      kPrimaryKey, &E::getId,         &E::setId);
+  column("IdentifierId", kUnique,     &E::getIdentifier, &E::setIdentifier);
+  column("DeclFileId",   kUnique,     &E::getFile,       &E::setFile);
+  column("DeclLineNum",  kUnique,     &E::getLine,       &E::setLine);
+  column("DeclColNum",   kUnique,     &E::getColumn,     &E::setColumn);
+  column("RefCount",     kNoFlags,    &E::getRefCount,   &E::setRefCount);
 }
 
 template <>
 void describe(TableDescription<EnumConstant>& table) {
   using E = EnumConstant;
   table.name = "EnumConstant";
-  table.addField({"EnumConstantId",  kPrimaryKey}, byValue<E>(&E::getId,         &E::setId));
-  table.addField({"IdentifierId",    kUnique},     byValue<E>(&E::getIdentifier, &E::setIdentifier));
-  table.addField({"DeclFileId",      kUnique},     byValue<E>(&E::getFile,       &E::setFile));
-  table.addField({"DeclLineNum",     kUnique},     byValue<E>(&E::getLine,       &E::setLine));
-  table.addField({"DeclColNum",      kUnique},     byValue<E>(&E::getColumn,     &E::setColumn));
+  const Columns<E> column{table};
+  column("EnumConstantId", kPrimaryKey, &E::getId,         &E::setId);
+  column("IdentifierId",   kUnique,     &E::getIdentifier, &E::setIdentifier);
+  column("DeclFileId",     kUnique,     &E::getFile,       &E::setFile);
+  column("DeclLineNum",    kUnique,     &E::getLine,       &E::setLine);
+  column("DeclColNum",     kUnique,     &E::getColumn,     &E::setColumn);
 }
 
 template <>
 void describe(TableDescription<Label>& table) {
   using E = Label;
   table.name = "Label";
-  table.addField({"LabelId",       kPrimaryKey}, byValue<E>(&E::getId,         &E::setId));
-  table.addField({"IdentifierId",  kUnique},     byValue<E>(&E::getIdentifier, &E::setIdentifier));
-  table.addField({"DeclFileId",    kUnique},     byValue<E>(&E::getFile,       &E::setFile));
-  table.addField({"DeclLineNum",   kUnique},     byValue<E>(&E::getLine,       &E::setLine));
-  table.addField({"DeclColNum",    kUnique},     byValue<E>(&E::getColumn,     &E::setColumn));
+  const Columns<E> column{table};
+  column("LabelId",      kPrimaryKey, &E::getId,         &E::setId);
+  column("IdentifierId", kUnique,     &E::getIdentifier, &E::setIdentifier);
+  column("DeclFileId",   kUnique,     &E::getFile,       &E::setFile);
+  column("DeclLineNum",  kUnique,     &E::getLine,       &E::setLine);
+  column("DeclColNum",   kUnique,     &E::getColumn,     &E::setColumn);
 }
 
 template <>
@@ -230,13 +260,14 @@ void describe(TableDescription<CallPoint>& table) {
   table.name = "CallPoint";
   table.hasOrderBy = true;
   table.orderBy = "LineNum";
-  table.addField({"CallPointId",  kPrimaryKey}, byValue<E>(&E::getId,          &E::setId));
-  table.addField({"FileId",       kUnique},     byValue<E>(&E::getFile,        &E::setFile));
-  table.addField({"LineNum",      kUnique},     byValue<E>(&E::getLine,        &E::setLine));
-  table.addField({"ColNum",       kUnique},     byValue<E>(&E::getColumn,      &E::setColumn));
-  table.addField({"IsValueUsed",  kNoFlags},    byValue<E>(&E::getIsValueUsed, &E::setIsValueUsed));
-  table.addField({"CallerId",     kUnique},     byValue<E>(&E::getCaller,      &E::setCaller));
-  table.addField({"CalleeId",     kNoFlags},    byValue<E>(&E::getCallee,      &E::setCallee));
+  const Columns<E> column{table};
+  column("CallPointId", kPrimaryKey, &E::getId,          &E::setId);
+  column("FileId",      kUnique,     &E::getFile,        &E::setFile);
+  column("LineNum",     kUnique,     &E::getLine,        &E::setLine);
+  column("ColNum",      kUnique,     &E::getColumn,      &E::setColumn);
+  column("IsValueUsed", kNoFlags,    &E::getIsValueUsed, &E::setIsValueUsed);
+  column("CallerId",    kUnique,     &E::getCaller,      &E::setCaller);
+  column("CalleeId",    kNoFlags,    &E::getCallee,      &E::setCallee);
 }
 
 // clang-format on

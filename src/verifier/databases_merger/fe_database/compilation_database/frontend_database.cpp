@@ -82,14 +82,13 @@ bool FrontendDatabase::isReadyToRead(const char* operation) {
 }
 
 template <class T>
-void FrontendDatabase::reportRead(const TableStatement<T>& statement, int expected,
-                                  std::source_location where) {
+void FrontendDatabase::reportRead(const TableStatement<T>& statement, int expected, int line) {
   // An id without a row is damage of the file; the read itself went well.
   if (statement.result() != SQLITE_DONE) {
     noteFailedRead(tableName<T>(), sqlite3_errmsg(connection));
   }
   if (statement.isFailureReported()) return;
-  persistence::reportSqlite(statement.result(), expected, connection, nullptr, where);
+  persistence::reportSqlite(statement.result(), expected, connection, nullptr, line);
 }
 
 // --- Writing single rows.
@@ -208,6 +207,7 @@ long long FrontendDatabase::getId(bool& first, Type& row) {
 template <class T>
 long long FrontendDatabase::getIdOrAdd(T& element) {
   if (element.getId() != 0) return element.getId();
+  if (!isReadyToRead<T>("FrontendDatabase::getIdOrAdd()")) return 0;
   if (const long long id = getId(element); id != 0) return id;
   return add(element);
 }
@@ -233,6 +233,7 @@ bool mergeWithRow(T& element, const T& row) { return element.update(row); }
 template <class T>
 long long FrontendDatabase::add_or_update(T& element) {
   Debug debug(3, "FrontendDatabase::add_or_update()");
+  if (!isReadyToRead<T>("FrontendDatabase::add_or_update()")) return 0;
   T row = element;
   row.forgetRow();
   const long long id = getId(row);
@@ -246,6 +247,7 @@ long long FrontendDatabase::add_or_update(T& element) {
 template <>
 long long FrontendDatabase::add_or_update(Type& element) {
   Debug debug(3, "FrontendDatabase::add_or_update()");
+  if (!isReadyToRead<Type>("FrontendDatabase::add_or_update()")) return 0;
   Type row = element;
   row.forgetRow();
   bool first = true;
