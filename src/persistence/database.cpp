@@ -59,7 +59,9 @@ bool Database::open(bool readOnly) {
   int flags = SQLITE_OPEN_NOMUTEX;
   flags |= readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
   if (!readOnly && !mustExist) flags |= SQLITE_OPEN_CREATE;
-  if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) return false;
+  // Some builds of SQLite take a name that begins so for a URI; ours are paths.
+  const std::string file = path.starts_with("file:") ? "./" + path : path;
+  if (sqlite3_open_v2(file.c_str(), &connection, flags, nullptr) != SQLITE_OK) return false;
   state->end();
   state->attach(connection);
   sqlite3_busy_timeout(connection, busyTimeout);

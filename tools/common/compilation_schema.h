@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace fe_db_tools {
+
+/// Whether a new file gets the indexes that key look-ups use: worth their cost in a file that many
+/// processes save into, not in one that is written once.
+enum class KeyIndexes { no, yes };
+
+/// Makes an empty compilation database with its fifteen tables at `path`, whole or not at all.
+/// Throws std::runtime_error, naming the path and the reason, when something is there already or
+/// the file cannot be written.
+void createCompilationDatabase(const std::string& path, KeyIndexes indexes);
+
+/// The same for a preprocessing database.
+void createPreprocessingDatabase(const std::string& path);
+
+}  // namespace fe_db_tools

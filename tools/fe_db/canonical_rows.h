@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string_view>
+
+#include "read_only_file.h"
+
+namespace fe_db_tools {
+
+/// The rows of a table as lines (see LineQuery), sorted by bytes: SQLite's sorter does it outside
+/// of memory. A table that a file of its kind does not have gives none. The file outlives this.
+class CanonicalRows {
+ public:
+  CanonicalRows(const ReadOnlyFile& file, const Table& table);
+
+  /// Goes on to the next line, at first to the first one; false behind the last.
+  bool next();
+  /// REQUIRES: the last next() answered true. Good until the next call of it.
+  std::string_view line() const { return line_; }
+
+ private:
+  const ReadOnlyFile& file_;
+  Statement statement_;
+  std::string_view line_;
+};
+
+}  // namespace fe_db_tools

@@ -1,0 +1,61 @@
+#include <exception>
+#include <iostream>
+
+#include "output.h"
+#include "subcommands.h"
+#include "tables.h"
+
+namespace fe_db_tools {
+
+void addTableOption(CLI::App& command, std::string& table) {
+  std::vector<std::string> names;
+  for (const Table& known : kTables) names.emplace_back(known.name);
+  command.add_option("--table", table, "Only this table")->check(CLI::IsMember(std::move(names)));
+}
+
+void addWaitOption(CLI::App& command, int& waitSeconds) {
+  command
+      .add_option("--wait", waitSeconds, "Seconds to wait while another program writes the file")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
+}
+
+namespace {
+
+int run(int argc, char** argv) {
+  CLI::App program("Makes, shows and compares the database files of a code base's facts.", "fe_db");
+  program.require_subcommand(1);
+  program.footer(
+      "`fe_db SUBCOMMAND --help` tells more.\n"
+      "Exit codes: 0 done, 1 a file failed or a difference was found, 2 wrong usage.");
+  program.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return std::string("fe_db: ") + error.what() + "; see fe_db --help\n";
+  });
+  Action action;
+  addInit(program, action);
+  addStats(program, action);
+  addDump(program, action);
+  addDiff(program, action);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return program.exit(error) == 0 ? kDone : kWrongUsage;
+  }
+  return action();
+}
+
+}  // namespace
+}  // namespace fe_db_tools
+
+int main(int argc, char** argv) {
+  try {
+    const int code = fe_db_tools::run(argc, argv);
+    fe_db_tools::finishOutput();
+    return code;
+  } catch (const fe_db_tools::OutputClosed&) {
+    return fe_db_tools::kFailed;
+  } catch (const std::exception& error) {
+    std::cerr << "fe_db: " << error.what() << '\n';
+    return fe_db_tools::kFailed;
+  }
+}

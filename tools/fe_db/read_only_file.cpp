@@ -1,0 +1,155 @@
+#include "read_only_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+
+namespace fe_db_tools {
+namespace {
+
+/// What SQLite would call "unable to open database file" or would wait on, like a pipe. Asks
+/// without opening: closing a file gives up this process's locks on it.
+const char* reasonNotToOpen(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return std::strerror(errno);
+  if (S_ISDIR(status.st_mode)) return "it is a directory, not a file";
+  if (!S_ISREG(status.st_mode)) return "it is no regular file";
+  if (status.st_size == 0) return "it is empty; make a database with fe_db init";
+  if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) return std::strerror(errno);
+  return nullptr;
+}
+
+const char* adviceFor(int code) {
+  switch (code & 0xff) {
+    case SQLITE_NOTADB:
+      return "; give a file that fe_db init or fe_db_record made";
+    case SQLITE_CORRUPT:
+      return "; the file is damaged, make it anew or take a copy";
+    case SQLITE_BUSY:
+      return "; try again when the other program has finished, or raise --wait";
+    case SQLITE_READONLY:
+      return "; a killed program left a half-done write in it, and taking that back needs "
+             "permission to write the file and its directory";
+    case SQLITE_FULL:
+    case SQLITE_IOERR:
+      return "; see that the disk is sound and that the directory for temporary files "
+             "(SQLITE_TMPDIR) has room";
+    default:
+      return "";
+  }
+}
+
+}  // namespace
+
+ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds) : path_(std::move(path)) {
+  if (const char* reason = reasonNotToOpen(path_)) fail(reason);
+  open(SQLITE_OPEN_READONLY, waitSeconds);
+  if (!begin()) {
+    // A killed writer left its journal. What the file holds is what was committed, and only a
+    // connection that may write can bring that back. This is all that it writes.
+    if ((sqlite3_errcode(connection()) & 0xff) != SQLITE_READONLY) failWithReason();
+    open(SQLITE_OPEN_READWRITE, waitSeconds);
+    if (!begin()) failWithReason();
+    sqlite3_exec(connection(), "PRAGMA query_only=1", nullptr, nullptr, nullptr);
+  }
+  checkTables();
+}
+
+void ReadOnlyFile::open(int flags, int waitSeconds) {
+  sqlite3* opened = nullptr;
+  // Absolute, because a name that begins with "file:" would be taken for a URI.
+  const std::string absolute = std::filesystem::absolute(path_).string();
+  const int code = sqlite3_open_v2(absolute.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  connection_.reset(opened);
+  if (code != SQLITE_OK) failWithReason();
+  sqlite3_extended_result_codes(opened, 1);
+  constexpr int kMostSeconds = 1'000'000;
+  sqlite3_busy_timeout(opened, 1000 * std::clamp(waitSeconds, 0, kMostSeconds));
+}
+
+/// The sorter works in as much memory as the page cache may have; the rest goes to temporary files.
+bool ReadOnlyFile::begin() {
+  return sqlite3_exec(connection(),
+                      "PRAGMA cache_size=-32768; BEGIN; SELECT count(*) FROM sqlite_schema",
+                      nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+void ReadOnlyFile::checkTables() {
+  isCompilation_ = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
+    return table.onlyInCompilation && tableExists(table.name);
+  });
+  for (const Table& table : tables()) {
+    require(table);
+    checkColumns(table);
+  }
+}
+
+std::span<const Table> ReadOnlyFile::tables() const {
+  const auto end = isCompilation_
+                       ? kTables.end()
+                       : std::find_if(kTables.begin(), kTables.end(),
+                                      [](const Table& t) { return t.onlyInCompilation; });
+  return {kTables.begin(), end};
+}
+
+void ReadOnlyFile::require(const Table& table) const {
+  if (!tableExists(table.name)) {
+    fail("it has no table " + std::string(table.name) +
+         "; give a file that fe_db init or fe_db_record made");
+  }
+}
+
+bool ReadOnlyFile::tableExists(std::string_view name) const {
+  return number("SELECT count(*) FROM sqlite_schema WHERE type='table' AND name='" +
+                std::string(name) + "' COLLATE NOCASE") > 0;
+}
+
+void ReadOnlyFile::checkColumns(const Table& table) const {
+  const std::string name(table.name);
+  const auto check = [&](std::string_view column) {
+    if (number("SELECT count(*) FROM pragma_table_info('" + name + "') WHERE name='" +
+               std::string(column) + "' COLLATE NOCASE") == 0) {
+      fail("its table " + name + " has no column " + std::string(column) +
+           "; give a file that fe_db init or fe_db_record made");
+    }
+  };
+  if (table.rowId != "rowid") check(table.rowId);
+  for (const Column& column : table.columns) check(column.name);
+}
+
+Statement ReadOnlyFile::prepare(const std::string& sql) const {
+  sqlite3_stmt* statement = nullptr;
+  if (sqlite3_prepare_v2(connection(), sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
+    failWithReason();
+  }
+  return Statement(statement);
+}
+
+bool ReadOnlyFile::step(const Statement& statement) const {
+  const int code = sqlite3_step(statement.get());
+  if (code != SQLITE_ROW && code != SQLITE_DONE) failWithReason();
+  return code == SQLITE_ROW;
+}
+
+sqlite3_int64 ReadOnlyFile::number(const std::string& sql) const {
+  const Statement statement = prepare(sql);
+  step(statement);
+  return sqlite3_column_int64(statement.get(), 0);
+}
+
+void ReadOnlyFile::fail(const std::string& what) const {
+  throw std::runtime_error(path_ + ": " + what);
+}
+
+void ReadOnlyFile::failWithReason() const {
+  fail(std::string("cannot read it: ") + sqlite3_errmsg(connection()) +
+       adviceFor(sqlite3_errcode(connection())));
+}
+
+}  // namespace fe_db_tools

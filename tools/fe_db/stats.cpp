@@ -1,0 +1,93 @@
+#include <sys/stat.h>
+
+#include <iomanip>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "output.h"
+#include "read_only_file.h"
+#include "subcommands.h"
+
+namespace fe_db_tools {
+namespace {
+
+struct StatsOptions {
+  std::string file;
+  bool json = false;
+  int waitSeconds = kDefaultWaitSeconds;
+};
+
+struct Stats {
+  std::vector<std::pair<std::string, sqlite3_int64>> rowsPerTable;
+  sqlite3_int64 rows = 0;
+  sqlite3_int64 bytes = 0;
+
+  double bytesPerRow() const { return static_cast<double>(bytes) / static_cast<double>(rows); }
+};
+
+Stats gather(const ReadOnlyFile& file) {
+  Stats stats;
+  for (const Table& table : file.tables()) {
+    const std::string name(table.name);
+    const sqlite3_int64 rows = file.number("SELECT count(*) FROM " + name);
+    stats.rowsPerTable.emplace_back(name, rows);
+    stats.rows += rows;
+  }
+  stats.bytes = file.number("PRAGMA page_count") * file.number("PRAGMA page_size");
+  return stats;
+}
+
+void printText(const Stats& stats) {
+  constexpr int kNameWidth = 26, kNumberWidth = 14;
+  std::ostringstream text;
+  const auto line = [&](const std::string& name, const auto& number) {
+    text << std::left << std::setw(kNameWidth) << name << std::right << std::setw(kNumberWidth)
+         << number << '\n';
+  };
+  for (const auto& [name, rows] : stats.rowsPerTable) line(name, rows);
+  line("rows", stats.rows);
+  line("file size in bytes", stats.bytes);
+  text << std::fixed << std::setprecision(1);
+  if (stats.rows == 0) {
+    line("bytes per row", "-");
+  } else {
+    line("bytes per row", stats.bytesPerRow());
+  }
+  print(text.str());
+}
+
+void printJson(const Stats& stats, const std::string& file) {
+  using nlohmann::ordered_json;
+  const auto line = [](const ordered_json& object) {
+    // A file name need not be UTF-8.
+    print(object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n");
+  };
+  for (const auto& [name, rows] : stats.rowsPerTable) {
+    line({{"table", name}, {"rows", rows}});
+  }
+  ordered_json whole = {{"file", file}, {"rows", stats.rows}, {"bytes", stats.bytes}};
+  whole["bytesPerRow"] = stats.rows == 0 ? ordered_json() : ordered_json(stats.bytesPerRow());
+  line(whole);
+}
+
+int showStats(const StatsOptions& options) {
+  const ReadOnlyFile file(options.file, options.waitSeconds);
+  const Stats stats = gather(file);
+  options.json ? printJson(stats, options.file) : printText(stats);
+  return kDone;
+}
+
+}  // namespace
+
+void addStats(CLI::App& program, Action& action) {
+  auto options = std::make_shared<StatsOptions>();
+  CLI::App* command =
+      program.add_subcommand("stats", "Show rows per table, file size and bytes per row");
+  command->add_option("FILE", options->file, "The database file")->required();
+  command->add_flag("--json", options->json, "One JSON object a line");
+  addWaitOption(*command, options->waitSeconds);
+  command->callback([options, &action] { action = [options] { return showStats(*options); }; });
+}
+
+}  // namespace fe_db_tools
