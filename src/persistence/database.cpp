@@ -116,6 +116,12 @@ void Database::setBusyTimeout(int milliseconds) {
 bool Database::beginTransaction() {
   if (!isConnectedFor("beginTransaction")) return false;
   if (!isFreeToBegin()) return false;
+  // SQLite begins all the same, and would refuse row by row.
+  if (sqlite3_db_readonly(connection, "main") == 1) {
+    reportMessage("%s: cannot begin a transaction: attempt to write a readonly database",
+                  path.c_str());
+    return false;
+  }
   const auto deadline = Clock::now() + std::chrono::milliseconds(busyTimeout);
   if (shared && !takeQueueLock(deadline)) return false;
   // An immediate begin would write the first page of a new file, and with it fix a page size that

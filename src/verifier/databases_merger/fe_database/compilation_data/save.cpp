@@ -114,12 +114,10 @@ void CompilationData::foldStoredRows() {
 /// it has read or written itself. Only the others are merged.
 void CompilationData::foldUnknownRows() {
   FrontendDatabase& db = *compDb;
-  SavedElements::each([this]<class T>() { savedRows->giveIdsBack<T>(); });
+  SavedElements::each([this, &db]<class T>() { savedRows->giveBack<T>(db); });
   const auto fold = [this, &db]<class T>() {
     T::isLoaded = false;
-    loadTable<T>(db, [this, &db](T& row) {
-      return !savedRows->isKnown<T>(row.getId()) && !db.isInIdCache<T>(row.getId());
-    });
+    loadTable<T>(db, [&db](T& row) { return !db.isInIdCache<T>(row.getId()); });
     T::isPreLoaded = !std::is_same_v<T, File>;
   };
   TypeList<File, Identifier, Type>::each(fold);

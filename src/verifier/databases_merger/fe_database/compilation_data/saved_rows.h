@@ -1,11 +1,10 @@
 #pragma once
 
-#include <boost/unordered_set.hpp>
 #include <tuple>
 #include <utility>
 #include <vector>
 
-#include "fe_db/elements.h"
+#include "fe_db/compilation_database.h"
 
 namespace orvalesca::databases_merger {
 
@@ -19,22 +18,19 @@ class SavedRows {
     if (element.getId() != 0) of<T>().rows.emplace_back(&element, element.getId());
   }
 
-  /// Gives elements that have lost their id (a further sight, resetIds) the row back that they are.
+  /// Tells the database which element each of these rows is, so that none of them is read again,
+  /// and gives elements that have lost their id (a further sight, resetIds) the row back.
   template <class T>
-  void giveIdsBack() {
+  void giveBack(FrontendDatabase& db) {
     for (auto& [element, id] : of<T>().rows) {
-      of<T>().known.insert(id);
+      db.enterInIdCache(id, element);
       if (element->getId() != 0) continue;
       element->setId(id);
       of<T>().returned.push_back(element);
     }
   }
 
-  /// After giveIdsBack.
-  template <class T>
-  bool isKnown(long long id) const {
-    return std::get<Rows<T>>(all).known.count(id) != 0;
-  }
+  /// The elements that giveBack has given an id.
   template <class T>
   const std::vector<T*>& returned() const {
     return std::get<Rows<T>>(all).returned;
@@ -44,7 +40,6 @@ class SavedRows {
   template <class T>
   struct Rows {
     std::vector<std::pair<T*, long long>> rows;
-    boost::unordered_set<long long> known;
     std::vector<T*> returned;
   };
   template <class... T>
