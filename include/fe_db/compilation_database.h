@@ -115,6 +115,8 @@ class FrontendDatabase : public persistence::Database {
   template <class T>
   void reportRead(const TableStatement<T>& statement, int expected, int line = __builtin_LINE());
   template <class T>
+  void reportWrite(const TableStatement<T>& statement, int line = __builtin_LINE());
+  template <class T>
   bool readRow(T& element);
   template <class T>
   void readEmptyRow(T& element);

@@ -124,11 +124,16 @@ bool Database::beginTransaction() {
   }
   const auto deadline = Clock::now() + std::chrono::milliseconds(busyTimeout);
   if (shared && !takeQueueLock(deadline)) return false;
+  const auto waitForWhatIsLeft = [this, deadline] {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    sqlite3_busy_timeout(connection, std::max(0, static_cast<int>(left.count())));
+  };
+  waitForWhatIsLeft();  // a writer that is just committing is waited for here already
   // An immediate begin would write the first page of a new file, and with it fix a page size that
   // the schema has yet to ask for.
   const char* sql = hasPages() ? "BEGIN IMMEDIATE" : "BEGIN";
-  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-  sqlite3_busy_timeout(connection, std::max(0, static_cast<int>(left.count())));
+  waitForWhatIsLeft();
   const bool begun = begin(sql);
   sqlite3_busy_timeout(connection, busyTimeout);
   if (!begun) queueLock->release();

@@ -5,6 +5,8 @@ namespace orvalesca::databases_merger {
 void MacroGroup::append(Macro& macro) {
   macro.group = this;
   inserted.push_back(&macro);
+  // Here and not at the next search, so that a second sight allocates nothing.
+  if (inserted.size() > kLongestWalk) bringIndexUpToDate();
 }
 
 Macro* MacroGroup::find(const Localization& at) {

@@ -91,6 +91,12 @@ void FrontendDatabase::reportRead(const TableStatement<T>& statement, int expect
   persistence::reportSqlite(statement.result(), expected, connection, nullptr, line);
 }
 
+template <class T>
+void FrontendDatabase::reportWrite(const TableStatement<T>& statement, int line) {
+  if (statement.isFailureReported()) return;
+  persistence::reportSqlite(statement.result(), SQLITE_DONE, connection, nullptr, line);
+}
+
 // --- Writing single rows.
 
 template <class T>
@@ -121,18 +127,22 @@ long long FrontendDatabase::addOrTakeRow(T& element) {
     element.setId(lastInsertRowID());
     return element.getId();
   }
-  const bool isDuplicate = sqlite3_extended_errcode(connection) == SQLITE_CONSTRAINT_UNIQUE;
-  if (!isDuplicate) {
-    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
-    if (!statement.isFailureReported()) {
-      persistence::reportSqlite(statement.result(), SQLITE_DONE, connection);
+  const std::string reason = sqlite3_errmsg(connection);
+  if (sqlite3_extended_errcode(connection) == SQLITE_CONSTRAINT_UNIQUE) {
+    T row = element;
+    element.setId(getId(row));
+    if (element.getId() != 0) {
+      update(element);
+      return element.getId();
     }
-    return 0;
+    // Some other index of the file's owner refused it; the look-up has replaced SQLite's reason.
+    persistence::reportMessage("%s: table %s: a row was refused: %s", getPath().c_str(),
+                               tableName<T>(), reason.c_str());
+  } else {
+    reportWrite(statement);
   }
-  T row = element;
-  element.setId(getId(row));
-  if (element.getId() != 0) update(element);
-  return element.getId();
+  noteFailedWrite(tableName<T>(), reason);
+  return 0;
 }
 
 template <class T>
@@ -155,9 +165,7 @@ void FrontendDatabase::truncate() {
   statement.bind(*this, connection, element);
   if (statement.step() != SQLITE_DONE) {
     noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
-    if (!statement.isFailureReported()) {
-      persistence::reportSqlite(statement.result(), SQLITE_DONE, connection);
-    }
+    reportWrite(statement);
   }
   statement.reset(connection);
 }
