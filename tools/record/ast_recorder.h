@@ -1,0 +1,22 @@
+#pragma once
+
+#include "fact_sink.h"
+
+namespace clang {
+class ASTContext;
+}
+
+namespace fe_db_tools {
+
+class FileTable;
+
+/// Of which declarations facts are recorded.
+enum class SystemFacts {
+  referenced,  ///< those of user files, and whatever of system headers these refer to
+  all,
+};
+
+/// Records what the syntax tree of a whole unit shows: declarations, references, calls.
+void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system);
+
+}  // namespace fe_db_tools

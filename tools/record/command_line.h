@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "unit_recorder.h"
+
+namespace fe_db_tools {
+
+/// What the program was asked to do.
+struct CommandLine {
+  RecordOptions record;
+  std::string buildDirectory;      ///< of a compile_commands.json; empty: record `command`
+  std::vector<std::string> files;  ///< of the database only these; empty: all
+  std::size_t jobs = 1;
+  std::vector<std::string> command;  ///< behind --
+};
+
+/// True: go on. False: the program ends with `exitCode`; everything has been said.
+bool readCommandLine(int argc, char** argv, CommandLine& result, int& exitCode);
+
+}  // namespace fe_db_tools

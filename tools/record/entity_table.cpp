@@ -1,0 +1,118 @@
+#include "entity_table.h"
+
+#include "clang/AST/Attr.h"
+#include "clang/AST/DeclCXX.h"
+#include "clang/AST/DeclTemplate.h"
+#include "file_table.h"
+
+namespace fe_db_tools {
+
+namespace {
+
+dm::LinkageKind linkageOf(const clang::NamedDecl& declaration) {
+  if (!declaration.hasLinkage()) return kinds::kNoLinkage;
+  return declaration.hasExternalFormalLinkage() && declaration.isExternallyVisible()
+             ? kinds::kExternalLinkage
+             : kinds::kInternalLinkage;
+}
+
+/// Called or entered without a call that a reader of the source could see.
+bool isSpecial(const clang::FunctionDecl& function) {
+  if (function.isMain() || function.isOverloadedOperator()) return true;
+  if (llvm::isa<clang::CXXConstructorDecl, clang::CXXDestructorDecl, clang::CXXConversionDecl>(
+          function)) {
+    return true;
+  }
+  return function.hasAttr<clang::ConstructorAttr>() || function.hasAttr<clang::DestructorAttr>() ||
+         function.hasAttr<clang::UsedAttr>();
+}
+
+std::string_view nameOf(const clang::NamedDecl& declaration) {
+  const clang::IdentifierInfo* name = declaration.getIdentifier();
+  return name == nullptr ? std::string_view()
+                         : std::string_view(name->getNameStart(), name->getLength());
+}
+
+bool isDefinition(const clang::ValueDecl& declaration) {
+  const auto* variable = llvm::dyn_cast<clang::VarDecl>(&declaration);
+  return variable == nullptr ||
+         variable->isThisDeclarationADefinition() != clang::VarDecl::DeclarationOnly;
+}
+
+/// The declaration in the source: not what the compiler makes of a template.
+const clang::ValueDecl& writtenVariable(const clang::ValueDecl& declaration) {
+  const auto* variable = llvm::dyn_cast<clang::VarDecl>(&declaration);
+  if (variable == nullptr) return declaration;
+  const clang::VarDecl* pattern = variable->getTemplateInstantiationPattern();
+  return pattern != nullptr ? *pattern : *variable;
+}
+
+}  // namespace
+
+dm::Function* EntityTable::function(const clang::FunctionDecl& declaration) {
+  const clang::FunctionDecl* written = declaration.getTemplateInstantiationPattern();
+  if (written == nullptr) written = &declaration;
+  const auto [known, isNew] = functions.try_emplace(written);
+  if (!isNew) return known->second;
+  dm::Function* added = addFunction(*written);
+  return functions[written] = added;
+}
+
+dm::Function* EntityTable::addFunction(const clang::FunctionDecl& declaration) {
+  const dm::Localization at = files.locate(declaration.getLocation());
+  if (at.file == nullptr || llvm::isa<clang::CXXDeductionGuideDecl>(declaration)) return nullptr;
+  const std::string unique = names.of(declaration);
+  const std::string source = sourceName(declaration);
+  const dm::LinkageKind linkage = linkageOf(declaration);
+  dm::Function* function = sink.function(
+      {.uniqueName = unique,
+       .sourceName = source,
+       .at = at,
+       .isDefined = declaration.isThisDeclarationADefinition() && !declaration.isDeleted(),
+       .isSpecial = isSpecial(declaration),
+       .linkage = linkage});
+  if (function != nullptr && linkage == kinds::kExternalLinkage) {
+    const std::string linkerName = names.linkerName(declaration);
+    if (!linkerName.empty()) sink.externalName(linkerName, function);
+  }
+  return function;
+}
+
+dm::Variable* EntityTable::variable(const clang::ValueDecl& declaration) {
+  const clang::ValueDecl& written = writtenVariable(declaration);
+  const auto [known, isNew] = variables.try_emplace(&written);
+  if (!isNew) return known->second;
+  dm::Variable* added = addVariable(written);
+  return variables[&written] = added;
+}
+
+dm::Variable* EntityTable::addVariable(const clang::ValueDecl& declaration) {
+  const std::string_view name = nameOf(declaration);
+  const dm::Localization at = files.locate(declaration.getLocation());
+  if (name.empty() || at.file == nullptr) return nullptr;
+  const dm::LinkageKind linkage = linkageOf(declaration);
+  dm::Variable* variable = sink.variable({.name = name,
+                                          .at = at,
+                                          .type = types.named(declaration.getType()),
+                                          .isDefined = isDefinition(declaration),
+                                          .linkage = linkage});
+  const auto* global = llvm::dyn_cast<clang::VarDecl>(&declaration);
+  if (global != nullptr && linkage == kinds::kExternalLinkage) {
+    const std::string linkerName = names.linkerName(*global);
+    if (!linkerName.empty()) sink.externalName(linkerName, variable);
+  }
+  return variable;
+}
+
+dm::Field* EntityTable::field(const clang::FieldDecl& declaration) {
+  const auto [known, isNew] = fields.try_emplace(&declaration);
+  if (!isNew) return known->second;
+  const std::string_view name = nameOf(declaration);
+  // A field of an instantiated class stands where the template's field does and is that element.
+  dm::Field* added = nullptr;
+  const dm::Localization at = files.locate(declaration.getLocation());
+  if (!name.empty() && at.file != nullptr) added = sink.field(name, at);
+  return fields[&declaration] = added;
+}
+
+}  // namespace fe_db_tools

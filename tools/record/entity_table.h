@@ -1,0 +1,45 @@
+#pragma once
+
+#include "fact_sink.h"
+#include "llvm/ADT/DenseMap.h"
+#include "type_table.h"
+#include "unique_name.h"
+
+namespace clang {
+class FieldDecl;
+class FunctionDecl;
+class ValueDecl;
+class VarDecl;
+}  // namespace clang
+
+namespace fe_db_tools {
+
+/// Functions, variables and fields of the unit: Clang's declarations to elements of the dataset,
+/// recorded on first sight. A declaration and a definition are two elements. What is instantiated
+/// from a template counts as the template.
+class EntityTable {
+ public:
+  EntityTable(FactSink& sink, FileTable& files, TypeTable& types, clang::ASTContext& context)
+      : sink(sink), files(files), types(types), names(context, files) {}
+
+  /// Null for what the compiler made without a place in the source.
+  dm::Function* function(const clang::FunctionDecl& declaration);
+  /// A VarDecl or one name of a structured binding. Null without a name or a file.
+  dm::Variable* variable(const clang::ValueDecl& declaration);
+  /// Null without a name.
+  dm::Field* field(const clang::FieldDecl& declaration);
+
+ private:
+  dm::Function* addFunction(const clang::FunctionDecl& declaration);
+  dm::Variable* addVariable(const clang::ValueDecl& declaration);
+
+  FactSink& sink;
+  FileTable& files;
+  TypeTable& types;
+  UniqueNames names;
+  llvm::DenseMap<const clang::FunctionDecl*, dm::Function*> functions;
+  llvm::DenseMap<const clang::ValueDecl*, dm::Variable*> variables;
+  llvm::DenseMap<const clang::FieldDecl*, dm::Field*> fields;
+};
+
+}  // namespace fe_db_tools

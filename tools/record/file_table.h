@@ -1,0 +1,48 @@
+#pragma once
+
+#include "clang/Basic/SourceLocation.h"
+#include "fact_sink.h"
+#include "llvm/ADT/DenseMap.h"
+
+namespace clang {
+class FileEntry;
+class SourceManager;
+}  // namespace clang
+
+namespace fe_db_tools {
+
+/// Files and positions: from Clang's locations to those of the dataset.
+///
+/// Paths are those of the files themselves, absolute and without links or dots, so that they are
+/// equal in every unit. Lines and columns (in bytes) are those of the files too: `#line` and line
+/// markers do not count.
+class FileTable {
+ public:
+  FileTable(FactSink& sink, const clang::SourceManager& sources, results_api::LanguageKind language)
+      : sink(sink), sources(sources), language(language) {}
+
+  /// Null for what is no file: predefined macros, the command line, pasted tokens.
+  dm::File* file(clang::FileID id);
+  /// From here on the file is a system header, whatever it was before.
+  void becomesSystemHeader(clang::FileID id);
+
+  /// Where the text of a location stands in a file: an argument of a macro call where it is
+  /// written, other parts of an expansion at the name of the macro called. Without a file: 0, 0.
+  dm::Localization locate(clang::SourceLocation at);
+  /// Where the token is spelled. Without a file, the column tells the origin.
+  dm::Localization locateSpelling(clang::SourceLocation at);
+
+  bool isInSystemHeader(clang::SourceLocation at) const;
+
+ private:
+  dm::Localization locateInFile(clang::SourceLocation at);
+  dm::FileKind kindOf(clang::FileID id) const;
+
+  FactSink& sink;
+  const clang::SourceManager& sources;
+  results_api::LanguageKind language;
+  llvm::DenseMap<clang::FileID, dm::File*> files;
+  llvm::DenseMap<const clang::FileEntry*, dm::File*> byEntry;
+};
+
+}  // namespace fe_db_tools

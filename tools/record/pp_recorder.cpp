@@ -1,0 +1,173 @@
+#include "pp_recorder.h"
+
+#include <cstring>
+#include <utility>
+
+#include "clang/Lex/MacroArgs.h"
+#include "clang/Lex/MacroInfo.h"
+#include "clang/Lex/PPCallbacks.h"
+#include "clang/Lex/Preprocessor.h"
+#include "file_table.h"
+#include "macro_table.h"
+#include "macro_tracker.h"
+#include "pp_printer.h"
+
+namespace fe_db_tools {
+
+class PpRecorder::Impl {
+ public:
+  Impl(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
+      : files(files),
+        sources(preprocessor.getSourceManager()),
+        printer(preprocessor),
+        macros(sink, files, preprocessor),
+        tracker(sink, files, preprocessor, printer) {}
+
+  void token(const clang::Token& token);
+  bool isFromPredefines(const clang::Token& token);
+
+  FileTable& files;
+  const clang::SourceManager& sources;
+  PpPrinter printer;
+  MacroTable macros;
+  MacroTracker tracker;
+  bool isInText = false;       ///< tokens of the buffer of predefined macros come first
+  bool isStartOfLine = false;  ///< kept over tokens that are not printed
+};
+
+namespace {
+
+/// Prints the token unless it belongs to the predefined macros. Clang marks the tokens that it
+/// invents; their pragmas have been printed.
+bool isPrinted(const clang::Token& token) {
+  return token.isNot(clang::tok::eof) && token.isNot(clang::tok::eod) && !token.isAnnotation();
+}
+
+}  // namespace
+
+bool PpRecorder::Impl::isFromPredefines(const clang::Token& token) {
+  if (isInText) return false;
+  if (token.getLocation().isFileID()) {
+    const clang::PresumedLoc presumed = sources.getPresumedLoc(token.getLocation());
+    if (presumed.isValid() && std::strcmp(presumed.getFilename(), "<built-in>") == 0) return true;
+  }
+  isInText = true;
+  return false;
+}
+
+void PpRecorder::Impl::token(const clang::Token& token) {
+  isStartOfLine = isStartOfLine || token.isAtStartOfLine();
+  if (!isPrinted(token) || isFromPredefines(token)) return;
+  const clang::SourceLocation at = token.getLocation();
+  const bool continues = tracker.continues(at);
+  if (!continues) tracker.leave(at);
+  printer.spaceBefore(token, /*onSameLine=*/continues || !isStartOfLine);
+  if (!continues) tracker.arrive(at);
+  isStartOfLine = false;
+  const PpPrinter::Place start = printer.place();
+  printer.print(token);
+  tracker.printed(at, start);
+}
+
+namespace {
+
+template <class Impl>
+class Callbacks : public clang::PPCallbacks {
+ public:
+  explicit Callbacks(Impl& impl) : impl(impl) {}
+
+  void FileChanged(clang::SourceLocation at, FileChangeReason reason,
+                   clang::SrcMgr::CharacteristicKind kind, clang::FileID) override {
+    impl.tracker.flush();
+    const clang::FileID file = impl.sources.getFileID(impl.sources.getFileLoc(at));
+    if (reason == EnterFile) impl.files.file(file);
+    if (reason == SystemHeaderPragma) impl.files.becomesSystemHeader(file);
+    impl.printer.fileChanged(at, reason, kind);
+  }
+
+  void PragmaDirective(clang::SourceLocation at, clang::PragmaIntroducerKind introducer) override {
+    // A _Pragma may stand in the middle of an expansion.
+    if (introducer != clang::PIK_HashPragma) return;
+    impl.tracker.flush();
+    impl.printer.pragma(at);
+  }
+
+  void Ident(clang::SourceLocation at, llvm::StringRef text) override {
+    impl.tracker.flush();
+    impl.printer.ident(at, {text.data(), text.size()});
+  }
+
+  void MacroDefined(const clang::Token& name, const clang::MacroDirective* directive) override {
+    impl.macros.macro(*name.getIdentifierInfo(), *directive->getMacroInfo());
+  }
+
+  void MacroUndefined(const clang::Token& name, const clang::MacroDefinition& definition,
+                      const clang::MacroDirective*) override {
+    if (const clang::MacroInfo* known = definition.getMacroInfo()) {
+      impl.macros.undefined(*name.getIdentifierInfo(), *known);
+    }
+  }
+
+  void MacroExpands(const clang::Token& name, const clang::MacroDefinition& definition,
+                    clang::SourceRange range, const clang::MacroArgs*) override {
+    // An operator, whatever Clang makes of it.
+    if (name.getIdentifierInfo()->isStr("_Pragma")) return;
+    if (dm::Macro* macro = refer(name, definition)) {
+      impl.tracker.expands(macro, name.getLocation(), range);
+    }
+  }
+
+  void Defined(const clang::Token& name, const clang::MacroDefinition& definition,
+               clang::SourceRange) override {
+    refer(name, definition);
+  }
+  void Ifdef(clang::SourceLocation, const clang::Token& name,
+             const clang::MacroDefinition& definition) override {
+    refer(name, definition);
+  }
+  void Ifndef(clang::SourceLocation, const clang::Token& name,
+              const clang::MacroDefinition& definition) override {
+    refer(name, definition);
+  }
+  using clang::PPCallbacks::Elifdef;
+  void Elifdef(clang::SourceLocation, const clang::Token& name,
+               const clang::MacroDefinition& definition) override {
+    refer(name, definition);
+  }
+  using clang::PPCallbacks::Elifndef;
+  void Elifndef(clang::SourceLocation, const clang::Token& name,
+                const clang::MacroDefinition& definition) override {
+    refer(name, definition);
+  }
+
+ private:
+  /// Null for a name that is no macro there.
+  dm::Macro* refer(const clang::Token& name, const clang::MacroDefinition& definition) {
+    const clang::MacroInfo* known = definition.getMacroInfo();
+    if (known == nullptr) return nullptr;
+    dm::Macro* macro = impl.macros.macro(*name.getIdentifierInfo(), *known);
+    FactSink::refer(macro);
+    return macro;
+  }
+
+  Impl& impl;
+};
+
+}  // namespace
+
+PpRecorder::PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
+    : impl(std::make_unique<Impl>(sink, files, preprocessor)) {
+  preprocessor.addPPCallbacks(std::make_unique<Callbacks<Impl>>(*impl));
+  preprocessor.setTokenWatcher([this](const clang::Token& token) { impl->token(token); });
+}
+
+PpRecorder::~PpRecorder() = default;
+
+void PpRecorder::finish() {
+  impl->tracker.flush();
+  impl->printer.finish();
+}
+
+const std::string& PpRecorder::preprocessedText() const { return impl->printer.getText(); }
+
+}  // namespace fe_db_tools

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "fact_sink.h"
+
+namespace clang {
+class Preprocessor;
+}
+
+namespace fe_db_tools {
+
+class FileTable;
+
+/// Records what preprocessing shows: files, macros, their uses, and the preprocessed text.
+/// REQUIRES: made before the main file is entered; lives as long as the preprocessor works.
+class PpRecorder {
+ public:
+  PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor);
+  ~PpRecorder();
+
+  /// At the end of the unit: what still waits for a token gets none.
+  void finish();
+  /// What the preprocessed lines and columns of the facts refer to.
+  const std::string& preprocessedText() const;
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> impl;
+};
+
+}  // namespace fe_db_tools

@@ -1,0 +1,74 @@
+#include "unit_recorder.h"
+
+#include <cstdio>
+#include <stdexcept>
+
+#include "compilation_schema.h"
+#include "fact_sink.h"
+#include "fe_db/compilation_data.h"
+#include "fe_db/compilation_database.h"
+#include "unit_output.h"
+
+namespace fe_db_tools {
+
+namespace {
+
+[[noreturn]] void fail(const persistence::Database& database) {
+  const persistence::Failure& failure = database.lastFailure();
+  std::string reason = failure.reason.empty() ? "see above" : failure.reason;
+  if (!failure.table.empty()) reason = failure.table + ": " + reason;
+  throw std::runtime_error(database.getPath() + ": cannot be written (" + reason +
+                           "); make room or choose another directory");
+}
+
+void check(bool isDone, const persistence::Database& database) {
+  if (!isDone || database.hasFailed() || !database.lastFailure().reason.empty()) fail(database);
+}
+
+void save(dm::CompilationData& data) {
+  dm::PreprocessingDatabase& preprocessing = data.getPpDb();
+  dm::CompilationDatabase& compilation = data.getCompDb();
+  data.setDataNeededForDbLink();
+  data.setPropagateMacroInfo();
+  check(preprocessing.quick_connect(/*readOnly=*/false), preprocessing);
+  check(preprocessing.addTables(), preprocessing);
+  check(data.saveToPpDB(), preprocessing);
+  preprocessing.disconnect();
+
+  data.resetIds(preprocessing);
+  createCompilationDatabase(compilation.getPath(), KeyIndexes::no);
+  check(compilation.quick_connect(/*readOnly=*/false), compilation);
+  check(data.saveToCompDB(), compilation);
+  compilation.disconnect();
+}
+
+}  // namespace
+
+bool recordUnit(const Unit& unit, const RecordOptions& options) {
+  // Only this process writes the files, and they are new: no row is there to be looked for.
+  persistence::GenericElement::setOptimisticInsert(true);
+  UnitOutput output(options.outputDirectory, unit.name(), options.keepPreprocessed);
+  const std::unique_ptr<dm::CompilationData> data =
+      dm::CompilationData::newInstance(output.compilation(), output.preprocessing());
+  FactSink sink(*data);
+  std::vector<std::string> arguments = unit.flags;
+  arguments.push_back(unit.source);
+  std::string preprocessedText;
+  if (!parseAndRecord(arguments, options.parse, sink, preprocessedText)) {
+    output.removePublished();
+    std::fprintf(stderr, "fe_db_record: %s: does not parse; nothing of it is recorded\n",
+                 unit.sourcePath().c_str());
+    return false;
+  }
+  try {
+    save(*data);
+    output.writePreprocessed(preprocessedText);
+    output.publish();
+    return true;
+  } catch (const std::runtime_error& error) {
+    std::fprintf(stderr, "fe_db_record: %s\n", error.what());
+    return false;
+  }
+}
+
+}  // namespace fe_db_tools

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "clang_run.h"
+#include "unit.h"
+
+namespace fe_db_tools {
+
+struct RecordOptions {
+  std::string outputDirectory;
+  ParseOptions parse;
+  bool keepPreprocessed = false;
+};
+
+/// Parses the unit in this process, from the current directory, and writes its files. False, with
+/// diagnostics or a message on standard error, when it does not parse or a file cannot be written;
+/// then the unit has no files. At most once in a process: saving uses process-wide flags.
+bool recordUnit(const Unit& unit, const RecordOptions& options);
+
+}  // namespace fe_db_tools

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "unit.h"
+#include "unit_recorder.h"
+
+namespace fe_db_tools {
+
+struct RunSummary {
+  std::size_t recorded = 0;
+  std::size_t failed = 0;
+};
+
+/// Records each unit in a process of its own, a fresh run of this program: saving is one unit per
+/// process, and a compiler that crashes takes only its own source along. At most `jobs` at a time.
+/// What a process prints on standard error is passed on in one piece when it ends.
+RunSummary runUnits(const std::vector<Unit>& units, const RecordOptions& options, std::size_t jobs);
+
+}  // namespace fe_db_tools
