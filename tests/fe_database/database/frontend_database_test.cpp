@@ -1,0 +1,309 @@
+#include <functional>
+
+#include "tests/support/database_fixture.h"
+
+namespace fe_db_tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class FrontendDatabaseTest : public CompilationTest {
+ protected:
+  void insertFiles() const {
+    execute("INSERT INTO File VALUES (3, 'c.c', 1, 2, 0), (5, 'e.c', 3, 4, 1)");
+  }
+  /// The ids that listALL answers.
+  template <class T>
+  std::vector<long long> walk(bool first = true) {
+    std::vector<long long> ids;
+    T row;
+    while (const long long id = db().listALL(first, row)) ids.push_back(id);
+    return ids;
+  }
+};
+
+TEST_F(FrontendDatabaseTest, Connecting_RunsNoStatementOfATable) {
+  db().disconnect();
+  ASSERT_TRUE(db().quick_connect(false));
+  for (const std::string& sql : trace.take()) {
+    EXPECT_THAT(sql, testing::Not(HasSubstr("FROM File"))) << sql;
+    EXPECT_THAT(sql, testing::Not(HasSubstr("INSERT"))) << sql;
+  }
+}
+
+TEST_F(FrontendDatabaseTest, Add_GivesTheElementTheIdOfItsRow) {
+  insertFiles();
+  File file("d.c", static_cast<FileKind>(7));
+  EXPECT_EQ(db().add(file), 6);
+  EXPECT_EQ(file.getId(), 6);
+  EXPECT_EQ(db().lastInsertRowID(), 6);
+  EXPECT_THAT(trace.take(), ElementsAre("INSERT INTO File (Path, Kind, Lang, Huge) "
+                                        "VALUES (?, ?, ?, ?)"));
+}
+
+TEST_F(FrontendDatabaseTest, AddOfARefusedRow_AnswersZeroReportsOnceAndIsRemembered) {
+  insertFiles();
+  File file("c.c");
+  file.setId(77);
+  EXPECT_EQ(db().add(file), 0);
+  EXPECT_EQ(file.getId(), 0);
+  const std::string report = takeReports();
+  EXPECT_THAT(report, HasSubstr("rc=19 (expected rc=101) UNIQUE constraint failed: File.Path\n"));
+  EXPECT_EQ(report.find("sqlite error"), report.rfind("sqlite error")) << report;
+  EXPECT_EQ(db().lastFailure().table, "File");
+  EXPECT_THAT(db().lastFailure().reason, HasSubstr("UNIQUE constraint failed"));
+  EXPECT_FALSE(db().hasFailed()) << "only reads count";
+}
+
+TEST_F(FrontendDatabaseTest, FileOrIdentifierWhoseRowIsThere_TakesItsIdAndWritesItsValues) {
+  insertFiles();
+  execute("INSERT INTO Identifier VALUES (4, 'n', 2, 1)");
+  File file("c.c", static_cast<FileKind>(9), static_cast<results_api::LanguageKind>(8), true);
+  Identifier identifier("n", IdentifierKind::Macro, 6);
+  EXPECT_EQ(db().addOrTakeRow(file), 3);
+  EXPECT_EQ(db().addOrTakeRow(identifier), 4);
+  EXPECT_EQ(file.getId(), 3);
+  EXPECT_EQ(identifier.getId(), 4);
+  EXPECT_EQ(rows("SELECT * FROM File"), "3|c.c|9|8|1\n5|e.c|3|4|1\n");
+  EXPECT_EQ(rows("SELECT * FROM Identifier"), "4|n|6|8\n");
+}
+
+TEST_F(FrontendDatabaseTest, GetId_OverwritesIdAndOtherColumnsFromTheFirstRowWithTheKey) {
+  insertFiles();
+  File file("e.c", static_cast<FileKind>(7));
+  EXPECT_EQ(db().getId(file), 5);
+  EXPECT_EQ(file.getId(), 5);
+  EXPECT_EQ(file.getKind(), static_cast<FileKind>(3));
+  EXPECT_TRUE(file.getHuge());
+  File missing("E.c", static_cast<FileKind>(7));
+  EXPECT_EQ(db().getId(missing), 0);
+  EXPECT_EQ(missing.getKind(), static_cast<FileKind>(7));
+}
+
+TEST_F(FrontendDatabaseTest, GetIdOrAdd_KeepsAnIdElseTakesTheRowElseAdds) {
+  insertFiles();
+  File known("c.c");
+  known.setId(42);
+  EXPECT_EQ(db().getIdOrAdd(known), 42);
+  EXPECT_THAT(trace.take(), IsEmpty());
+  File stored("c.c", static_cast<FileKind>(9));
+  EXPECT_EQ(db().getIdOrAdd(stored), 3);
+  EXPECT_EQ(stored.getKind(), static_cast<FileKind>(1));
+  File fresh("f.c", static_cast<FileKind>(9));
+  EXPECT_EQ(db().getIdOrAdd(fresh), 6);
+  EXPECT_EQ(fresh.getId(), 6);
+  EXPECT_EQ(rows("SELECT * FROM File"), "3|c.c|1|2|0\n5|e.c|3|4|1\n6|f.c|9|0|0\n");
+}
+
+TEST_F(FrontendDatabaseTest, GetByIdTwice_GivesOneElementAndRunsNoSqlTheSecondTime) {
+  insertFiles();
+  File* const known = file("e.c");
+  File* const found = db().get<File>(5);
+  EXPECT_EQ(found, known) << "an equal element of the dataset becomes this row";
+  EXPECT_EQ(known->getId(), 5);
+  trace.take();
+  EXPECT_EQ(db().get<File>(5), found);
+  EXPECT_EQ(db().get<File>(0), nullptr);
+  EXPECT_THAT(trace.take(), IsEmpty());
+  db().truncate<File>();
+  EXPECT_EQ(db().get<File>(5), found);
+}
+
+TEST_F(FrontendDatabaseTest, GetOfARowWithReferences_LoadsWhatItRefersTo) {
+  insertFiles();
+  execute("INSERT INTO Identifier VALUES (1, 'f', 1, 2), (2, 'src', 1, 2)");
+  execute("INSERT INTO Function VALUES (8, 1, 2, 5, 10, 20, 1, 1, 0, 1, 6)");
+  execute("INSERT INTO CallPoint VALUES (9, 3, 30, 4, 1, 8, NULL)");
+  const CallPoint* call = db().get<CallPoint>(9);
+  ASSERT_NE(call, nullptr);
+  ASSERT_NE(call->getCaller(), nullptr);
+  EXPECT_EQ(call->getFile(), data->getFile("c.c"));
+  EXPECT_EQ(call->getCallee(), nullptr);
+  const Function* caller = data->getFunction("f", {data->getFile("e.c"), 10, 20});
+  EXPECT_EQ(call->getCaller(), caller);
+  EXPECT_EQ(caller->getId(), 8);
+  EXPECT_EQ(caller->getSourceName()->getName(), "src");
+  EXPECT_EQ(caller->getRefCount(), 0u) << "a function's count is not taken from its row";
+}
+
+TEST_F(FrontendDatabaseTest, GetOfAnIdWithoutRow_ReportsAndGivesZeros) {
+  const char* const noRow = "rc=101 (expected rc=100)";
+  const Identifier* identifier = db().get<Identifier>(9);
+  EXPECT_THAT(takeReports(), HasSubstr(noRow));
+  ASSERT_NE(identifier, nullptr);
+  EXPECT_EQ(identifier->getId(), 9);
+  EXPECT_EQ(identifier->getName(), "");
+  EXPECT_EQ(identifier->getCount(), 0u);
+
+  EXPECT_EQ(db().get<Variable>(9), nullptr);
+  EXPECT_THAT(takeReports(), HasSubstr(noRow));
+
+  Macro macro;
+  macro.setText("left over");
+  macro.setId(9);
+  db().get(macro);
+  EXPECT_THAT(takeReports(), HasSubstr(noRow));
+  EXPECT_EQ(macro.getId(), 9);
+  EXPECT_EQ(macro.getText(), "");
+  EXPECT_FALSE(macro.getIsObjectLike());
+
+  Function function(name("f"), name("f"), at("a.c", 1, 2), true, true, EffectKind::Unknown,
+                    LinkageKind::External);
+  function.setId(9);
+  db().get(function);
+  EXPECT_THAT(takeReports(), HasSubstr(noRow));
+  EXPECT_EQ(function.getIdentifier(), nullptr);
+  EXPECT_EQ(function.getFile(), nullptr);
+  EXPECT_EQ(function.getEffect(), EffectKind::NoEffect);
+  EXPECT_FALSE(db().hasFailed()) << "damaged data is no failed read";
+}
+
+TEST_F(FrontendDatabaseTest, GetOfAnEnumConstantOrLabelWithoutName_IsNullAndRemembered) {
+  execute("INSERT INTO Identifier VALUES (1, '', 0, 0)");
+  execute("INSERT INTO EnumConstant VALUES (2, 1, NULL, 1, 1)");
+  execute("INSERT INTO Label VALUES (3, 1, NULL, 1, 1)");
+  EXPECT_EQ(db().get<EnumConstant>(2), nullptr);
+  EXPECT_EQ(db().get<Label>(3), nullptr);
+  trace.take();
+  EXPECT_EQ(db().get<EnumConstant>(2), nullptr);
+  EXPECT_EQ(db().get<Label>(3), nullptr);
+  EXPECT_THAT(trace.take(), IsEmpty());
+  takeReports();  // the row counts as left out; the texts of that are the loads' to test
+}
+
+TEST_F(FrontendDatabaseTest, Walks_GoThroughTheTableOnceAndStartOver) {
+  insertFiles();
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_THAT(walk<File>(), ElementsAre(3, 5));
+    bool first = true;
+    EXPECT_EQ(db().listId<File>(first), 3);
+    EXPECT_FALSE(first);
+    EXPECT_EQ(db().listId<File>(first), 5);
+    EXPECT_EQ(db().listId<File>(first), 0);
+  }
+  // A walk stopped early goes on where it stopped.
+  bool first = true;
+  File row;
+  EXPECT_EQ(db().listALL(first, row), 3);
+  EXPECT_THAT(walk<File>(), ElementsAre(5));
+  for (int round = 0; round < 2; ++round) {
+    db().truncate<File>();
+    EXPECT_THAT(walk<File>(), IsEmpty());
+  }
+}
+
+TEST_F(FrontendDatabaseTest, ListIdOfCallPoints_AscendsByLineAndListAllDoesNot) {
+  execute(
+      "INSERT INTO CallPoint VALUES (1, NULL, 30, 1, 0, NULL, NULL), "
+      "(2, NULL, 10, 1, 0, NULL, NULL), (3, NULL, 20, 1, 0, NULL, NULL)");
+  bool first = true;
+  for (const long long id : {2, 3, 1, 0}) EXPECT_EQ(db().listId<CallPoint>(first), id);
+  EXPECT_THAT(walk<CallPoint>(), ElementsAre(1, 2, 3));
+}
+
+TEST_F(FrontendDatabaseTest, FinalizedAndReconnected_CompilesTheStatementsAnew) {
+  insertFiles();
+  EXPECT_THAT(walk<File>(), ElementsAre(3, 5));
+  db().disconnect();
+  execute("DELETE FROM File WHERE FileId = 3");
+  ASSERT_TRUE(db().quick_connect(false));
+  EXPECT_THAT(walk<File>(), ElementsAre(5));
+  db().finalizeStatements();
+  EXPECT_THAT(walk<File>(), ElementsAre(5));
+}
+
+/// One operation that steps a statement, the code that it expects, and what it answers when the
+/// step fails.
+struct Operation {
+  const char* name;
+  int expected;
+  bool isRead;
+  std::function<long long(CompilationDatabase&)> run;
+};
+
+class FailingOperation : public FrontendDatabaseTest,
+                         public testing::WithParamInterface<Operation> {};
+
+TEST_P(FailingOperation, LockedFile_IsReportedByOneLineAndAnswersZero) {
+  insertFiles();
+  db().setBusyTimeout(0);
+  const RawConnection other(compFile);
+  other.rows("BEGIN EXCLUSIVE");
+  EXPECT_EQ(GetParam().run(db()), 0);
+  const std::string report = takeReports();
+  EXPECT_THAT(report.substr(0, report.find('\n') + 1),
+              isReport(SQLITE_BUSY, GetParam().expected, "database is locked"));
+  EXPECT_TRUE(!GetParam().isRead || lineCount(report) == 1) << report;
+  EXPECT_EQ(db().hasFailed(), GetParam().isRead);
+  EXPECT_EQ(db().lastFailure().table, "File");
+  other.rows("COMMIT");
+  EXPECT_THAT(walk<File>(), ElementsAre(3, 5)) << "the statements go on";
+}
+
+TEST_P(FailingOperation, MissingTable_IsReportedOnceAndAnswersZero) {
+  execute("DROP TABLE File");
+  db().disconnect();
+  ASSERT_TRUE(db().quick_connect(false));
+  EXPECT_EQ(GetParam().run(db()), 0);
+  const std::string report = takeReports();
+  EXPECT_THAT(report, HasSubstr("rc=1 (expected rc=0) no such table: File\n"));
+  EXPECT_EQ(report.find("sqlite error"), report.rfind("sqlite error")) << report;
+  EXPECT_TRUE(!GetParam().isRead || db().hasFailed());
+}
+
+TEST_P(FailingOperation, Unconnected_IsReportedByOneLineAndAnswersZero) {
+  db().disconnect();
+  EXPECT_EQ(GetParam().run(db()), 0);
+  const std::string report = takeReports();
+  EXPECT_EQ(lineCount(report), 1) << report;
+  EXPECT_THAT(report, HasSubstr(compFile));
+  EXPECT_EQ(db().hasFailed(), GetParam().isRead);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, FailingOperation,
+                         testing::Values(Operation{"Add", 101, false,
+                                                   [](auto& db) {
+                                                     File file("x.c");
+                                                     return db.add(file);
+                                                   }},
+                                         Operation{"Update", 101, false,
+                                                   [](auto& db) {
+                                                     File file("c.c");
+                                                     file.setId(3);
+                                                     db.update(file);
+                                                     return 0;
+                                                   }},
+                                         Operation{"GetId", 101, true,
+                                                   [](auto& db) {
+                                                     File file("c.c");
+                                                     return db.getId(file);
+                                                   }},
+                                         Operation{"Get", 100, true,
+                                                   [](auto& db) {
+                                                     File file;
+                                                     file.setId(3);
+                                                     db.get(file);
+                                                     return file.getPath().empty() ? 0 : 1;
+                                                   }},
+                                         Operation{"ListId", 101, true,
+                                                   [](auto& db) {
+                                                     bool first = true;
+                                                     return db.template listId<File>(first);
+                                                   }},
+                                         Operation{"ListAll", 101, true,
+                                                   [](auto& db) {
+                                                     bool first = true;
+                                                     File row;
+                                                     return db.listALL(first, row);
+                                                   }},
+                                         Operation{"Truncate", 101, false,
+                                                   [](auto& db) {
+                                                     db.template truncate<File>();
+                                                     return 0;
+                                                   }}),
+                         caseName);
+
+}  // namespace
+}  // namespace fe_db_tests

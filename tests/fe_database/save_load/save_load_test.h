@@ -1,0 +1,87 @@
+#pragma once
+
+#include "tests/support/check_dataset.h"
+#include "tests/support/content.h"
+#include "tests/support/database_fixture.h"
+
+namespace fe_db_tests {
+
+class SaveLoadTest : public CompilationTest {
+ protected:
+  /// The dataset's preprocessing database, with its tables.
+  PreprocessingDatabase& connectPp() {
+    PreprocessingDatabase& pp = data->getPpDb();
+    EXPECT_TRUE(pp.quick_connect(false));
+    EXPECT_TRUE(pp.addTables());
+    trace.take();
+    return pp;
+  }
+  std::string ppRows(const std::string& sql) const { return fe_db_tests::rows(ppFile, sql); }
+
+  bool saveToCompDb() {
+    data->setDataNeededForDbLink();
+    return data->saveToCompDB();
+  }
+
+  /// Something of every class, as a front end would see it.
+  void fill() {
+    File* a = &data->emplaceFile("a.c", static_cast<FileKind>(1), {});
+    File* h = &data->emplaceFile("a.h", static_cast<FileKind>(2), {});
+    Type* base = data->emplaceType("base", false, {h, 1, 8}, TypeKind::Tagged4, true, 1, 2);
+    Type* alias = data->emplaceType("alias", false, {h, 2, 9}, TypeKind::Named512, true, 3, 0);
+    data->emplaceTypeReference(alias, base, true);
+    Variable* var = data->emplaceVariable("var", Localization{a, 3, 1}, base, true,
+                                          LinkageKind::External, true);
+    Function* f = data->emplaceFunction("f", "f", {a, 4, 1}, true, false, EffectKind::NoEffect,
+                                        LinkageKind::External, true);
+    Function* g = data->emplaceFunction("g", "g_source", {a, 5, 1}, false, true,
+                                        EffectKind::Unknown, LinkageKind::None, true);
+    g->setRefCount(2);
+    data->emplaceExternalIdentifier("var", {EntityKind::Variable, var}, true);
+    data->emplaceExternalIdentifier("f", {EntityKind::Function, f}, true);
+    data->emplaceField("field", {h, 1, 20}, true, 4);
+    data->emplaceEnumConstant("ENUM", {h, 7, 3}, true);
+    data->emplaceLabel("label", {a, 8, 1}, true);
+    data->emplaceCallPoint(f, g, {a, 9, 5}, true, true);
+    Macro& macro = data->emplaceMacro("M", {a, 10, 9}, true, 5);
+    macro.setValue(std::uint64_t{7});
+    macro.setText("7u");
+    data->emplaceMacro("PREDEFINED", {nullptr, 0, 3}, true, 0);
+    MacroInvocation* use = data->emplaceMacroInvocation(&macro, {a, 11, 2}, {a, 110, 4, 6});
+    data->emplaceMacroInvocationCodeOrigin({a, 10, 11}, use, 0, 2, false, "7u");
+    data->emplaceMacroInvocationCodeOrigin({nullptr, 0, 3}, use, 2, 3, true, ";");
+    data->emplaceMacroExpansion({a, 11, 2}, "7u", "M", 110, 4);
+  }
+};
+
+/// The content of a compilation database that `fill` was saved to, both flags or the last set.
+inline constexpr char kFilledContent[] =
+    "File|a.c|1|0|0\n"
+    "File|a.h|2|0|0\n"
+    "Identifier|ENUM|1|32\n"
+    "Identifier|M|1|8\n"
+    "Identifier|PREDEFINED|1|8\n"
+    "Identifier|alias|1|1\n"
+    "Identifier|base|1|1\n"
+    "Identifier|field|1|64\n"
+    "Identifier|f|3|18\n"
+    "Identifier|g_source|1|2\n"
+    "Identifier|g|1|2\n"
+    "Identifier|label|1|128\n"
+    "Identifier|var|2|20\n"
+    "Macro|M|a.c|10|9|5|7|0|1|0|0|0|7u\n"
+    "Macro|PREDEFINED|NULL|0|3|0|NULL|0|1|0|0|0|\n"
+    "Type|alias|a.h|2|9|512|0|0|0|3|0\n"
+    "Type|base|a.h|1|8|4|0|0|0|1|2\n"
+    "TypeReference|alias:2|base:1\n"
+    "Variable|var|a.c|3|1|base:1|1|1|0\n"
+    "Function|f|a.c|4|1|f|1|0|0|1|0\n"
+    "Function|g|a.c|5|1|g_source|0|1|2|0|2\n"
+    "ExternalIdentifier|f|1|f:4\n"
+    "ExternalIdentifier|var|0|var:3\n"
+    "Field|field|a.h|1|20|4\n"
+    "EnumConstant|ENUM|a.h|7|3\n"
+    "Label|label|a.c|8|1\n"
+    "CallPoint|a.c|9|5|1|f:4|g:5\n";
+
+}  // namespace fe_db_tests

@@ -1,0 +1,184 @@
+#include "fe_db/schema.h"
+#include "tests/fe_database/save_load/save_load_test.h"
+
+namespace fe_db_tests {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+using AddTables = SaveLoadTest;
+using SaveToPpDb = SaveLoadTest;
+
+TEST_F(AddTables, NewFile_GetsThePageSizeAndTheTextsOfTheSchema) {
+  ASSERT_TRUE(data->getPpDb().quick_connect(false));
+  EXPECT_TRUE(data->getPpDb().addTables());
+  EXPECT_EQ(ppRows("PRAGMA page_size"), "32768\n");
+  std::string expected;
+  // SQLite keeps a text as it is but for the clause that asks whether the thing is there.
+  const auto expect = [&expected](std::string text) {
+    const std::string clause = "IF NOT EXISTS ";
+    if (const auto at = text.find(clause); at != std::string::npos) text.erase(at, clause.size());
+    expected += text + '\n';
+  };
+  for (const char* text : schema::kSharedTables) expect(text);
+  for (const char* text : schema::kPreprocessingIndexesAndViews) expect(text);
+  EXPECT_EQ(ppRows("SELECT sql FROM sqlite_schema WHERE sql NOTNULL AND name NOT LIKE 'sqlite_%'"),
+            expected);
+}
+
+TEST_F(AddTables, Twice_ChangesNothingAndSucceedsInSilence) {
+  connectPp();
+  fill();
+  ASSERT_TRUE(data->saveToPpDB());
+  const std::string before = dump(ppFile);
+  EXPECT_TRUE(data->getPpDb().addTables());
+  EXPECT_EQ(dump(ppFile), before);
+}
+
+TEST_F(AddTables, LockedFile_AnswersFalseAndMakesNothing) {
+  const RawConnection other(ppFile);
+  other.rows("CREATE TABLE Other (A); BEGIN IMMEDIATE");
+  data->getPpDb().setBusyTimeout(0);
+  ASSERT_TRUE(data->getPpDb().quick_connect(false));
+  takeReports();  // a file with a table of its own and without ours
+  EXPECT_FALSE(data->getPpDb().addTables());
+  EXPECT_EQ(lineCount(takeReports()), 1);
+  EXPECT_EQ(ppRows("SELECT name FROM sqlite_schema"), "Other\n");
+}
+
+TEST_F(SaveToPpDb, SixTables_AreWrittenInTheirOrderWithTheirReferences) {
+  connectPp();
+  const auto* origin = data->emplaceMacroInvocationCodeOrigin({}, nullptr, 0, 1, false, "x");
+  fill();
+  EXPECT_TRUE(data->saveToPpDB());
+  EXPECT_EQ(origin->getId(), 0);
+  EXPECT_THAT(trace.take(), Not(testing::Contains(HasSubstr("SELECT")))) << "nothing is sought";
+  EXPECT_EQ(ppRows("SELECT Path, Kind FROM File ORDER BY Path"), "a.c|1\na.h|2\n");
+  EXPECT_EQ(ppRows("SELECT count(*) FROM Identifier"), "11\n");
+  EXPECT_EQ(ppRows("SELECT File, DeclLineNum, DeclColNum, Macro, RefCount, Value, ValueIsSigned, "
+                   "Text FROM MacroView ORDER BY Macro"),
+            "a.c|10|9|M|5|7|0|7u\nNULL|0|3|PREDEFINED|0|NULL|0|\n");
+  EXPECT_EQ(ppRows("SELECT * FROM MacroInvocationView"), "1|a.c|11|2|M|110|4|6\n");
+  EXPECT_EQ(ppRows("SELECT ppFileId FROM MacroInvocation"), "NULL\n");
+  EXPECT_EQ(ppRows("SELECT * FROM MacroInvocationCodeOriginView"),
+            "a.c|10|11|4|6|0|7u|1|a.c|11|2|M|110|4|6\n"
+            "command line(col=1) or predefined macro(col=3)|0|3|6|7|1|;|1|a.c|11|2|M|110|4|6\n");
+  EXPECT_EQ(ppRows("SELECT MacroCall, ExpandedCode, LineNum, PpLineNum, PpColNum "
+                   "FROM MacroExpansion"),
+            "M|7u|11|110|4\n");
+  EXPECT_EQ(data->getMacroInvocationForLine(110).first->getId(), 1);
+  data->eachMacroExpansion([](const MacroExpansion& e) { EXPECT_EQ(e.getId(), 1); });
+  checkDataset(*data);
+}
+
+TEST_F(SaveToPpDb, RepeatedUnchanged_InsertsNothingAndNoExpansionsLater) {
+  connectPp();
+  fill();
+  ASSERT_TRUE(data->saveToPpDB());
+  const std::string before = dump(ppFile);
+  EXPECT_TRUE(data->saveToPpDB());
+  EXPECT_EQ(dump(ppFile), before);
+  EXPECT_FALSE(data->isMacroExpansionLoaded());
+  data->emplaceMacroExpansion({}, "late", "L", 1, 1);
+  EXPECT_TRUE(data->saveToPpDB());
+  EXPECT_EQ(ppRows("SELECT MacroCall FROM MacroExpansion"), "M\n");
+}
+
+TEST_F(SaveToPpDb, NameSeenAgain_TakesItsRowAndBringsItsCountThere) {
+  connectPp();
+  fill();
+  ASSERT_TRUE(data->saveToPpDB());
+  const long long id = data->getIdentifier("M")->getId();
+  data->emplaceIdentifier("M", IdentifierKind::Type, /*accumulate=*/true, 2);
+  EXPECT_EQ(data->getIdentifier("M")->getId(), 0);
+  EXPECT_TRUE(data->saveToPpDB());
+  EXPECT_EQ(data->getIdentifier("M")->getId(), id);
+  EXPECT_EQ(ppRows("SELECT Count, Kind FROM Identifier WHERE Name = 'M'"), "3|9\n");
+}
+
+TEST_F(SaveToPpDb, FailedCommit_LeavesTheExpansionsMarkedAsSaved) {
+  connectPp();
+  const RawConnection other(ppFile);
+  other.rows(
+      "CREATE TRIGGER t BEFORE INSERT ON MacroInvocation "
+      "BEGIN SELECT RAISE(ROLLBACK, 'all back'); END");
+  const std::string before = dump(ppFile);
+  fill();
+  EXPECT_FALSE(data->saveToPpDB());
+  EXPECT_THAT(takeReports(), HasSubstr("all back\n"));
+  EXPECT_EQ(dump(ppFile), before);
+  other.rows("DROP TRIGGER t");
+  EXPECT_TRUE(data->saveToPpDB());
+  EXPECT_EQ(ppRows("SELECT count(*) FROM MacroExpansion"), "0\n");
+  EXPECT_EQ(ppRows("SELECT count(*) FROM MacroInvocationCodeOrigin"), "0\n");
+}
+
+TEST_F(SaveToPpDb, ResetIdsInBetween_LetsTheDatasetGoToTheOtherDatabase) {
+  PreprocessingDatabase& pp = connectPp();
+  fill();
+  ASSERT_TRUE(data->saveToPpDB());
+  Function* f = data->getFunction("f", {data->getFile("a.c"), 4, 1});
+  f->dirty = true;
+  f->setId(5);
+  pp.get<File>(1);
+  db().enterInIdCache<Function>(5, f);
+  data->resetIds(pp);
+  EXPECT_FALSE(pp.isInIdCache<File>(1));
+  EXPECT_TRUE(db().isInIdCache<Function>(5)) << "the other database's is left alone";
+  EXPECT_EQ(f->getId(), 0);
+  EXPECT_TRUE(f->dirty);
+  f->dirty = false;
+  EXPECT_EQ(data->getMacroInvocationForLine(110).first->getId(), 0);
+  data->eachMacroExpansion([](const MacroExpansion& e) { EXPECT_EQ(e.getId(), 0); });
+  EXPECT_TRUE(saveToCompDb());
+  EXPECT_EQ(content(compFile), kFilledContent);
+}
+
+// --- Databases that are not there.
+
+struct WholeTableOperation {
+  const char* name;
+  bool onCompDb;
+  bool (*run)(CompilationData&);
+};
+
+class MissingDatabase : public SaveLoadTest,
+                        public testing::WithParamInterface<WholeTableOperation> {};
+
+TEST_P(MissingDatabase, IsReportedWithTheOperationAndAnswersFalse) {
+  data = CompilationData::newInstance("", "");
+  data->setPropagateMacroInfo();
+  EXPECT_FALSE(GetParam().run(*data));
+  const std::string report = takeReports();
+  EXPECT_EQ(lineCount(report), 1) << report;
+  EXPECT_THAT(report, HasSubstr(GetParam().onCompDb ? "no compilation database"
+                                                    : "no preprocessing database"));
+  const std::string name = GetParam().name;
+  EXPECT_THAT(report, HasSubstr(name.substr(0, name.find('_'))));
+}
+
+TEST_P(MissingDatabase, NotConnected_IsReportedOnceAndAnswersFalse) {
+  db().disconnect();
+  data->setPropagateMacroInfo();
+  EXPECT_FALSE(GetParam().run(*data));
+  const std::string report = takeReports();
+  EXPECT_EQ(lineCount(report), 1) << report;
+  EXPECT_THAT(report, HasSubstr(GetParam().onCompDb ? compFile : ppFile));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    In, MissingDatabase,
+    testing::Values(
+        WholeTableOperation{"saveToCompDB", true, [](auto& data) { return data.saveToCompDB(); }},
+        WholeTableOperation{"saveToPpDB", false, [](auto& data) { return data.saveToPpDB(); }},
+        WholeTableOperation{"loadFromDB_comp", true, [](auto& d) { return d.loadFromDB(true); }},
+        WholeTableOperation{"loadFromDB_pp", false, [](auto& d) { return d.loadFromDB(false); }},
+        WholeTableOperation{"preLoadFromDB_comp", true,
+                            [](auto& d) { return d.preLoadFromDB(true); }},
+        WholeTableOperation{"preLoadFromDB_pp", false,
+                            [](auto& d) { return d.preLoadFromDB(false); }}),
+    caseName);
+
+}  // namespace
+}  // namespace fe_db_tests

@@ -1,0 +1,95 @@
+#include <functional>
+
+#include "tests/persistence/test_database.h"
+
+/// A transaction that SQLite rolls back by itself commits nothing, not even what came before.
+namespace fe_db_tests {
+namespace {
+
+using testing::HasSubstr;
+
+struct Breaker {
+  const char* name;
+  /// Makes the next statement fail in a way that ends the transaction.
+  std::function<void(TestDatabase&)> run;
+};
+
+class FailedTransaction : public DatabaseTest, public testing::WithParamInterface<Breaker> {
+ protected:
+  FailedTransaction() : db(databaseWithTable()) {
+    execute(db.getPath(), "CREATE TABLE U (A INTEGER UNIQUE ON CONFLICT ROLLBACK, B)");
+    execute(db.getPath(), "INSERT INTO U VALUES (1, 'before')");
+    EXPECT_TRUE(db.quick_connect(false));
+    before = dump(db.getPath());
+  }
+  /// Begins, writes a row, and breaks the transaction.
+  void breakTransaction() {
+    ASSERT_TRUE(db.beginTransaction());
+    db.add(1);
+    GetParam().run(db);
+    ASSERT_NE(takeReports(), "") << "the cause is reported";
+    ASSERT_NE(sqlite3_get_autocommit(db.raw()), 0) << "SQLite has not rolled back";
+  }
+
+  TestDatabase db;
+  std::string before;
+};
+
+const Breaker kConstraint = {"Constraint", [](TestDatabase& db) {
+                               EXPECT_FALSE(db.execute("INSERT INTO U VALUES (1, 'again')"));
+                             }};
+const Breaker kStatement = {"StatementConstraint", [](TestDatabase& db) {
+                              persistence::DatabaseStatement insert("INSERT INTO U VALUES (1, 2)");
+                              insert.prepare(db.raw());
+                              insert.exec(db.raw());
+                              EXPECT_EQ(insert.result(), SQLITE_CONSTRAINT);
+                              insert.finalize(db.raw());
+                            }};
+const Breaker kFull = {"DatabaseFull", [](TestDatabase& db) {
+                         EXPECT_TRUE(db.execute("PRAGMA max_page_count=1"));
+                         EXPECT_FALSE(db.execute("INSERT INTO U VALUES (2, zeroblob(1000000))"));
+                       }};
+
+TEST_P(FailedTransaction, NothingMoreIsWrittenOneLineSaysSoAndCommitAnswersFalse) {
+  breakTransaction();
+  for (int value = 2; value <= 4; ++value) {
+    db.add(value);
+    EXPECT_EQ(db.insert.result(), SQLITE_ABORT);
+  }
+  EXPECT_FALSE(db.execute("INSERT INTO T VALUES (5)"));
+  EXPECT_FALSE(db.commitTransaction());
+  const std::string report = takeReports();
+  EXPECT_EQ(lineCount(report), 1) << report;
+  EXPECT_THAT(report, HasSubstr(db.getPath()));
+  EXPECT_EQ(dump(db.getPath()), before);
+  // The next one writes again.
+  ASSERT_TRUE(db.execute("PRAGMA max_page_count=1000"));
+  ASSERT_TRUE(db.beginTransaction());
+  db.add(6);
+  EXPECT_TRUE(db.commitTransaction());
+  EXPECT_EQ(rows(db.getPath(), "SELECT A FROM T"), "6\n");
+}
+
+TEST_P(FailedTransaction, CommitRightAfterTheFailure_AnswersFalse) {
+  breakTransaction();
+  EXPECT_FALSE(db.commitTransaction());
+  EXPECT_LE(lineCount(takeReports()), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(By, FailedTransaction, testing::Values(kConstraint, kStatement, kFull),
+                         caseName);
+
+TEST_F(DatabaseTest, RefusedRow_DoesNotFailTheTransaction) {
+  TestDatabase db(databaseWithTable());
+  ASSERT_TRUE(db.quick_connect(false));
+  ASSERT_TRUE(db.beginTransaction());
+  db.add(1);
+  db.add(1);
+  EXPECT_THAT(takeReports(), HasSubstr("UNIQUE constraint failed: T.A"));
+  db.add(2);
+  EXPECT_TRUE(db.commitTransaction());
+  EXPECT_EQ(rows(db.getPath(), "SELECT A FROM T"), "1\n2\n");
+}
+
+}  // namespace
+}  // namespace fe_db_tests

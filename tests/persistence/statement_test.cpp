@@ -1,0 +1,141 @@
+#include <limits>
+#include <vector>
+
+#include "tests/persistence/test_database.h"
+
+namespace fe_db_tests {
+namespace {
+
+using persistence::DatabaseStatement;
+using testing::HasSubstr;
+
+class StatementTest : public DatabaseTest {
+ protected:
+  StatementTest() : db(databaseWithTable()) { EXPECT_TRUE(db.quick_connect(false)); }
+  ~StatementTest() override {
+    for (DatabaseStatement* statement : {&insert, &select, &broken}) statement->finalize(db.raw());
+  }
+  std::string content() const { return rows(db.getPath(), "SELECT A FROM T ORDER BY A"); }
+
+  TestDatabase db;
+  DatabaseStatement insert{"INSERT INTO T (A) VALUES (?)"};
+  DatabaseStatement select{std::string_view("SELECT A FROM T WHERE A BETWEEN ? AND ?"), false};
+  DatabaseStatement broken{"SELECT A FROM Nowhere"};
+};
+
+TEST_F(StatementTest, PreparedAgainBetweenTwoRows_GoesOnWithTheNextRow) {
+  execute(db.getPath(), "INSERT INTO T VALUES (1), (2)");
+  select.prepare(db.raw());
+  select.prepare(db.raw());
+  select.bind(db.raw(), 1);
+  select.bind(db.raw(), 2);
+  for (const long long expected : {1, 2}) {
+    ASSERT_EQ(select.step(), SQLITE_ROW);
+    select.prepare(db.raw());
+    long long value = 0;
+    select.column(value);
+    EXPECT_EQ(value, expected);
+  }
+  EXPECT_EQ(select.step(), SQLITE_DONE);
+}
+
+TEST_F(StatementTest, ExecAgainWithNewBindings_InsertsARowEachTimeWithTheWholeNumber) {
+  const long long least = std::numeric_limits<long long>::min();
+  insert.prepare(db.raw());
+  insert.bind(db.raw(), least);
+  insert.exec(db.raw());
+  EXPECT_EQ(insert.result(), SQLITE_DONE);
+  insert.bind(db.raw(), 1ULL << 62);
+  insert.exec(db.raw());
+  insert.bind(db.raw(), -1);
+  insert.exec(db.raw());
+  EXPECT_EQ(content(), "-9223372036854775808\n-1\n4611686018427387904\n");
+}
+
+TEST_F(StatementTest, BindAfterReset_FillsTheParametersFromTheFirstOn) {
+  execute(db.getPath(), "INSERT INTO T VALUES (1), (5), (9)");
+  select.prepare(db.raw());
+  select.bind(db.raw(), 1);
+  select.bind(db.raw(), 1);
+  ASSERT_EQ(select.step(), SQLITE_ROW);
+  select.reset(db.raw());
+  select.bind(db.raw(), 4);
+  select.bind(db.raw(), 6);
+  ASSERT_EQ(select.step(), SQLITE_ROW);
+  long long value = 0;
+  select.column(value);
+  EXPECT_EQ(value, 5);
+  EXPECT_EQ(select.step(), SQLITE_DONE);
+}
+
+TEST_F(StatementTest, BindBeyondTheLastParameter_IsReportedWithTheStatement) {
+  insert.prepare(db.raw());
+  insert.bind(db.raw(), 3);
+  insert.bind(db.raw(), 4);
+  EXPECT_THAT(takeReports(), isReport(SQLITE_RANGE, SQLITE_OK, ".*",
+                                      "While executing INSERT INTO T \\(A\\) VALUES \\(3\\)\n"));
+  insert.exec(db.raw());
+  EXPECT_EQ(content(), "3\n");
+}
+
+TEST_F(StatementTest, Finalize_OfAnUnpreparedStatementSaysNothingAndOfAPreparedOneAllowsAnother) {
+  insert.finalize(db.raw());
+  for (int value = 1; value <= 2; ++value) {
+    insert.prepare(db.raw());
+    insert.bind(db.raw(), value);
+    insert.exec(db.raw());
+    insert.finalize(db.raw());
+  }
+  EXPECT_EQ(content(), "1\n2\n");
+}
+
+TEST_F(StatementTest, Copy_HasTheTextAndIsNotCompiled) {
+  insert.prepare(db.raw());
+  insert.bind(db.raw(), 1);
+  std::vector<DatabaseStatement> copies(1, insert);
+  EXPECT_EQ(copies[0].getText(), insert.getText());
+  EXPECT_EQ(copies[0].step(), SQLITE_MISUSE);
+  insert.finalize(db.raw());
+  copies[0].prepare(db.raw());
+  copies[0].bind(db.raw(), 2);
+  copies[0].exec(db.raw());
+  copies[0].finalize(db.raw());
+  EXPECT_EQ(content(), "2\n");
+}
+
+TEST_F(StatementTest, FailedCompilation_IsReportedOnceUntilFinalize) {
+  for (int round = 0; round < 2; ++round) {
+    broken.prepare(db.raw());
+    const std::string report = takeReports();
+    EXPECT_THAT(report, HasSubstr("rc=1 (expected rc=0) no such table: Nowhere")) << round;
+    broken.prepare(db.raw());
+    broken.exec(db.raw());
+    broken.reset(db.raw());
+    EXPECT_THAT(broken.step(), testing::AllOf(testing::Ne(SQLITE_ROW), testing::Ne(SQLITE_DONE)));
+    EXPECT_EQ(takeReports(), "") << round;
+    broken.finalize(db.raw());
+  }
+}
+
+TEST_F(StatementTest, ExecOfARefusedRow_ReportsOnceAndIsReadyForTheNext) {
+  execute(db.getPath(), "INSERT INTO T VALUES (1)");
+  insert.prepare(db.raw());
+  insert.bind(db.raw(), 1);
+  insert.exec(db.raw());
+  EXPECT_EQ(insert.result(), SQLITE_CONSTRAINT);
+  const std::string report = takeReports();
+  EXPECT_THAT(report, HasSubstr("rc=19 (expected rc=101) UNIQUE constraint failed: T.A\n"));
+  EXPECT_THAT(report.substr(report.find('\n') + 1), testing::Not(HasSubstr("sqlite error")));
+  insert.bind(db.raw(), 2);
+  insert.exec(db.raw());
+  EXPECT_EQ(insert.result(), SQLITE_DONE);
+  EXPECT_EQ(content(), "1\n2\n");
+  // The caller of step() reports; reset says nothing a second time.
+  insert.bind(db.raw(), 1);
+  EXPECT_EQ(insert.step(), SQLITE_CONSTRAINT);
+  insert.reset(db.raw());
+  EXPECT_EQ(takeReports(), "");
+}
+
+}  // namespace
+}  // namespace fe_db_tests

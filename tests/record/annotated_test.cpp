@@ -1,0 +1,49 @@
+#include "record/annotations.h"
+#include "record/record_fixture.h"
+
+namespace fe_db_tests {
+
+namespace {
+
+/// Each source in snapshots/ carries what is recorded of it. With FE_DB_UPDATE_SNAPSHOTS set, the
+/// sources are rewritten; read the difference as code.
+class AnnotatedSource : public RecordTest, public testing::WithParamInterface<std::string> {};
+
+std::vector<std::string> snapshotNames() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(SNAPSHOTS)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST_P(AnnotatedSource, IsRecordedAsItsAnnotationsSay) {
+  const std::filesystem::path snapshot = std::filesystem::path(SNAPSHOTS) / GetParam();
+  const std::string annotated = readFile(snapshot);
+  const std::string source = withoutAnnotations(annotated);
+  write(GetParam(), source);
+  recordQuietly({"--keep-preprocessed", "--", GetParam().ends_with(".cpp") ? "g++" : "gcc",
+                 "-DFROM_COMMAND_LINE=7", "-c", GetParam()});
+
+  const std::string actual =
+      annotate(source, readAnnotations(outputEnding(".pp.db"), outputEnding(".comp.db"),
+                                       (sources() / GetParam()).string(), sources().string(),
+                                       readFile(outputEnding(".i"))));
+  if (std::getenv("FE_DB_UPDATE_SNAPSHOTS") != nullptr) {
+    std::ofstream(snapshot, std::ios::binary) << actual;
+  } else {
+    EXPECT_EQ(actual, annotated);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Snapshots, AnnotatedSource, testing::ValuesIn(snapshotNames()),
+                         [](const auto& test) {
+                           std::string name = test.param;
+                           std::replace(name.begin(), name.end(), '.', '_');
+                           return name;
+                         });
+
+}  // namespace
+
+}  // namespace fe_db_tests

@@ -1,0 +1,197 @@
+#include "record/record_fixture.h"
+
+namespace fe_db_tests {
+
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::SizeIs;
+
+class RecordProgram : public RecordTest {
+ protected:
+  RecordProgram() { write("good.c", "int good(void) { return 1; }\n"); }
+
+  /// A compile_commands.json with one `gcc -c` for each source.
+  void writeDatabase(const std::vector<std::string>& names) const {
+    std::string entries;
+    for (const std::string& name : names) {
+      entries += entries.empty() ? "[" : ",\n";
+      entries += R"({"directory": ")" + sources().string() + R"(", "file": ")" + name +
+                 R"(", "command": "gcc -c )" + name + "\"}";
+    }
+    write("compile_commands.json", entries + "]");
+  }
+};
+
+TEST_F(RecordProgram, SourceThatDoesNotParse_LeavesNoFileNotEvenOfAnEarlierRun) {
+  write("source.c", "int x;\n");
+  recordQuietly({"--keep-preprocessed", "--", "gcc", "-c", "source.c"});
+  EXPECT_THAT(outputs(), SizeIs(3));
+
+  write("source.c", "int x = y;\n");
+  const ProgramResult result = record({"--", "gcc", "-c", "source.c"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors,
+              AllOf(HasSubstr("source.c:1:9: error: "),
+                    HasSubstr("fe_db_record: " + (sources() / "source.c").string())));
+  EXPECT_THAT(outputs(), IsEmpty());
+}
+
+TEST_F(RecordProgram, MissingSource_IsNamed) {
+  const ProgramResult result = record({"--", "gcc", "-c", "missing.c"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("missing.c"));
+  EXPECT_THAT(outputs(), IsEmpty());
+}
+
+TEST_F(RecordProgram, Database_RecordsTheOthersWhenSomeFail) {
+  write("bad.c", "int x = y;\n");
+  write("crash.c", "#pragma clang __debug crash\n");
+  write("asm.S", "nop\n");
+  writeDatabase({"good.c", "bad.c", "good.c", "crash.c", "asm.S"});
+  const ProgramResult result = record({"-j", "2", "-p", sources().string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.output, HasSubstr("1 of 3 units recorded"));
+  EXPECT_THAT(result.errors,
+              AllOf(HasSubstr("bad.c:1:9: error: "), HasSubstr("crash.c: its process was killed")));
+  EXPECT_THAT(outputs(), ElementsAre(MatchesRegex("good\\.c-[0-9a-f]{16}\\.comp\\.db"),
+                                     MatchesRegex("good\\.c-[0-9a-f]{16}\\.pp\\.db")));
+}
+
+TEST_F(RecordProgram, Database_RecordsOnlyTheFilesAskedForAndNamesThoseItDoesNotHave) {
+  write("other.c", "int other;\n");
+  write("stranger.c", "int stranger;\n");
+  writeDatabase({"good.c", "other.c"});
+  const ProgramResult result = record({"-p", ".", "other.c", "stranger.c"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr((sources() / "stranger.c").string()));
+  EXPECT_THAT(outputs(), ElementsAre(MatchesRegex("other\\.c-.*\\.comp\\.db"),
+                                     MatchesRegex("other\\.c-.*\\.pp\\.db")));
+}
+
+TEST_F(RecordProgram, UnitHasOneNameAndOneContentWhoeverRecordsIt) {
+  write("good.c", "#include \"good.h\"\nint good(void) { return CALL(1); }\n");
+  write("good.h", "#define CALL(x) (x)\nint good(void);\n");
+  writeDatabase({"good.c"});
+  recordQuietly({"-p", "."});
+  const std::vector<std::string> names = outputs();
+  std::filesystem::rename(output(), path("first"));
+  recordQuietly({"--", "gcc", "-c", "./good.c", "-o", "elsewhere.o"});
+  ASSERT_EQ(outputs(), names);
+  for (const std::string& name : names) {
+    const ProgramResult diff =
+        runProgram({FE_DB_PROGRAM, "diff", path("first/" + name), (output() / name).string()});
+    EXPECT_EQ(diff.exitCode, 0) << diff.output << diff.errors;
+  }
+}
+
+TEST_F(RecordProgram, CommandWithTwoSourcesAndUnknownFlags_GivesTwoUnits) {
+  write("other.c", "int other = X;\n");
+  write("flags.rsp", "-DX=1 -fconserve-stack -mindirect-branch=keep");
+  recordQuietly({"--", "gcc", "-fanalyzer", "@flags.rsp", "good.c", "other.c", "-o", "program"});
+  EXPECT_THAT(outputs(), SizeIs(4));
+}
+
+TEST_F(RecordProgram, LeftoversOfAKilledRun_AreOverwritten) {
+  recordQuietly({"--", "gcc", "-c", "good.c"});
+  const std::vector<std::string> names = outputs();
+  for (const std::string& name : names) {
+    for (const char* leftover : {".tmp", ".tmp-journal"}) {
+      std::ofstream(output() / (name + leftover)) << "left behind";
+    }
+  }
+  recordQuietly({"--", "gcc", "-c", "good.c"});
+  EXPECT_EQ(outputs(), names);
+  for (const std::string& name : names) EXPECT_EQ(integrity((output() / name).string()), "ok\n");
+}
+
+TEST_F(RecordProgram, KilledWhileItReads_LeavesNothing) {
+  runProgram({"mkfifo", (sources() / "endless.h").string()});
+  write("waiting.c", "#include \"endless.h\"\n");
+  // Nobody ever writes: the program waits until it is killed.
+  const ProgramResult result =
+      runProgram({"timeout", "-s", "KILL", "1", FE_DB_RECORD_PROGRAM, "-o", output().string(), "--",
+                  "gcc", "-c", (sources() / "waiting.c").string()});
+  EXPECT_NE(result.exitCode, 0);
+  EXPECT_THAT(outputs(), IsEmpty());
+}
+
+TEST_F(RecordProgram, FullDisk_IsReportedWithTheFileAndKeepsWhatWasThere) {
+  recordQuietly({"--", "gcc", "-c", "good.c"});
+  const std::vector<std::string> names = outputs();
+  const std::string command = std::string("trap '' XFSZ; ulimit -f 64; exec ") +
+                              FE_DB_RECORD_PROGRAM + " -o " + output().string() +
+                              " -- gcc -c good.c";
+  const ProgramResult result = runProgram({"sh", "-c", command}, {.directory = sources().string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("fe_db_record: " + output().string()));
+  EXPECT_EQ(outputs(), names);
+  for (const std::string& name : names) EXPECT_EQ(integrity((output() / name).string()), "ok\n");
+}
+
+TEST_F(RecordProgram, SystemFacts_AreThoseReferredToOrAll) {
+  write("good.c", "#include <stdlib.h>\nint good(div_t *d) { return abs(d->quot); }\n");
+  const char* query =
+      "SELECT group_concat(DISTINCT Name) FROM Function JOIN Identifier USING (IdentifierId) "
+      "WHERE Name IN ('abs', 'labs', 'good') ORDER BY Name";
+  recordQuietly({"--", "gcc", "-c", "good.c"});
+  EXPECT_EQ(rows(outputEnding(".comp.db"), query).find("labs"), std::string::npos);
+  EXPECT_EQ(rows(outputEnding(".comp.db"),
+                 "SELECT Name, RefCount FROM Field JOIN Identifier USING (IdentifierId)"),
+            "quot|1\n");
+  recordQuietly({"--system=all", "--", "gcc", "-c", "good.c"});
+  EXPECT_THAT(rows(outputEnding(".comp.db"), query), HasSubstr("labs"));
+}
+
+TEST_F(RecordProgram, FilesTellWhatTheyAre) {
+  write("forced.h", "#include <stddef.h>\n");
+  write("own.h", "");
+  write("inner/../good.c", "");
+  write("good.c", "#include \"./own.h\"\n");
+  recordQuietly({"--", "gcc", "-include", "forced.h", "-c", "./good.c"});
+  EXPECT_EQ(rows(outputEnding(".pp.db"), "SELECT Kind, Lang, Path FROM File WHERE Path LIKE '" +
+                                             sources().string() + "%' ORDER BY Kind"),
+            "1|1|" + (sources() / "good.c").string() + "\n2|1|" + (sources() / "own.h").string() +
+                "\n4|1|" + (sources() / "forced.h").string() + "\n");
+  EXPECT_EQ(
+      rows(outputEnding(".pp.db"), "SELECT DISTINCT Kind FROM File WHERE Path LIKE '%/stddef.h'"),
+      "3\n");
+}
+
+struct Usage {
+  const char* name;
+  std::vector<std::string> arguments;
+  int exitCode;
+};
+
+class RecordUsage : public QuietTest, public testing::WithParamInterface<Usage> {};
+
+TEST_P(RecordUsage, EndsWithItsExitCode) {
+  std::vector<std::string> command = GetParam().arguments;
+  command.insert(command.begin(), FE_DB_RECORD_PROGRAM);
+  const ProgramResult result = runProgram(command, {.directory = path("")});
+  EXPECT_EQ(result.exitCode, GetParam().exitCode);
+  EXPECT_EQ(result.errors.empty(), GetParam().exitCode == 0) << result.errors;
+  EXPECT_EQ(result.output.empty(), GetParam().exitCode != 0) << result.output;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, RecordUsage,
+    testing::Values(Usage{"Help", {"--help"}, 0}, Usage{"Nothing", {}, 2},
+                    Usage{"NoOutput", {"--", "gcc", "a.c"}, 2},
+                    Usage{"NeitherCommandNorDatabase", {"-o", "out"}, 2},
+                    Usage{"Both", {"-o", "out", "-p", ".", "--", "gcc", "a.c"}, 2},
+                    Usage{"EmptyCommand", {"-o", "out", "--"}, 2},
+                    Usage{"NoSource", {"-o", "out", "--", "gcc", "a.o"}, 2},
+                    Usage{"UnknownOption", {"-o", "out", "--wrong", "--", "gcc", "a.c"}, 2},
+                    Usage{"BadJobs", {"-o", "out", "-j", "0", "-p", "."}, 2},
+                    Usage{"NoDatabase", {"-o", "out", "-p", "."}, 1}),
+    caseName);
+
+}  // namespace
+
+}  // namespace fe_db_tests
