@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Builds the example front end against an installed tree, runs it and compares what it prints.
-# usage: embed.sh CMAKE CXX SOURCE_DIR PREFIX WORK_DIR
+# usage: embed.sh CMAKE GENERATOR CXX SOURCE_DIR PREFIX WORK_DIR
 set -euo pipefail
-cmake=$1 compiler=$2 source=$3 prefix=$4 work=$5
+cmake=$1 generator=$2 compiler=$3 source=$4 prefix=$5 work=$6
 
 rm -rf "$work"
 mkdir -p "$work"
-"$cmake" -S "$source" -B "$work/build" -DCMAKE_CXX_COMPILER="$compiler" \
+"$cmake" -S "$source" -B "$work/build" -G "$generator" -DCMAKE_CXX_COMPILER="$compiler" \
   -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_FLAGS="-Wall -Wextra -Werror"
 "$cmake" --build "$work/build"
 embed=$work/build/embed

@@ -1,0 +1,40 @@
+# Sourced by scripts/test: rules that hold over the sources and that no compiler checks.
+# shellcheck shell=bash
+
+# The recorder's snapshots are written by hand: their annotations stand under columns of the code.
+own_sources() {
+  find include src tools tests benchmarks examples -path tests/record/snapshots -prune -o \
+    \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \) -print0 | sort -z
+}
+
+check_format() {
+  say "Format"
+  own_sources | xargs -0 clang-format-14 --dry-run -Werror --ferror-limit=3
+  echo "as .clang-format says"
+}
+
+# Fails, naming the lines, when the pattern occurs in the files given.
+refuse() { # WHY PATTERN FILE...
+  local why=$1 pattern=$2
+  shift 2
+  if grep -nE "$pattern" "$@"; then
+    complain "$why"
+    return 1
+  fi
+}
+
+check_source_rules() {
+  say "Source rules"
+  local library quiet headers
+  mapfile -t library < <(find src -name '*.cpp' -o -name '*.h' | sort)
+  mapfile -t quiet < <(printf '%s\n' "${library[@]}" |
+    grep -vxE 'src/persistence/(sqlite_report|debug)\.cpp')
+  refuse "the library writes to standard error through sqlite_report.h and the trace only" \
+    'stderr|std::(cerr|clog)|perror *\(|STDERR_FILENO' "${quiet[@]}"
+  mapfile -t quiet < <(printf '%s\n' "${library[@]}" | grep -v '/merger/')
+  refuse "in the library only the merger's table sizes go to standard output" \
+    'std::cout|\bstdout\b|\b(printf|puts|putchar) *\(' "${quiet[@]}"
+  mapfile -t headers < <(find include -name '*.h' | sort)
+  refuse "callers do not need SQLite's headers" '#include *[<"]sqlite3\.h' "${headers[@]}"
+  echo "one reporting file, no sqlite3.h in include/"
+}
