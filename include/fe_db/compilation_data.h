@@ -151,7 +151,7 @@ class CompilationData {
                                                      unsigned ppColumn);
 
   // --- Emplacing a stored row: as a sighting of what the row says. The row's id is not used. Null
-  // for a row that cannot become an element.
+  // for a variable without a file, and for an enum constant or label whose name is empty.
 
   FE_DB_EXPORT File* emplaceFromDB(const File& row, bool accumulate);
   FE_DB_EXPORT Identifier* emplaceFromDB(const Identifier& row, bool accumulate);

@@ -12,7 +12,8 @@ class AnnotatedSource : public RecordTest, public testing::WithParamInterface<st
 std::vector<std::string> snapshotNames() {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(SNAPSHOTS)) {
-    names.push_back(entry.path().filename().string());
+    const std::string name = entry.path().filename().string();
+    if (!name.starts_with('.')) names.push_back(name);
   }
   std::sort(names.begin(), names.end());
   return names;

@@ -11,49 +11,87 @@ std::vector<Column> operator+(std::vector<Column> a, const std::vector<Column>& 
   return a;
 }
 
-// clang-format off
 const std::vector<Column> kName = {{"IdentifierId", true, &Fact::name, kIdentifier}};
-const std::vector<Column> kDeclaration = kName + std::vector<Column>{
-    {"DeclFileId", true, &Fact::file, kFile}, {"DeclLineNum", true, &Fact::line}, {"DeclColNum", true, &Fact::column}};
-const std::vector<Column> kPlace = {
-    {"FileId", false, &Fact::file, kFile}, {"LineNum", false, &Fact::line}, {"ColNum", false, &Fact::column}};
+const std::vector<Column> kDeclaration =
+    kName + std::vector<Column>{{"DeclFileId", true, &Fact::file, kFile},
+                                {"DeclLineNum", true, &Fact::line},
+                                {"DeclColNum", true, &Fact::column}};
+const std::vector<Column> kPlace = {{"FileId", false, &Fact::file, kFile},
+                                    {"LineNum", false, &Fact::line},
+                                    {"ColNum", false, &Fact::column}};
 const std::vector<Column> kCount = {{"RefCount", false, &Fact::count}};
-const std::vector<Column> kLinked = kDeclaration + kCount + std::vector<Column>{
-    {"isDefined", false, &Fact::defined}, {"Linkage", false, &Fact::linkage}};
+const std::vector<Column> kLinked =
+    kDeclaration + kCount +
+    std::vector<Column>{{"isDefined", false, &Fact::defined}, {"Linkage", false, &Fact::linkage}};
 
 // Kind stands before EntityId and Value before ValueIsSigned; otherwise the order does not matter.
 const Table kTables[kClasses] = {
-    {"File", "FileId", {{"Path", true, &Fact::text}, {"Kind", false, &Fact::kind}, {"Lang", false, &Fact::language}, {"Huge", false, &Fact::huge}}},
-    {"Identifier", "IdentifierId", {{"Name", true, &Fact::text}, {"Kind", false, &Fact::kind}, {"Count", false, &Fact::count}}},
-    {"Macro", "MacroId", kDeclaration + kCount + std::vector<Column>{
-        {"Value", false, &Fact::value}, {"ValueIsSigned", false, &Fact::isSigned}, {"IsObjectLike", false, &Fact::objectLike},
-        {"IsVariadic", false, &Fact::variadic}, {"IsCommandLineDefinition", false, &Fact::commandLine},
-        {"IsPredefined", false, &Fact::predefined}, {"Text", false, &Fact::text}}},
-    {"MacroInvocation", "MacroInvocationId", kPlace + std::vector<Column>{
-        {"MacroId", true, &Fact::subject, kMacro}, {"ppLineNum", true, &Fact::ppLine},
-        {"ppStartColNum", true, &Fact::ppColumn}, {"ppEndColNum", false, &Fact::ppEnd}}},
-    {"MacroInvocationCodeOrigin", "rowid", kPlace + std::vector<Column>{
-        {"MacroInvocationId", false, &Fact::subject, kMacroInvocation}, {"OffsetColumnInInvocation", false, &Fact::offset},
-        {"EndOffsetColumnInInvocation", false, &Fact::endOffset}, {"IsParameter", false, &Fact::parameter},
-        {"TokenString", false, &Fact::text}}},
-    {"MacroExpansion", "rowid", kPlace + std::vector<Column>{
-        {"PpLineNum", false, &Fact::ppLine}, {"PpColNum", false, &Fact::ppColumn}, {"ExpandedCode", false, &Fact::text}, {"MacroCall", false, &Fact::call}}},
-    {"Type", "TypeId", kDeclaration + kCount + std::vector<Column>{
-        {"Kind", true, &Fact::kind}, {"Unnamed", false, &Fact::unnamed}, {"Local", false, &Fact::local},
-        {"Incomplete", false, &Fact::incomplete}, {"RefTagCount", false, &Fact::tagCount}}},
-    {"TypeReference", "rowid", {{"DeclaredType", true, &Fact::subject, kType}, {"ReferencedType", false, &Fact::object, kType}}},
-    {"Variable", "VariableId", kLinked + std::vector<Column>{{"TypeId", false, &Fact::subject, kType}}},
-    {"Function", "FunctionId", kLinked + std::vector<Column>{
-        {"SourceNameId", false, &Fact::subject, kIdentifier}, {"isSpecial", false, &Fact::special}, {"Effect", false, &Fact::effect}}},
-    {"ExternalIdentifier", "ExternalIdentifierId", kName + std::vector<Column>{{"Kind", true, &Fact::kind}, {"EntityId", true, &Fact::subject, kEntity}}},
+    {"File",
+     "FileId",
+     {{"Path", true, &Fact::text},
+      {"Kind", false, &Fact::kind},
+      {"Lang", false, &Fact::language},
+      {"Huge", false, &Fact::huge}}},
+    {"Identifier",
+     "IdentifierId",
+     {{"Name", true, &Fact::text}, {"Kind", false, &Fact::kind}, {"Count", false, &Fact::count}}},
+    {"Macro", "MacroId",
+     kDeclaration + kCount +
+         std::vector<Column>{{"Value", false, &Fact::value},
+                             {"ValueIsSigned", false, &Fact::isSigned},
+                             {"IsObjectLike", false, &Fact::objectLike},
+                             {"IsVariadic", false, &Fact::variadic},
+                             {"IsCommandLineDefinition", false, &Fact::commandLine},
+                             {"IsPredefined", false, &Fact::predefined},
+                             {"Text", false, &Fact::text}}},
+    {"MacroInvocation", "MacroInvocationId",
+     kPlace + std::vector<Column>{{"MacroId", true, &Fact::subject, kMacro},
+                                  {"ppLineNum", true, &Fact::ppLine},
+                                  {"ppStartColNum", true, &Fact::ppColumn},
+                                  {"ppEndColNum", false, &Fact::ppEnd}}},
+    {"MacroInvocationCodeOrigin", "rowid",
+     kPlace + std::vector<Column>{{"MacroInvocationId", false, &Fact::subject, kMacroInvocation},
+                                  {"OffsetColumnInInvocation", false, &Fact::offset},
+                                  {"EndOffsetColumnInInvocation", false, &Fact::endOffset},
+                                  {"IsParameter", false, &Fact::parameter},
+                                  {"TokenString", false, &Fact::text}}},
+    {"MacroExpansion", "rowid",
+     kPlace + std::vector<Column>{{"PpLineNum", false, &Fact::ppLine},
+                                  {"PpColNum", false, &Fact::ppColumn},
+                                  {"ExpandedCode", false, &Fact::text},
+                                  {"MacroCall", false, &Fact::call}}},
+    {"Type", "TypeId",
+     kDeclaration + kCount +
+         std::vector<Column>{{"Kind", true, &Fact::kind},
+                             {"Unnamed", false, &Fact::unnamed},
+                             {"Local", false, &Fact::local},
+                             {"Incomplete", false, &Fact::incomplete},
+                             {"RefTagCount", false, &Fact::tagCount}}},
+    {"TypeReference",
+     "rowid",
+     {{"DeclaredType", true, &Fact::subject, kType},
+      {"ReferencedType", false, &Fact::object, kType}}},
+    {"Variable", "VariableId",
+     kLinked + std::vector<Column>{{"TypeId", false, &Fact::subject, kType}}},
+    {"Function", "FunctionId",
+     kLinked + std::vector<Column>{{"SourceNameId", false, &Fact::subject, kIdentifier},
+                                   {"isSpecial", false, &Fact::special},
+                                   {"Effect", false, &Fact::effect}}},
+    {"ExternalIdentifier", "ExternalIdentifierId",
+     kName + std::vector<Column>{{"Kind", true, &Fact::kind},
+                                 {"EntityId", true, &Fact::subject, kEntity}}},
     {"Field", "FieldId", kDeclaration + kCount},
     {"EnumConstant", "EnumConstantId", kDeclaration},
     {"Label", "LabelId", kDeclaration},
-    {"CallPoint", "CallPointId", {
-        {"FileId", true, &Fact::file, kFile}, {"LineNum", true, &Fact::line}, {"ColNum", true, &Fact::column},
-        {"CallerId", true, &Fact::subject, kFunction}, {"CalleeId", false, &Fact::object, kFunction}, {"IsValueUsed", false, &Fact::used}}},
+    {"CallPoint",
+     "CallPointId",
+     {{"FileId", true, &Fact::file, kFile},
+      {"LineNum", true, &Fact::line},
+      {"ColNum", true, &Fact::column},
+      {"CallerId", true, &Fact::subject, kFunction},
+      {"CalleeId", false, &Fact::object, kFunction},
+      {"IsValueUsed", false, &Fact::used}}},
 };
-// clang-format on
 
 }  // namespace
 

@@ -37,6 +37,20 @@ void rewrite(T& element, FrontendDatabase& db) {
   if constexpr (isCounted && !hasOnlyKeys) db.update(element);
 }
 
+/// A dirty element without a count takes the id of the row that it finds and leaves the row as it
+/// is. It stays dirty, and a further save must not write what the first one did not.
+template <class T>
+bool leavesItsRowAlone(const T& element) {
+  if constexpr (std::is_same_v<T, Type>) {
+    if (element.getRefTagCount() != 0) return false;
+  }
+  if constexpr (std::is_base_of_v<NamedElement, T>) {
+    return element.getId() != 0 && element.getRefCount() == 0;
+  } else {
+    return false;
+  }
+}
+
 }  // namespace
 
 /// The container of each class that has one.
@@ -61,7 +75,10 @@ auto& CompilationData::elementsOf() {
 
 template <class T>
 void CompilationData::saveTable(FrontendDatabase& db) {
-  eachElement(elementsOf<T>(), [&db](T& element) { element.saveToDB(db); });
+  const bool isRepeated = savedRows != nullptr && db.getKind() == DatabaseKind::Compilation;
+  eachElement(elementsOf<T>(), [&db, isRepeated](T& element) {
+    if (!isRepeated || !leavesItsRowAlone(element)) element.saveToDB(db);
+  });
 }
 
 void CompilationData::saveFilesToDB(FrontendDatabase& db) { saveTable<File>(db); }
