@@ -1,9 +1,8 @@
 # Sourced by scripts/test: rules that hold over the sources and that no compiler checks.
 # shellcheck shell=bash
 
-# The recorder's snapshots are written by hand: their annotations stand under columns of the code.
 own_sources() {
-  find include src tools tests benchmarks examples -path tests/record/snapshots -prune -o \
+  find include src tools tests benchmarks examples \
     \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \) -print0 | sort -z
 }
 
