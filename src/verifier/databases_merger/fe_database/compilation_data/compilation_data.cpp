@@ -1,8 +1,8 @@
 #include "fe_db/compilation_data.h"
 
 #include "fe_database/compilation_data/containers.h"
-#include "fe_database/compilation_data/macro_groups.h"
 #include "fe_database/compilation_data/saved_rows.h"
+#include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_database.h"
 
 namespace orvalesca::databases_merger {

@@ -1,5 +1,5 @@
 #include "fe_database/compilation_data/containers.h"
-#include "fe_database/compilation_data/macro_groups.h"
+#include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 
 /// The emplace operations: is this a first sight or a second one, and what does a second one do?

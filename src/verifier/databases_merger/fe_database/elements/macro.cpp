@@ -1,6 +1,6 @@
 #include "fe_db/macro.h"
 
-#include "fe_database/compilation_data/macro_groups.h"
+#include "fe_database/elements/macro_groups.h"
 
 namespace orvalesca::databases_merger {
 

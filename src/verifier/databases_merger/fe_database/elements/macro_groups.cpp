@@ -1,4 +1,4 @@
-#include "fe_database/compilation_data/macro_groups.h"
+#include "fe_database/elements/macro_groups.h"
 
 namespace orvalesca::databases_merger {
 
