@@ -36,7 +36,7 @@ void fail(const std::string& what) {
 }
 
 std::string newFile(const char* name) {
-  const std::string path = (std::filesystem::temp_directory_path() / name).string();
+  std::string path = (std::filesystem::temp_directory_path() / name).string();
   std::filesystem::remove(path);
   fe_db_tools::createCompilationDatabase(path, fe_db_tools::KeyIndexes::no);
   return path;
