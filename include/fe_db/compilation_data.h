@@ -252,6 +252,8 @@ class CompilationData {
   template <class T>
   void saveTable(FrontendDatabase& db);
   template <class T>
+  void saveTableAndRemember(FrontendDatabase& db, SavedRows& saved);
+  template <class T>
   auto& elementsOf();
 
   FE_DB_EXPORT static std::unique_ptr<CompilationData> compilationDataset;

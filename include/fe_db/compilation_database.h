@@ -96,6 +96,8 @@ class FrontendDatabase : public persistence::Database {
   bool isInIdCache(long long id) const;
   void clearIdCaches();
 
+  /// Rows inserted, updated and deleted on this connection so far.
+  int countChanges() const;
   /// How often get has answered null for a row that cannot become an element.
   unsigned long getLeftOutReferences() const { return leftOutReferences; }
   template <class T>

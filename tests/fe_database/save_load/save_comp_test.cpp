@@ -118,6 +118,33 @@ TEST_F(SaveToCompDb, RepeatedUnchanged_ChangesNothing) {
   }
 }
 
+TEST_F(SaveToCompDb, Repeated_LeavesTheRowsThatTheFirstSaveLeft) {
+  fill();
+  ASSERT_TRUE(saveToCompDb());
+  openAgain();
+  // The same macro without a reference, with another text, and undefined: dirty, nothing to add.
+  File* a = &data->emplaceFile("a.c", {}, {});
+  Macro& macro = data->emplaceMacro("M", {a, 10, 9}, true, 0);
+  macro.setText("another");
+  macro.setValue(std::uint64_t{9});
+  Identifier* m = data->getIdentifier("M");
+  data->emplaceMacro(m, {a, 10, 9}, {}, /*isDefined=*/false, true, 0, "", true, false, false,
+                     false);
+  ASSERT_TRUE(data->getMacro(m)->dirty);
+  ASSERT_TRUE(saveToCompDb());
+  const std::string macros = "SELECT MacroId, RefCount, Text FROM Macro ORDER BY MacroId";
+  const std::string before = rows(macros);
+  EXPECT_THAT(before, testing::HasSubstr("|5|7u\n"));
+  EXPECT_TRUE(saveToCompDb());
+  EXPECT_EQ(rows(macros), before);
+  data->resetIds(db());
+  EXPECT_TRUE(saveToCompDb());
+  EXPECT_EQ(rows(macros), before);
+  data->emplaceMacro("M", {a, 10, 9}, true, 3);
+  EXPECT_TRUE(saveToCompDb());
+  EXPECT_THAT(rows(macros), testing::HasSubstr("|8|another\n"));
+}
+
 TEST_F(SaveToCompDb, Repeated_FoldsInRowsOfOthersOnce) {
   fill();
   ASSERT_TRUE(saveToCompDb());

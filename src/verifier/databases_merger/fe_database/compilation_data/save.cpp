@@ -37,20 +37,6 @@ void rewrite(T& element, FrontendDatabase& db) {
   if constexpr (isCounted && !hasOnlyKeys) db.update(element);
 }
 
-/// A dirty element without a count takes the id of the row that it finds and leaves the row as it
-/// is. It stays dirty, and a further save must not write what the first one did not.
-template <class T>
-bool leavesItsRowAlone(const T& element) {
-  if constexpr (std::is_same_v<T, Type>) {
-    if (element.getRefTagCount() != 0) return false;
-  }
-  if constexpr (std::is_base_of_v<NamedElement, T>) {
-    return element.getId() != 0 && element.getRefCount() == 0;
-  } else {
-    return false;
-  }
-}
-
 }  // namespace
 
 /// The container of each class that has one.
@@ -75,10 +61,7 @@ auto& CompilationData::elementsOf() {
 
 template <class T>
 void CompilationData::saveTable(FrontendDatabase& db) {
-  const bool isRepeated = savedRows != nullptr && db.getKind() == DatabaseKind::Compilation;
-  eachElement(elementsOf<T>(), [&db, isRepeated](T& element) {
-    if (!isRepeated || !leavesItsRowAlone(element)) element.saveToDB(db);
-  });
+  eachElement(elementsOf<T>(), [&db](T& element) { element.saveToDB(db); });
 }
 
 void CompilationData::saveFilesToDB(FrontendDatabase& db) { saveTable<File>(db); }
@@ -94,19 +77,35 @@ bool CompilationData::saveToCompDB() {
   } else {
     foldUnknownRows();
   }
-  const auto save = [this, db]<class T>() {
-    saveTable<T>(*db);
-    if (savedRows == nullptr) return;
-    for (T* element : savedRows->returned<T>()) rewrite(*element, *db);
-  };
+  auto saved = std::make_unique<SavedRows>();
+  const auto save = [&]<class T>() { saveTableAndRemember<T>(*db, *saved); };
   PropagatedElements::each(save);
   if (dataNeededForDbLink) CompilationOnlyElements::each(save);
   if (!db->commitTransaction()) return false;
-  savedRows = std::make_unique<SavedRows>();
-  SavedElements::each([this]<class T>() {
-    eachElement(elementsOf<T>(), [this](T& element) { savedRows->remember(element); });
+  SavedElements::each([&]<class T>() {
+    eachElement(elementsOf<T>(), [&](T& element) { saved->remember(element); });
   });
+  savedRows = std::move(saved);
   return true;
+}
+
+template <class T>
+void CompilationData::saveTableAndRemember(FrontendDatabase& db, SavedRows& saved) {
+  eachElement(elementsOf<T>(), [&](T& element) {
+    if (savedRows != nullptr && savedRows->leavesRowAlone(element)) {
+      saved.leaveRowAlone(element);
+      return;
+    }
+    const bool looksForItsRow = element.dirty && element.getId() == 0;
+    const int changesBefore = looksForItsRow ? db.countChanges() : 0;
+    element.saveToDB(db);
+    const bool isFound = looksForItsRow && element.getId() != 0;
+    if (isFound && db.countChanges() == changesBefore) saved.leaveRowAlone(element);
+  });
+  if (savedRows == nullptr) return;
+  for (T* element : savedRows->returned<T>()) {
+    if (!savedRows->leavesRowAlone(*element)) rewrite(*element, db);
+  }
 }
 
 template <class T>

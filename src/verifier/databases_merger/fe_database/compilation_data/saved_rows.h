@@ -1,5 +1,7 @@
 #pragma once
 
+#include <boost/unordered_map.hpp>
+#include <cstdint>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -30,6 +32,27 @@ class SavedRows {
     }
   }
 
+  /// The element has found its row and left it as it is: it had nothing to add. It may be dirty all
+  /// the same, and stays so; a further save must not write then what this one did not.
+  template <class T>
+  void leaveRowAlone(const T& element) {
+    if constexpr (std::is_base_of_v<NamedElement, T>) {
+      of<T>().leftAlone[&element] = element.getRefCount();
+    }
+  }
+
+  /// As long as the element has counted nothing since.
+  template <class T>
+  bool leavesRowAlone(const T& element) const {
+    if constexpr (std::is_base_of_v<NamedElement, T>) {
+      const auto& leftAlone = std::get<Rows<T>>(all).leftAlone;
+      const auto found = leftAlone.find(&element);
+      return found != leftAlone.end() && found->second == element.getRefCount();
+    } else {
+      return false;
+    }
+  }
+
   /// The elements that giveBack has given an id.
   template <class T>
   const std::vector<T*>& returned() const {
@@ -41,6 +64,7 @@ class SavedRows {
   struct Rows {
     std::vector<std::pair<T*, long long>> rows;
     std::vector<T*> returned;
+    boost::unordered_map<const T*, std::uint32_t> leftAlone;  ///< and the count that it had
   };
   template <class... T>
   using RowsTuple = std::tuple<Rows<T>...>;

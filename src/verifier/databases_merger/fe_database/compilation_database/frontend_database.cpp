@@ -170,6 +170,8 @@ void FrontendDatabase::truncate() {
   statement.reset(connection);
 }
 
+int FrontendDatabase::countChanges() const { return sqlite3_total_changes(connection); }
+
 // --- Finding a row by its key.
 
 template <class T>
