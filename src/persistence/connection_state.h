@@ -33,7 +33,7 @@ struct ConnectionState {
     inTransaction = true;
     transactionFailed = refusalReported = false;
   }
-  void end() { inTransaction = transactionFailed = false; }
+  void end() { inTransaction = transactionFailed = refusalReported = false; }
 
  private:
   static void onRollback(void* state) {

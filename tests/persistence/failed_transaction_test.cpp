@@ -62,12 +62,15 @@ TEST_P(FailedTransaction, NothingMoreIsWrittenOneLineSaysSoAndCommitAnswersFalse
   EXPECT_EQ(lineCount(report), 1) << report;
   EXPECT_THAT(report, HasSubstr(db.getPath()));
   EXPECT_EQ(dump(db.getPath()), before);
-  // The next one writes again.
+  // Behind it failures are reported again, and the next one writes.
   ASSERT_TRUE(db.execute("PRAGMA max_page_count=1000"));
-  ASSERT_TRUE(db.beginTransaction());
   db.add(6);
+  db.add(6);
+  EXPECT_THAT(takeReports(), HasSubstr("UNIQUE constraint failed: T.A"));
+  ASSERT_TRUE(db.beginTransaction());
+  db.add(7);
   EXPECT_TRUE(db.commitTransaction());
-  EXPECT_EQ(rows(db.getPath(), "SELECT A FROM T"), "6\n");
+  EXPECT_EQ(rows(db.getPath(), "SELECT A FROM T"), "6\n7\n");
 }
 
 TEST_P(FailedTransaction, CommitRightAfterTheFailure_AnswersFalse) {

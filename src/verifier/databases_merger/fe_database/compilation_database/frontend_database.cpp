@@ -128,7 +128,9 @@ long long FrontendDatabase::addOrTakeRow(T& element) {
     return element.getId();
   }
   const std::string reason = sqlite3_errmsg(connection);
-  if (sqlite3_extended_errcode(connection) == SQLITE_CONSTRAINT_UNIQUE) {
+  // The connection's code is that of its last call, and a statement that was not run made none.
+  if (statement.result() == SQLITE_CONSTRAINT &&
+      sqlite3_extended_errcode(connection) == SQLITE_CONSTRAINT_UNIQUE) {
     T row = element;
     element.setId(getId(row));
     if (element.getId() != 0) {
