@@ -75,7 +75,8 @@ class FrontendDatabase : public persistence::Database {
   /// Cursor over all rows with the key of `row`.
   long long getId(bool& first, Type& row);
   /// The element of a row, in the dataset: read and emplaced unless it is there. Null for 0 and for
-  /// a row that cannot become an element.
+  /// a row that cannot become an element. An id without a row gives an empty element, or null where
+  /// databases are merged.
   template <class T>
   T* get(long long id);
   /// Fills the element from the row of its id, past the dataset.
@@ -98,11 +99,18 @@ class FrontendDatabase : public persistence::Database {
 
   /// Rows inserted, updated and deleted on this connection so far.
   int countChanges() const;
+  /// Rows that listALL has given and that add has inserted, all tables together.
+  unsigned long long countRowsListed() const { return rowsListed; }
+  unsigned long long countRowsAdded() const { return rowsAdded; }
   /// How often get has answered null for a row that cannot become an element.
   unsigned long getLeftOutReferences() const { return leftOutReferences; }
   template <class T>
   void noteLeftOutRow() {
     persistence::Database::noteLeftOutRow(tableName<T>());
+  }
+  template <class T>
+  void noteLostReference() {
+    persistence::Database::noteLostReference(tableName<T>());
   }
   template <class T>
   const char* tableName() const;
@@ -129,6 +137,8 @@ class FrontendDatabase : public persistence::Database {
   CompilationData* dataset;
   std::unique_ptr<Tables> tables;
   unsigned long leftOutReferences = 0;
+  unsigned long long rowsListed = 0;
+  unsigned long long rowsAdded = 0;
 };
 
 /// All facts of a translation unit, or of many. The file has to be there, with its tables: the

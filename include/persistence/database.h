@@ -80,23 +80,33 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   const Failure& lastFailure() const { return failure; }
   /// Rows that were read and could not become elements, per table.
   const std::map<std::string, std::size_t>& leftOutRows() const { return leftOut; }
+  /// Rows that became elements without a reference of theirs, because it leads to a row that is not
+  /// there or was left out; per table.
+  const std::map<std::string, std::size_t>& lostReferences() const { return withoutReference; }
 
   const std::string& getPath() const { return path; }
 
  protected:
   /// True when connected; otherwise reports that the operation was called without a connection.
   bool isConnectedFor(const char* operation);
-  /// SQLite has rolled back the open transaction; nothing runs until it is ended.
+  /// SQLite has rolled back the open transaction, or failTransaction() was called; nothing runs
+  /// until it is ended.
   bool hasTransactionFailed() const;
+  /// The open transaction will not be committed.
+  void failTransaction();
   void noteFailedRead(std::string_view table, std::string_view reason);
   void noteFailedWrite(std::string_view table, std::string_view reason);
   void noteLeftOutRow(const std::string& table) { ++leftOut[table]; }
+  void noteLostReference(const std::string& table) { ++withoutReference[table]; }
 
   /// Null while not connected.
   sqlite3* connection = nullptr;
   /// A file without tables is an error. When false, connecting may create the file, and nothing
   /// is prepared while it has no table.
   bool mustExist = true;
+  /// The tables are rewritten as a whole: a refused row fails the transaction, and nothing is
+  /// committed once a read has failed.
+  bool allOrNothing = false;
 
  private:
   bool open(bool readOnly);
@@ -106,6 +116,7 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   bool hasPages();
   bool takeQueueLock(std::chrono::steady_clock::time_point deadline);
   bool begin(const char* sql);
+  void rememberFailure(std::string_view table, std::string_view reason);
 
   std::string path;
   std::string queueName;
@@ -116,6 +127,7 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   bool readFailed = false;
   Failure failure;
   std::map<std::string, std::size_t> leftOut;
+  std::map<std::string, std::size_t> withoutReference;
 };
 
 }  // namespace persistence

@@ -12,7 +12,8 @@ struct ConnectionState {
   std::string path;
   bool inTransaction = false;
   /// SQLite has rolled the transaction back by itself (disk full, I/O error, no memory): what
-  /// follows would run in autocommit mode, statement by statement, so nothing may.
+  /// follows would run in autocommit mode, statement by statement, so nothing may. Or the owner has
+  /// given it up: nothing of it is to be committed.
   bool transactionFailed = false;
   bool refusalReported = false;
 

@@ -183,6 +183,7 @@ bool Database::begin(const char* sql) {
 
 bool Database::commitTransaction() {
   if (!isConnectedFor("commitTransaction")) return false;
+  if (allOrNothing && readFailed) failTransaction();
   if (state->transactionFailed) {
     state->refuses();
     rollbackTransaction();
@@ -215,6 +216,8 @@ bool Database::rollbackTransaction() {
 
 bool Database::hasTransactionFailed() const { return state->transactionFailed; }
 
+void Database::failTransaction() { state->transactionFailed = state->inTransaction; }
+
 // --- Statements of the owner.
 
 long long Database::lastInsertRowID() {
@@ -236,10 +239,15 @@ bool Database::execute(const std::string& sql) {
 
 void Database::noteFailedRead(std::string_view table, std::string_view reason) {
   readFailed = true;
-  noteFailedWrite(table, reason);
+  rememberFailure(table, reason);
 }
 
 void Database::noteFailedWrite(std::string_view table, std::string_view reason) {
+  if (allOrNothing) failTransaction();
+  rememberFailure(table, reason);
+}
+
+void Database::rememberFailure(std::string_view table, std::string_view reason) {
   if (failure.reason.empty()) failure = {std::string(table), std::string(reason)};
 }
 

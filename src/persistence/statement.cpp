@@ -8,8 +8,7 @@ namespace persistence {
 bool ConnectionState::refuses() {
   if (!transactionFailed) return false;
   if (!refusalReported) {
-    reportMessage("%s: SQLite has rolled the transaction back; nothing more is written in it",
-                  path.c_str());
+    reportMessage("%s: the transaction has failed; nothing more is written in it", path.c_str());
     refusalReported = true;
   }
   return true;

@@ -5,7 +5,7 @@
 #include <map>
 
 #include "fe_db_fixture.h"
-#include "key_indexes.h"
+#include "search_indexes.h"
 
 namespace fe_db_tests {
 namespace {
@@ -125,7 +125,7 @@ struct KeyIndexPlans : Init {
 
 TEST_F(KeyIndexPlans, KeyLookup_UsesAllColumnsOfItsIndexByEquality) {
   const RawConnection indexed(path("indexed.db"));
-  for (const fe_db_tools::KeyIndex& index : fe_db_tools::kKeyIndexes) {
+  for (const fe_db_tools::SearchIndex& index : fe_db_tools::kKeyIndexes) {
     const auto select = selects.find(std::string(index.table) + " get_id");
     ASSERT_NE(select, selects.end()) << index.table;
     const std::string terms =

@@ -8,8 +8,8 @@
 #include <stdexcept>
 
 #include "fe_db/schema.h"
-#include "key_indexes.h"
 #include "new_file.h"
+#include "search_indexes.h"
 
 namespace fe_db_tools {
 namespace {
@@ -60,13 +60,15 @@ class SchemaBuilder {
     if (sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
   }
 
-  void commitAndWriteTo(const std::string& path) {
+  /// Calls write(bytes).
+  template <class Write>
+  void commitAndWrite(Write&& write) {
     run("COMMIT");
     sqlite3_int64 size = 0;
     const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> image(
         sqlite3_serialize(connection_.get(), "main", &size, 0), sqlite3_free);
     if (!image) throw std::bad_alloc();
-    writeNewFile(path, {image.get(), static_cast<std::size_t>(size)});
+    write(std::span<const unsigned char>(image.get(), static_cast<std::size_t>(size)));
   }
 
  private:
@@ -78,22 +80,31 @@ class SchemaBuilder {
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection_{nullptr, sqlite3_close};
 };
 
-}  // namespace
-
-void createCompilationDatabase(const std::string& path, KeyIndexes indexes) {
+template <class Write>
+void buildCompilationDatabase(KeyIndexes indexes, Write&& write) {
   SchemaBuilder builder;
   for (const char* table : kCompilationTables) builder.run(table);
   if (indexes == KeyIndexes::yes) {
-    for (const KeyIndex& index : kKeyIndexes) builder.run(index.sql);
+    for (const SearchIndex& index : kKeyIndexes) builder.run(index.sql);
   }
   builder.run("PRAGMA user_version=1");
-  builder.commitAndWriteTo(path);
+  builder.commitAndWrite(write);
+}
+
+}  // namespace
+
+void createCompilationDatabase(const std::string& path, KeyIndexes indexes) {
+  buildCompilationDatabase(indexes, [&](auto bytes) { writeNewFile(path, bytes); });
+}
+
+void writeCompilationDatabase(const NewFile& file, KeyIndexes indexes) {
+  buildCompilationDatabase(indexes, [&](auto bytes) { file.write(bytes); });
 }
 
 void createPreprocessingDatabase(const std::string& path) {
   SchemaBuilder builder;
   for (const char* sql : schema::kPreprocessingIndexesAndViews) builder.run(sql);
-  builder.commitAndWriteTo(path);
+  builder.commitAndWrite([&](auto bytes) { writeNewFile(path, bytes); });
 }
 
 }  // namespace fe_db_tools

@@ -4,6 +4,8 @@
 
 namespace fe_db_tools {
 
+class NewFile;
+
 /// Whether a new file gets the indexes that key look-ups use: worth their cost in a file that many
 /// processes save into, not in one that is written once.
 enum class KeyIndexes { no, yes };
@@ -13,7 +15,10 @@ enum class KeyIndexes { no, yes };
 /// the file cannot be written.
 void createCompilationDatabase(const std::string& path, KeyIndexes indexes);
 
-/// The same for a preprocessing database.
+/// Writes an empty compilation database into a file that does not have its name yet.
+void writeCompilationDatabase(const NewFile& file, KeyIndexes indexes);
+
+/// The same for a preprocessing database, made at once.
 void createPreprocessingDatabase(const std::string& path);
 
 }  // namespace fe_db_tools

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 
 namespace fe_db_tools {
@@ -20,72 +21,80 @@ namespace {
   throw std::runtime_error(path + ": cannot create it: " + std::strerror(error));
 }
 
-/// The file under its temporary name, locked for this process. The name goes away with the object.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(std::string path) : path_(std::move(path)) {
-    while (!openAndLock()) {
-    }
-  }
-  ~TemporaryFile() {
-    if (present_) unlink(path_.c_str());
-    close(descriptor_);
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
+bool isSameFile(int descriptor, const std::string& path) {
+  struct stat opened {
+  }, named{};
+  return fstat(descriptor, &opened) == 0 && stat(path.c_str(), &named) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
 
-  void write(std::span<const unsigned char> bytes) const {
-    if (ftruncate(descriptor_, 0) != 0) fail(path_, errno);
-    while (!bytes.empty()) {
-      const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-      if (written < 0 && errno != EINTR) fail(path_, errno);
-      if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-    if (fsync(descriptor_) != 0) fail(path_, errno);
-  }
-
-  void renameTo(const std::string& path) {
-    if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
-      present_ = false;
-      return;
-    }
-    // Some file systems cannot rename without replacing; a hard link does not replace either.
-    if (errno != EINVAL && errno != ENOSYS) fail(path, errno);
-    if (link(path_.c_str(), path.c_str()) != 0) fail(path, errno);
-  }
-
- private:
-  /// False when another run renamed or removed the file while this one waited for its lock.
-  bool openAndLock() {
-    constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
-    descriptor_ = open(path_.c_str(), kFlags, 0666);
-    if (descriptor_ < 0) fail(path_, errno);
-    struct stat opened {
-    }, named{};
-    const bool locked = flock(descriptor_, LOCK_EX) == 0;
-    const int error = errno;
-    if (locked && fstat(descriptor_, &opened) == 0 && stat(path_.c_str(), &named) == 0 &&
-        opened.st_dev == named.st_dev && opened.st_ino == named.st_ino) {
-      return true;
-    }
-    close(descriptor_);
-    if (!locked && error != EINTR) fail(path_, error);
-    return false;
-  }
-
-  std::string path_;
-  int descriptor_ = -1;
-  bool present_ = true;
-};
+/// So that a power failure cannot take the new name away again. Best effort: the content is safe.
+void syncDirectoryOf(const std::string& path) {
+  const std::string directory = std::filesystem::absolute(path).parent_path();
+  const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  fsync(descriptor);
+  close(descriptor);
+}
 
 }  // namespace
 
-void writeNewFile(const std::string& path, std::span<const unsigned char> bytes) {
+NewFile::NewFile(std::string path) : path_(std::move(path)), temporary_(path_ + ".new") {
+  while (!openAndLock()) {
+  }
+  // SQLite would take the journal of a killed run for one of the new file.
+  unlink((temporary_ + "-journal").c_str());
+}
+
+NewFile::~NewFile() {
+  if (!published_) unlink(temporary_.c_str());
+  close(descriptor_);
+}
+
+/// False when another run renamed or removed the file while this one waited for its lock.
+bool NewFile::openAndLock() {
+  constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
+  descriptor_ = open(temporary_.c_str(), kFlags, 0666);
+  if (descriptor_ < 0) fail(temporary_, errno);
+  const bool locked = flock(descriptor_, LOCK_EX) == 0;
+  const int error = errno;
+  if (locked && isSameFile(descriptor_, temporary_)) return true;
+  close(descriptor_);
+  if (!locked && error != EINTR) fail(temporary_, error);
+  return false;
+}
+
+void NewFile::write(std::span<const unsigned char> bytes) const {
+  if (ftruncate(descriptor_, 0) != 0) fail(temporary_, errno);
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+    if (written < 0 && errno != EINTR) fail(temporary_, errno);
+    if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
+  }
+}
+
+void NewFile::publish() {
+  if (fsync(descriptor_) != 0) fail(temporary_, errno);
+  if (renameat2(AT_FDCWD, temporary_.c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE) == 0) {
+    published_ = true;
+  } else {
+    // Some file systems cannot rename without replacing; a hard link does not replace either.
+    if (errno != EINVAL && errno != ENOSYS) fail(path_, errno);
+    if (link(temporary_.c_str(), path_.c_str()) != 0) fail(path_, errno);
+  }
+  syncDirectoryOf(path_);
+}
+
+bool isTaken(const std::string& path) {
   struct stat existing {};
-  if (lstat(path.c_str(), &existing) == 0) fail(path, EEXIST);
-  TemporaryFile file(path + ".new");
+  return lstat(path.c_str(), &existing) == 0;
+}
+
+void writeNewFile(const std::string& path, std::span<const unsigned char> bytes) {
+  if (isTaken(path)) fail(path, EEXIST);
+  NewFile file(path);
   file.write(bytes);
-  file.renameTo(path);
+  file.publish();
 }
 
 }  // namespace fe_db_tools

@@ -5,9 +5,38 @@
 
 namespace fe_db_tools {
 
-/// Writes a file that was not there before, whole or not at all: the bytes go to `path` + ".new",
-/// which is renamed once they are on the disk. What a killed run left under that name is
-/// overwritten, and two runs at once take turns. Throws std::runtime_error with path and reason.
+/// A file that is built under a temporary name, `path` + ".new", and gets its own in the end: under
+/// its own name it is whole or not there. The temporary name goes away with the object; what a
+/// killed run has left under it is overwritten. Failures are std::runtime_error with path and
+/// reason.
+class NewFile {
+ public:
+  /// Waits while another run builds the same file: check afterwards whether it is there now.
+  explicit NewFile(std::string path);
+  ~NewFile();
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  const std::string& temporaryPath() const { return temporary_; }
+  /// The whole content.
+  void write(std::span<const unsigned char> bytes) const;
+  /// Fails when something has got the name meanwhile. REQUIRES: nobody has the file open for
+  /// writing.
+  void publish();
+
+ private:
+  bool openAndLock();
+
+  std::string path_;
+  std::string temporary_;
+  int descriptor_ = -1;
+  bool published_ = false;
+};
+
+/// Something has the name, a dangling symbolic link included.
+bool isTaken(const std::string& path);
+
+/// Writes a file that was not there before.
 void writeNewFile(const std::string& path, std::span<const unsigned char> bytes);
 
 }  // namespace fe_db_tools

@@ -23,7 +23,8 @@ void addWaitOption(CLI::App& command, int& waitSeconds) {
 namespace {
 
 int run(int argc, char** argv) {
-  CLI::App program("Makes, shows and compares the database files of a code base's facts.", "fe_db");
+  CLI::App program("Makes, shows, compares and merges the database files of a code base's facts.",
+                   "fe_db");
   program.require_subcommand(1);
   program.footer(
       "`fe_db SUBCOMMAND --help` tells more.\n"
@@ -36,6 +37,7 @@ int run(int argc, char** argv) {
   addStats(program, action);
   addDump(program, action);
   addDiff(program, action);
+  addMerge(program, action);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

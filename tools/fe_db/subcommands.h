@@ -20,6 +20,7 @@ void addInit(CLI::App& program, Action& action);
 void addStats(CLI::App& program, Action& action);
 void addDump(CLI::App& program, Action& action);
 void addDiff(CLI::App& program, Action& action);
+void addMerge(CLI::App& program, Action& action);
 
 // Options that several subcommands have, by one name and in one wording.
 void addTableOption(CLI::App& command, std::string& table);

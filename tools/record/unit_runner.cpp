@@ -73,7 +73,7 @@ class Runner {
       : units(units), options(options), bar(units.size()) {}
 
   RunSummary run(std::size_t jobs) {
-    bar.show(0, 0);
+    bar.show(0);
     for (std::size_t next = 0; next < units.size() || !children.empty();) {
       if (next < units.size() && children.size() < jobs) {
         start(units[next++]);
@@ -112,7 +112,9 @@ class Runner {
     passOn(child->second.messages);
     if (WIFSIGNALED(status)) reportKilled(*child->second.unit, WTERMSIG(status));
     children.erase(child);
-    bar.show(summary.recorded + summary.failed, summary.failed);
+    const std::string failed =
+        summary.failed == 0 ? "" : std::to_string(summary.failed) + " failed";
+    bar.show(summary.recorded + summary.failed, failed);
   }
 
   void reportKilled(const Unit& unit, int signal) {

@@ -5,7 +5,6 @@
 #include "fe_database/compilation_database/stored_rows.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
-#include "persistence/sqlite_report.h"
 
 namespace orvalesca::databases_merger {
 
@@ -16,15 +15,14 @@ void CompilationData::loadTable(FrontendDatabase& db, const std::function<bool(T
   if (T::isLoaded) return;
   T row;
   bool first = true;
-  std::size_t leftOut = 0;
-  long long firstLeftOut = 0;
+  RowTally leftOut;
   for (;;) {
     const unsigned long leftOutReferences = db.getLeftOutReferences();
     const long long id = db.listALL(first, row);
     if (id == 0) break;
     if (filter && !filter(row)) continue;
     if (!canBecomeElement(row, db.getLeftOutReferences() != leftOutReferences)) {
-      if (leftOut++ == 0) firstLeftOut = id;
+      leftOut.note(id);
       db.noteLeftOutRow<T>();
       db.enterInIdCache<T>(id, nullptr);
       continue;
@@ -34,11 +32,7 @@ void CompilationData::loadTable(FrontendDatabase& db, const std::function<bool(T
       db.enterInIdCache(id, element);
     }
   }
-  if (leftOut != 0) {
-    persistence::reportMessage(
-        "%s: table %s: %zu rows left out, the first with id %lld: what they refer to is missing",
-        db.getPath().c_str(), db.tableName<T>(), leftOut, firstLeftOut);
-  }
+  leftOut.report<T>(db, "left out, as what they refer to is missing");
   T::isLoaded = true;
 }
 

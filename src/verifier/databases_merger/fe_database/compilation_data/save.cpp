@@ -1,8 +1,7 @@
-#include "fe_database/compilation_data/containers.h"
+#include "fe_database/compilation_data/elements_of.h"
 #include "fe_database/compilation_data/load_table.h"
 #include "fe_database/compilation_data/saved_rows.h"
 #include "fe_database/compilation_database/rollback_guard.h"
-#include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
 #include "persistence/debug.h"
@@ -18,16 +17,6 @@ namespace {
 using PropagatedElements = TypeList<File, Identifier, Macro>;
 using SavedElements = decltype(concatenate(PropagatedElements{}, CompilationOnlyElements{}));
 
-/// Calls visit(element) for each element; macros of a name come in their group's order.
-template <class Set, class Visit>
-void eachElement(Set& elements, Visit&& visit) {
-  if constexpr (std::is_same_v<Set, MacroSet>) {
-    MacroGroups::each(elements, visit);
-  } else {
-    for (auto& element : elements) visit(mutableElement(element));
-  }
-}
-
 /// Writes an element into a row that it had at an earlier save. Classes that are not here have no
 /// column that a further sight could change.
 template <class T>
@@ -38,26 +27,6 @@ void rewrite(T& element, FrontendDatabase& db) {
 }
 
 }  // namespace
-
-/// The container of each class that has one.
-template <class T>
-auto& CompilationData::elementsOf() {
-  if constexpr (std::is_same_v<T, File>) return files;
-  if constexpr (std::is_same_v<T, Identifier>) return identifiers;
-  if constexpr (std::is_same_v<T, Macro>) return macros;
-  if constexpr (std::is_same_v<T, MacroInvocation>) return macroInvocations;
-  if constexpr (std::is_same_v<T, MacroInvocationCodeOrigin>) return macroInvocationCodeOrigins;
-  if constexpr (std::is_same_v<T, MacroExpansion>) return macroExpansions;
-  if constexpr (std::is_same_v<T, Type>) return types;
-  if constexpr (std::is_same_v<T, TypeReference>) return typeReferences;
-  if constexpr (std::is_same_v<T, Variable>) return variables;
-  if constexpr (std::is_same_v<T, Function>) return functions;
-  if constexpr (std::is_same_v<T, ExternalIdentifier>) return externalIdentifiers;
-  if constexpr (std::is_same_v<T, Field>) return fields;
-  if constexpr (std::is_same_v<T, EnumConstant>) return enumConstants;
-  if constexpr (std::is_same_v<T, Label>) return labels;
-  if constexpr (std::is_same_v<T, CallPoint>) return callPoints;
-}
 
 template <class T>
 void CompilationData::saveTable(FrontendDatabase& db) {

@@ -109,6 +109,7 @@ long long FrontendDatabase::add(T& element) {
   statement.exec(connection);
   if (statement.result() == SQLITE_DONE) {
     element.setId(lastInsertRowID());
+    ++rowsAdded;
   } else {
     // The latest row id is that of some other row: nothing may refer to it by this element.
     noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
@@ -288,7 +289,9 @@ bool FrontendDatabase::readRow(T& element) {
   if (hasRow) {
     statement.column(*this, connection, element);
   } else {
-    reportRead(statement, SQLITE_ROW);
+    // A merge tells once per table how many references lead nowhere.
+    const bool isTold = kind == DatabaseKind::Merge && statement.result() == SQLITE_DONE;
+    if (!isTold) reportRead(statement, SQLITE_ROW);
     readEmptyRow(element);
   }
   statement.reset(connection);
@@ -324,9 +327,11 @@ T* FrontendDatabase::get(long long id) {
   row.setId(id);
   const unsigned long leftOutBefore = leftOutReferences;
   const bool hasRow = readRow(row);
-  // An empty element stands for an id without a row, but a variable cannot be without a file.
-  const bool isElement = hasRow ? canBecomeElement(row, leftOutReferences != leftOutBefore)
-                                : !std::is_same_v<T, Variable>;
+  // An empty element stands for an id without a row. A variable cannot be without a file, and a
+  // merge would write the empty element as a row of its own.
+  const bool isElement = kind == DatabaseKind::Merge ? hasRow && canBeMerged(row)
+                         : hasRow ? canBecomeElement(row, leftOutReferences != leftOutBefore)
+                                  : !std::is_same_v<T, Variable>;
   T* element = isElement ? dataset->emplaceFromDB(row, /*accumulate=*/true) : nullptr;
   if (element != nullptr) {
     element->setId(id);
@@ -375,7 +380,9 @@ template <class T>
 long long FrontendDatabase::listALL(bool& first, T& row) {
   Debug debug(3, "FrontendDatabase::listALL()");
   if (!isReadyToRead<T>("FrontendDatabase::listALL()")) return 0;
-  return nextRow(StatementKind::list_all, first, row);
+  const long long id = nextRow(StatementKind::list_all, first, row);
+  if (id != 0) ++rowsListed;
+  return id;
 }
 
 // --- Row ids of elements.

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <cstddef>
+
+#include "fe_db/compilation_database.h"
 #include "fe_db/elements.h"
+#include "persistence/sqlite_report.h"
 
 /// Which stored rows can become elements. A row may lack what its element cannot do without: files
 /// get damaged, and other programs write them too.
@@ -24,5 +28,39 @@ bool canBecomeElement(const T& row, bool refersToLeftOut) {
     return true;
   }
 }
+
+/// A merge goes by names, positions and entities, so it needs whatever these are made of. A
+/// reference to a row that is not there or was left out has been read as null.
+template <class T>
+bool canBeMerged(const T& row) {
+  if constexpr (std::is_same_v<T, Function>) {
+    if (row.getSourceName() == nullptr) return false;
+  } else if constexpr (std::is_same_v<T, CallPoint>) {
+    return row.getCaller() != nullptr && row.getCallee() != nullptr;
+  } else if constexpr (std::is_same_v<T, ExternalIdentifier>) {
+    const EntityDescription& description = row.getDescription();
+    if (description.hasEntity() && description.entity == nullptr) return false;
+  }
+  return canBecomeElement(row, /*refersToLeftOut=*/false);
+}
+
+/// Rows of one table that share a fate, for one report line about all of them.
+class RowTally {
+ public:
+  void note(long long id) {
+    if (count++ == 0) firstId = id;
+  }
+
+  template <class T>
+  void report(const FrontendDatabase& db, const char* fate) const {
+    if (count == 0) return;
+    persistence::reportMessage("%s: table %s: %lld rows %s, the first with id %lld",
+                               db.getPath().c_str(), db.tableName<T>(), count, fate, firstId);
+  }
+
+ private:
+  long long count = 0;
+  long long firstId = 0;
+};
 
 }  // namespace orvalesca::databases_merger

@@ -16,12 +16,12 @@ ProgressBar::ProgressBar(std::size_t total)
       isTerminal(isatty(STDERR_FILENO) == 1),
       start(std::chrono::steady_clock::now()) {}
 
-void ProgressBar::show(std::size_t done, std::size_t failed) {
+void ProgressBar::show(std::size_t done, const std::string& note) {
   if (!isTerminal || total == 0) return;
   std::string bar(kWidth * done / total, '#');
   bar.resize(kWidth, '.');
   std::string line = "[" + bar + "] " + std::to_string(done) + "/" + std::to_string(total);
-  if (failed != 0) line += ", " + std::to_string(failed) + " failed";
+  if (!note.empty()) line += ", " + note;
   if (done != 0) {
     const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
     const auto left = static_cast<long>(spent.count() / static_cast<double>(done) *

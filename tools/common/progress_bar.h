@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string>
 
 namespace fe_db_tools {
 
@@ -13,7 +14,8 @@ class ProgressBar {
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  void show(std::size_t done, std::size_t failed);
+  /// `note` is what there is to say beside the number.
+  void show(std::size_t done, const std::string& note = {});
   /// Before anything else is printed.
   void clear();
 

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "fe_db/compilation_data.h"
+#include "fe_db/compilation_database.h"
+
+namespace orvalesca::databases_merger {
+
+/// What a merger reads, folds and writes, each table after those that it refers to.
+using MergedElements = TypeList<File, Identifier, Function, CallPoint, EnumConstant, Type, Field,
+                                Label, Macro, TypeReference, Variable, ExternalIdentifier>;
+
+/// The private side of CompilationDataMerger. Its four topics stand in a file each: the connection
+/// and what may be rewritten (lifecycle.cpp), rows to elements (load.cpp), elements of a source to
+/// elements of the target (merge_tables.cpp), elements to rows (write.cpp).
+class mergerImpl {
+ public:
+  explicit mergerImpl(std::string_view path);
+
+  CompilationDatabase& openDB();
+  void closeDB();
+  void beginTransaction();
+  void commitTransaction();
+  void setDebug() { debug = true; }
+  void truncateDataFromDB();
+  void loadDataFromDB();
+  void mergeCompilationTables(mergerImpl& other);
+  void saveToDB();
+
+ private:
+  bool mayRewrite(const char* operation);
+  template <class T>
+  void loadTable();
+  template <class T>
+  void foldTable(mergerImpl& other);
+  template <class T>
+  void writeTable();
+
+  void fold(const File& source);
+  void fold(const Identifier& source);
+  void fold(const Function& source);
+  void fold(const CallPoint& source);
+  void fold(const EnumConstant& source);
+  void fold(const Type& source);
+  void fold(const Field& source);
+  void fold(const Label& source);
+  void fold(const Macro& source);
+  void fold(const TypeReference& source);
+  void fold(const Variable& source);
+  void fold(const ExternalIdentifier& source);
+
+  std::unique_ptr<CompilationData> dataset;
+  CompilationDatabase* database;  ///< owned by the dataset
+  bool debug = false;
+  bool isSpent = false;        ///< it was folded: its elements' ids are no row ids any more
+  bool isHalfDone = false;     ///< a load or a fold is under way, or has ended with an exception
+  bool isWithoutLock = false;  ///< the latest begin failed: others may write the file
+  bool isRefusalTold = false;
+};
+
+}  // namespace orvalesca::databases_merger

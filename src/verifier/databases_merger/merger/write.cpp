@@ -1,0 +1,43 @@
+#include <iostream>
+
+#include "fe_database/compilation_data/elements_of.h"
+#include "merger/merger_impl.h"
+
+namespace orvalesca::databases_merger {
+
+namespace {
+
+/// What setDebug() prints in front of the number of a table's rows.
+// clang-format off
+template <class T> constexpr const char* kLabel = nullptr;
+template <> constexpr const char* kLabel<File>               = "File:";
+template <> constexpr const char* kLabel<Identifier>         = "Identifiers:";
+template <> constexpr const char* kLabel<Function>           = "Functions:";
+template <> constexpr const char* kLabel<CallPoint>          = "CallPoints:";
+template <> constexpr const char* kLabel<EnumConstant>       = "EnumConstants:";
+template <> constexpr const char* kLabel<Type>               = "Type:";
+template <> constexpr const char* kLabel<Field>              = "Fields:";
+template <> constexpr const char* kLabel<Label>              = "Labels:";
+template <> constexpr const char* kLabel<Macro>              = "Macros:";
+template <> constexpr const char* kLabel<TypeReference>      = "TypeReferences:";
+template <> constexpr const char* kLabel<Variable>           = "Variables:";
+template <> constexpr const char* kLabel<ExternalIdentifier> = "ExternalIdentifier:";
+// clang-format on
+
+}  // namespace
+
+/// Whatever id an element has, it becomes a new row: the tables are empty, and the elements that it
+/// refers to have got their new ids before it.
+template <class T>
+void mergerImpl::writeTable() {
+  auto& elements = dataset->elementsOf<T>();
+  if (debug) std::cout << kLabel<T> << elements.size() << '\n';
+  eachElement(elements, [this](T& element) { database->add(element); });
+}
+
+void mergerImpl::saveToDB() {
+  if (!mayRewrite("saveToDB")) return;
+  MergedElements::each([this]<class T>() { writeTable<T>(); });
+}
+
+}  // namespace orvalesca::databases_merger

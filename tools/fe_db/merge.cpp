@@ -1,0 +1,152 @@
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <thread>
+
+#include "merge_sources.h"
+#include "merge_target.h"
+#include "output.h"
+#include "progress_bar.h"
+#include "source_reader.h"
+#include "subcommands.h"
+
+namespace fe_db_tools {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct MergeOptions {
+  std::string target;
+  std::vector<std::string> sources;
+  std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
+  bool index = true;
+  bool keepGoing = false;
+  bool strict = false;
+  bool debug = false;
+  int waitSeconds = kDefaultWaitSeconds;
+};
+
+struct Folded {
+  std::size_t sources = 0;
+  std::size_t failed = 0;
+  unsigned long long facts = 0;
+  bool isComplete = true;
+};
+
+double secondsSince(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+std::string progressNote(const Folded& folded, Clock::time_point start) {
+  std::string note = std::to_string(folded.facts) + " facts";
+  const double seconds = secondsSince(start);
+  if (seconds > 0) {
+    note += ", " + std::to_string(static_cast<long>(static_cast<double>(folded.facts) / seconds)) +
+            " per second";
+  }
+  return note;
+}
+
+/// Stops at the first source that fails, unless told to keep going.
+Folded foldSources(const MergeOptions& options, const std::vector<std::string>& paths,
+                   MergeTarget& target, Clock::time_point start) {
+  Folded folded;
+  ProgressBar bar(paths.size());
+  bar.show(0);
+  SourceReader reader(paths, options.jobs, options.waitSeconds);
+  while (std::optional<Source> source = reader.next()) {
+    if (source->failure.empty()) {
+      target.merger().mergeCompilationTables(*source->merger);
+      source->merger.reset();
+      ++folded.sources;
+      folded.facts += source->facts;
+      folded.isComplete = folded.isComplete && source->isComplete;
+    } else {
+      bar.clear();
+      std::cerr << "fe_db: " << source->failure << '\n';
+      ++folded.failed;
+      if (!options.keepGoing) break;
+    }
+    bar.show(folded.sources + folded.failed, progressNote(folded, start));
+  }
+  return folded;
+}
+
+void printSummary(const MergeOptions& options, const Folded& folded, const MergeTarget& target,
+                  double seconds) {
+  struct rusage usage {};
+  getrusage(RUSAGE_SELF, &usage);
+  std::ostringstream line;
+  line << options.target << ": " << folded.sources << " sources merged, " << folded.facts
+       << " facts read, ";
+  if (!target.isNew()) line << target.factsBefore() << " facts before, ";
+  line << target.factsStored() << " facts stored, " << std::fixed << std::setprecision(2) << seconds
+       << " s, " << std::setprecision(1) << static_cast<double>(usage.ru_maxrss) / 1024
+       << " MiB peak memory\n";
+  print(line.str());
+}
+
+int merge(const MergeOptions& options) {
+  const Clock::time_point start = Clock::now();
+  const std::vector<std::string> paths = expandSources(options.sources);
+  if (paths.empty()) {
+    std::cerr << "fe_db: merge: no sources are given; name at least one, see fe_db merge --help\n";
+    return kWrongUsage;
+  }
+  if (const std::string same = findSameFile(options.target, paths); !same.empty()) {
+    std::cerr << "fe_db: merge: " << same << "; give each file once\n";
+    return kWrongUsage;
+  }
+  MergeTarget target(options.target, options.waitSeconds);
+  if (options.debug) target.merger().setDebug();
+  const Folded folded = foldSources(options, paths, target, start);
+  if (folded.sources == 0 || (folded.failed != 0 && !options.keepGoing)) {
+    std::cerr << "fe_db: " << options.target << ": nothing was written"
+              << (options.keepGoing ? "" : "; --keep-going merges the other sources") << '\n';
+    return kFailed;
+  }
+  target.write(options.index);
+  printSummary(options, folded, target, secondsSince(start));
+  if (folded.failed != 0) {
+    std::cerr << "fe_db: " << options.target << ": " << folded.failed << " sources were left out\n";
+  }
+  return folded.failed != 0 || (options.strict && !folded.isComplete) ? kFailed : kDone;
+}
+
+}  // namespace
+
+void addMerge(CLI::App& program, Action& action) {
+  auto options = std::make_shared<MergeOptions>();
+  CLI::App* command =
+      program.add_subcommand("merge", "Fold compilation databases into one, each fact once");
+  command->footer(
+      "SOURCE is a file, @LISTFILE for a file that lists one path a line, or - for a list on\n"
+      "standard input. Sources are folded in the order given; where two disagree, what is there\n"
+      "first stays, and counts add up. TARGET is made when it is not there; otherwise what it "
+      "holds\n"
+      "comes first. Whatever goes wrong, TARGET then holds the whole merge or is what it was.");
+  command->add_option("TARGET", options->target, "The file to fold into")->required();
+  command->add_option("SOURCE", options->sources, "The files to fold, or lists of them")
+      ->required();
+  command->add_option("-j,--jobs", options->jobs, "How many sources to read ahead, in parallel")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  command->add_flag(
+      "--index,!--no-index", options->index,
+      "Make the search indexes on the merged file, or leave them out (default: make)");
+  command->add_flag("--keep-going", options->keepGoing,
+                    "Leave out sources that cannot be read; the exit code is 1 all the same");
+  command->add_flag("--strict", options->strict,
+                    "Exit with 1 when rows or references of a source had to be left out");
+  command->add_flag("--debug", options->debug, "Print the number of rows of each table");
+  addWaitOption(*command, options->waitSeconds);
+  command->callback([options, &action] { action = [options] { return merge(*options); }; });
+}
+
+}  // namespace fe_db_tools

@@ -1,0 +1,110 @@
+#include "merge_target.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <stdexcept>
+
+#include "compilation_schema.h"
+#include "merge_input.h"
+#include "search_indexes.h"
+
+namespace fe_db_tools {
+namespace {
+
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+/// What a signal that ends the program takes along. Only a file under its temporary name: a target
+/// that was there is brought back by SQLite, from its journal, when it is opened next.
+char removedOnSignal[2][4096];
+
+void removeAndEnd(int signal) {
+  for (const char* path : removedOnSignal) unlink(path);
+  raise(signal);
+}
+
+void removeOnSignal(const std::string& path) {
+  const std::string names[] = {path, path + "-journal"};
+  for (int i = 0; i < 2; ++i) {
+    std::strncpy(removedOnSignal[i], names[i].c_str(), sizeof removedOnSignal[i] - 1);
+  }
+  struct sigaction action {};
+  action.sa_handler = removeAndEnd;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);  // the second one ends the program
+  for (const int signal : kEndingSignals) {
+    struct sigaction before {};
+    sigaction(signal, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
+  }
+}
+
+void leaveSignalsAlone() {
+  for (const int signal : kEndingSignals) {
+    struct sigaction current {};
+    sigaction(signal, nullptr, &current);
+    if (current.sa_handler == removeAndEnd) ::signal(signal, SIG_DFL);
+  }
+}
+
+}  // namespace
+
+MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(path)) {
+  if (!isTaken(path_)) {
+    newFile_.emplace(path_);
+    // Another run may have made the file while this one waited for the temporary name.
+    if (isTaken(path_)) newFile_.reset();
+  }
+  if (isNew()) {
+    removeOnSignal(newFile_->temporaryPath());
+    writeCompilationDatabase(*newFile_, KeyIndexes::no);
+  } else {
+    checkMergeInput(path_, waitSeconds);
+  }
+  merger_.emplace(isNew() ? newFile_->temporaryPath() : path_);
+  db_ = &openMergeInput(*merger_, path_, waitSeconds);
+  // Before the load: what somebody saved between the two would be lost.
+  if (!db_->beginTransaction()) {
+    throw std::runtime_error(path_ +
+                             ": cannot be locked for writing; see that it may be written and that "
+                             "no other program writes it, or raise --wait");
+  }
+  loadMergeInput(*merger_, *db_, path_);
+  factsBefore_ = db_->countRowsListed();
+  refuseLoss();
+}
+
+MergeTarget::~MergeTarget() {
+  merger_.reset();  // SQLite's own removal of the journal comes first
+  newFile_.reset();
+  leaveSignalsAlone();
+}
+
+void MergeTarget::refuseLoss() const {
+  if (db_->leftOutRows().empty()) return;
+  std::string tables;
+  for (const auto& [table, rows] : db_->leftOutRows()) {
+    if (!tables.empty()) tables += ", ";
+    tables += table + ' ' + std::to_string(rows);
+  }
+  throw std::runtime_error(path_ + ": it has rows that cannot be merged and would be lost (" +
+                           tables + "); remove them, or merge into a new file");
+}
+
+void MergeTarget::write(bool withIndexes) {
+  eachSearchIndex([this](const SearchIndex& index) {
+    db_->execute("DROP INDEX IF EXISTS " + std::string(index.name));
+  });
+  merger_->truncateDataFromDB();
+  merger_->saveToDB();
+  if (withIndexes) {
+    eachSearchIndex([this](const SearchIndex& index) { db_->execute(index.sql); });
+  }
+  if (!db_->commitTransaction()) {
+    throw std::runtime_error(path_ + ": nothing was written: " + failureOf(*db_));
+  }
+  merger_->closeDB();
+  if (isNew()) newFile_->publish();
+}
+
+}  // namespace fe_db_tools

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "fe_db/compilation_data_merger.h"
+#include "fe_db/compilation_database.h"
+#include "new_file.h"
+
+namespace fe_db_tools {
+
+/// The file that sources are folded into. One that is there stays locked against other writers for
+/// the life of this object, and is rewritten in one transaction. A new one is built under a
+/// temporary name. Either way the file is what it was until write() has come back.
+class MergeTarget {
+ public:
+  /// Reads the whole file if it is there. Throws std::runtime_error when it cannot be read or
+  /// locked, or has rows that the rewriting would lose.
+  MergeTarget(std::string path, int waitSeconds);
+  ~MergeTarget();
+
+  orvalesca::databases_merger::CompilationDataMerger& merger() { return *merger_; }
+  bool isNew() const { return newFile_.has_value(); }
+
+  /// Search indexes are dropped first, as they would slow the writing, and made in the end if
+  /// `withIndexes`. Throws std::runtime_error; nothing was written then.
+  void write(bool withIndexes);
+
+  /// Rows that the file had before, and has after write().
+  unsigned long long factsBefore() const { return factsBefore_; }
+  unsigned long long factsStored() const { return db_->countRowsAdded(); }
+
+ private:
+  void refuseLoss() const;
+
+  std::string path_;
+  std::optional<NewFile> newFile_;
+  std::optional<orvalesca::databases_merger::CompilationDataMerger> merger_;
+  orvalesca::databases_merger::CompilationDatabase* db_ = nullptr;
+  unsigned long long factsBefore_ = 0;
+};
+
+}  // namespace fe_db_tools

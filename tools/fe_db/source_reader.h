@@ -1,0 +1,40 @@
+#pragma once
+
+#include <deque>
+#include <future>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fe_db/compilation_data_merger.h"
+
+namespace fe_db_tools {
+
+/// A file to be merged, read whole; or why it could not be.
+struct Source {
+  std::string failure;  ///< for the user, with the path; empty when every row was read
+  std::unique_ptr<orvalesca::databases_merger::CompilationDataMerger> merger = nullptr;
+  unsigned long long facts = 0;
+  bool isComplete = true;  ///< no row and no reference had to be left out
+};
+
+/// Reads sources in their order, as many ahead of the one asked for as there are jobs, each in a
+/// thread of its own. One job: no thread, each is read when it is asked for.
+class SourceReader {
+ public:
+  SourceReader(std::vector<std::string> paths, std::size_t jobs, int waitSeconds)
+      : paths_(std::move(paths)), jobs_(jobs), waitSeconds_(waitSeconds) {}
+
+  /// Nothing behind the last.
+  std::optional<Source> next();
+
+ private:
+  std::vector<std::string> paths_;
+  std::size_t jobs_;
+  int waitSeconds_;
+  std::size_t started_ = 0;
+  std::deque<std::future<Source>> ahead_;
+};
+
+}  // namespace fe_db_tools
