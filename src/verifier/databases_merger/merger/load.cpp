@@ -20,14 +20,14 @@ void mergerImpl::loadTable() {
       database->enterInIdCache<T>(id, nullptr);
       continue;
     }
-    if (database->getLeftOutReferences() != lostBefore) {
-      withoutReference.note(id);
-      database->noteLostReference<T>();
-    }
     T* element = dataset->emplaceFromDB(row, /*accumulate=*/false);
     if (element == nullptr) {
       nameless.note(id);
       continue;
+    }
+    if (database->getLeftOutReferences() != lostBefore) {
+      withoutReference.note(id);
+      database->noteLostReference<T>();
     }
     element->setId(id);
     database->enterInIdCache(id, element);

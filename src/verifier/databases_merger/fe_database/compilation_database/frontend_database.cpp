@@ -107,7 +107,11 @@ long long FrontendDatabase::add(T& element) {
   TableStatement<T>& statement = tables->statement<T>(StatementKind::add);
   statement.bind(*this, connection, element);
   statement.exec(connection);
-  if (statement.result() == SQLITE_DONE) {
+  if (statement.result() == SQLITE_DONE && sqlite3_changes(connection) == 0) {
+    constexpr char kDropped[] = "a trigger has dropped a row";
+    noteFailedWrite(tableName<T>(), kDropped);
+    persistence::reportMessage("%s: table %s: %s", getPath().c_str(), tableName<T>(), kDropped);
+  } else if (statement.result() == SQLITE_DONE) {
     element.setId(lastInsertRowID());
     ++rowsAdded;
   } else {

@@ -1,0 +1,131 @@
+#include <stdexcept>
+#include <thread>
+
+#include "fe_db/compilation_data.h"
+#include "merge_fixture.h"
+
+namespace fe_db_tests {
+namespace {
+
+// clang-format off
+/// A row in every merged table.
+constexpr char kRows[] =
+    "INSERT INTO File VALUES (5,'a.h',1,2,0); INSERT INTO Identifier VALUES (5,'x',3,4);"
+    "INSERT INTO Function VALUES (5,5,5,5,1,1,1,0,2,1,9); INSERT INTO Label VALUES (5,5,5,6,6);"
+    "INSERT INTO CallPoint VALUES (5,5,2,2,1,5,5); INSERT INTO EnumConstant VALUES (5,5,5,3,3);"
+    "INSERT INTO Type VALUES (5,5,0,1,0,5,4,4,4,1,2); INSERT INTO TypeReference VALUES (5,5);"
+    "INSERT INTO Macro VALUES (5,5,5,7,7,1,5,0,1,0,0,0,''); INSERT INTO Field VALUES (5,5,5,5,5,1);"
+    "INSERT INTO Variable VALUES (5,5,5,8,8,5,1,1,1);"
+    "INSERT INTO ExternalIdentifier VALUES (5,5,1,5)";
+
+struct Case {
+  const char* rule;
+  const char* sql;
+};
+struct Merger : MergeTest, testing::WithParamInterface<Case> {
+  const std::string target = file("target.db", kRows), source = file("source.db", kRows);
+};
+struct UnreadableSource : Merger {};
+
+TEST_P(UnreadableSource, IsNotFoldedAndItsTargetNotRewritten) {
+  GetParam().sql != nullptr ? execute(source, GetParam().sql)
+                            : std::filesystem::resize_file(source, 10 * 32'768);
+  const std::string before = dump(target);
+  Loaded merger(target, /*isTarget=*/true), damaged(source);
+  EXPECT_TRUE(damaged.db.hasFailed() && !damaged.db.lastFailure().reason.empty());
+  takeReports();
+  merger.mergeCompilationTables(damaged);
+  EXPECT_THAT(takeReports(), testing::HasSubstr(source));
+  EXPECT_FALSE(rewrite(merger));
+  EXPECT_THAT(takeReports(), testing::HasSubstr(target));
+  merger.beginTransaction();
+  merger.db.execute("DELETE FROM Label");
+  merger.commitTransaction();
+  EXPECT_NE(takeReports(), "");
+  EXPECT_EQ(dump(target), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, UnreadableSource, testing::Values(
+    Case{"Truncated", nullptr}, Case{"TableMissing", "DROP TABLE Label"},
+    Case{"ColumnMissing", "ALTER TABLE Type DROP COLUMN RefTagCount"},
+    Case{"RowIdZero", "UPDATE Field SET FieldId=0"},
+    Case{"DamagedPage", "PRAGMA writable_schema=ON; UPDATE sqlite_schema SET rootpage=(SELECT "
+         "rootpage FROM sqlite_schema WHERE tbl_name='File' AND type='index') WHERE name='Label'"}),
+    kRuleName);
+
+struct RefusedRow : Merger {};
+
+TEST_P(RefusedRow, FailsTheTransaction) {
+  execute(target, GetParam().sql);
+  execute(source, "UPDATE File SET Path='b.h'");
+  const std::string before = dump(target);
+  EXPECT_FALSE(merge(target, {source}));
+  EXPECT_NE(takeReports(), "");
+  EXPECT_EQ(dump(target), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, RefusedRow, testing::Values(
+    Case{"UniqueIndex", "CREATE UNIQUE INDEX Own ON Label (DeclLineNum)"},
+    Case{"Rollback", "CREATE TRIGGER T AFTER INSERT ON File BEGIN SELECT RAISE(ROLLBACK,''); END"},
+    Case{"Ignored", "CREATE TRIGGER T BEFORE INSERT ON Label BEGIN SELECT RAISE(IGNORE); END"},
+    Case{"NoIdLeft", "UPDATE sqlite_sequence SET seq=9223372036854775807"}), kRuleName);
+
+// clang-format on
+
+TEST_F(Merger, MergedIntoItselfOrTwice_IsReportedAndDoesNothing) {
+  Loaded merger(target, /*isTarget=*/true), other(source);
+  merger.mergeCompilationTables(other);
+  merger.mergeCompilationTables(other);
+  merger.mergeCompilationTables(merger);
+  EXPECT_EQ(lineCount(takeReports()), 2);
+  EXPECT_TRUE(rewrite(merger));
+  EXPECT_EQ(rows(target, "SELECT Count FROM Identifier; SELECT RefCount FROM Field"), "9\n2\n");
+}
+
+TEST_F(Merger, NewIdsAreAboveAllEverGiven_AndMacroUsesStay) {
+  execute(target,
+          "UPDATE sqlite_sequence SET seq=1000; INSERT INTO MacroInvocation (MacroId) VALUES (5);"
+          "INSERT INTO MacroInvocationCodeOrigin (FileId) VALUES (5);"
+          "INSERT INTO MacroExpansion (FileId) VALUES (5)");
+  execute(source, "UPDATE Macro SET MacroId=9000, DeclLineNum=1");
+  EXPECT_TRUE(merge(target, {source}));
+  EXPECT_EQ(rows(target,
+                 "SELECT sum(MacroId) FROM Macro; SELECT F.FileId, IdentifierId, U.MacroId, "
+                 "O.FileId, E.FileId FROM File F, Identifier, MacroInvocation U, "
+                 "MacroInvocationCodeOrigin O, MacroExpansion E"),
+            "2003\n1001|1001|5|5|5\n");
+}
+
+TEST_F(Merger, Debug_PrintsTheSizesInTheOrderOfWriting) {
+  Loaded merger(target, /*isTarget=*/true);
+  merger.setDebug();
+  testing::internal::CaptureStdout();
+  EXPECT_TRUE(rewrite(merger));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "File:1\nIdentifiers:1\nFunctions:1\nCallPoints:1\nEnumConstants:1\nType:1\nFields:1\n"
+            "Labels:1\nMacros:1\nTypeReferences:1\nVariables:1\nExternalIdentifier:1\n");
+}
+
+TEST_F(Merger, TablesThatTheProcessHasLoaded_AreReadAgainInEachThread) {
+  const auto data = orvalesca::databases_merger::CompilationData::newInstance(source, "");
+  data->setDataNeededForDbLink();
+  EXPECT_TRUE(data->getCompDb().quick_connect(/*readOnly=*/true));
+  EXPECT_TRUE(data->loadFromDB(/*fromCompDb=*/true));
+  std::optional<Loaded> first;
+  std::thread other([&] { first.emplace(source); });
+  const Loaded second(source);
+  other.join();
+  Loaded merger(target, /*isTarget=*/true);
+  merger.mergeCompilationTables(*first);
+  merger.mergeCompilationTables(second);
+  EXPECT_TRUE(rewrite(merger));
+  EXPECT_EQ(rows(target, "SELECT RefCount FROM Type; SELECT RefCount FROM Macro"), "3\n3\n");
+}
+
+TEST_F(Merger, NeverOpened_IsDestroyedSilently) {
+  CompilationDataMerger merger(path("none.db"));
+  EXPECT_THROW(CompilationDataMerger(""), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace fe_db_tests
