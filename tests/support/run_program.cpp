@@ -52,7 +52,8 @@ std::vector<std::string> environmentWith(const RunOptions& options) {
   if (!options.standardOutput.empty()) {
     output = open(options.standardOutput.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
   }
-  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+  const bool hasInput = !options.standardInput.empty();
+  dup2(open(hasInput ? options.standardInput.c_str() : "/dev/null", O_RDONLY), STDIN_FILENO);
   dup2(output, STDOUT_FILENO);
   dup2(errors, STDERR_FILENO);
   if (options.directory.empty() || chdir(options.directory.c_str()) == 0) {

@@ -14,12 +14,13 @@ struct ProgramResult {
 };
 
 struct RunOptions {
+  std::string standardInput = {};   ///< a file to read from, nothing without one
   std::string standardOutput = {};  ///< a file to write to, `output` stays empty then
   std::string directory = {};       ///< to run in
   std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to this process's
 };
 
-/// Runs a program to its end, with nothing on its standard input.
+/// Runs a program to its end.
 ProgramResult runProgram(const std::vector<std::string>& command, const RunOptions& options = {});
 
 }  // namespace fe_db_tests

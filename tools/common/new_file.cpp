@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
+#include <thread>
 
 namespace fe_db_tools {
 namespace {
@@ -39,27 +40,40 @@ void syncDirectoryOf(const std::string& path) {
 
 }  // namespace
 
-NewFile::NewFile(std::string path) : path_(std::move(path)), temporary_(path_ + ".new") {
-  while (!openAndLock()) {
+NewFile::NewFile(std::string path, int waitSeconds)
+    : path_(std::move(path)), temporary_(path_ + ".new") {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(waitSeconds);
+  while (!openAndLock(deadline)) {
   }
   // SQLite would take the journal of a killed run for one of the new file.
   unlink((temporary_ + "-journal").c_str());
 }
 
 NewFile::~NewFile() {
-  if (!published_) unlink(temporary_.c_str());
+  if (!published_) {
+    unlink(temporary_.c_str());
+    unlink((temporary_ + "-journal").c_str());
+  }
   close(descriptor_);
 }
 
 /// False when another run renamed or removed the file while this one waited for its lock.
-bool NewFile::openAndLock() {
+bool NewFile::openAndLock(std::chrono::steady_clock::time_point deadline) {
   constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
   descriptor_ = open(temporary_.c_str(), kFlags, 0666);
   if (descriptor_ < 0) fail(temporary_, errno);
-  const bool locked = flock(descriptor_, LOCK_EX) == 0;
+  bool locked = flock(descriptor_, LOCK_EX | LOCK_NB) == 0;
+  while (!locked && errno == EWOULDBLOCK && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    locked = flock(descriptor_, LOCK_EX | LOCK_NB) == 0;
+  }
   const int error = errno;
   if (locked && isSameFile(descriptor_, temporary_)) return true;
   close(descriptor_);
+  if (!locked && error == EWOULDBLOCK) {
+    throw std::runtime_error(path_ +
+                             ": another program is making it; try again when it has finished");
+  }
   if (!locked && error != EINTR) fail(temporary_, error);
   return false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <span>
 #include <string>
 
@@ -11,8 +12,11 @@ namespace fe_db_tools {
 /// reason.
 class NewFile {
  public:
-  /// Waits while another run builds the same file: check afterwards whether it is there now.
-  explicit NewFile(std::string path);
+  static constexpr int kPatient = 1'000'000;
+
+  /// Waits while another run builds the same file, up to so many seconds: check afterwards whether
+  /// it is there now.
+  explicit NewFile(std::string path, int waitSeconds = kPatient);
   ~NewFile();
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
@@ -25,7 +29,7 @@ class NewFile {
   void publish();
 
  private:
-  bool openAndLock();
+  bool openAndLock(std::chrono::steady_clock::time_point deadline);
 
   std::string path_;
   std::string temporary_;

@@ -78,12 +78,16 @@ Folded foldSources(const MergeOptions& options, const std::vector<std::string>& 
   return folded;
 }
 
+std::string sourceCount(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " source" : " sources");
+}
+
 void printSummary(const MergeOptions& options, const Folded& folded, const MergeTarget& target,
                   double seconds) {
   struct rusage usage {};
   getrusage(RUSAGE_SELF, &usage);
   std::ostringstream line;
-  line << options.target << ": " << folded.sources << " sources merged, " << folded.facts
+  line << options.target << ": " << sourceCount(folded.sources) << " merged, " << folded.facts
        << " facts read, ";
   if (!target.isNew()) line << target.factsBefore() << " facts before, ";
   line << target.factsStored() << " facts stored, " << std::fixed << std::setprecision(2) << seconds
@@ -114,7 +118,7 @@ int merge(const MergeOptions& options) {
   target.write(options.index);
   printSummary(options, folded, target, secondsSince(start));
   if (folded.failed != 0) {
-    std::cerr << "fe_db: " << options.target << ": " << folded.failed << " sources were left out\n";
+    std::cerr << "fe_db: " << options.target << ": " << sourceCount(folded.failed) << " left out\n";
   }
   return folded.failed != 0 || (options.strict && !folded.isComplete) ? kFailed : kDone;
 }
@@ -135,7 +139,7 @@ void addMerge(CLI::App& program, Action& action) {
   command->add_option("SOURCE", options->sources, "The files to fold, or lists of them")
       ->required();
   command->add_option("-j,--jobs", options->jobs, "How many sources to read ahead, in parallel")
-      ->check(CLI::PositiveNumber)
+      ->check(CLI::Range(1, 1024))
       ->capture_default_str();
   command->add_flag(
       "--index,!--no-index", options->index,

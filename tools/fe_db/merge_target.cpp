@@ -8,6 +8,7 @@
 
 #include "compilation_schema.h"
 #include "merge_input.h"
+#include "read_only_file.h"
 #include "search_indexes.h"
 
 namespace fe_db_tools {
@@ -47,11 +48,21 @@ void leaveSignalsAlone() {
   }
 }
 
+/// After a failure in the middle of a write SQLite leaves pages of it in the file, and the journal
+/// beside it, until somebody reads the file. Where that does not work now, the next program does
+/// it.
+void takeBackHalfDoneWrite(const std::string& path) {
+  try {
+    const ReadOnlyFile file(path, /*waitSeconds=*/0);
+  } catch (const std::runtime_error&) {
+  }
+}
+
 }  // namespace
 
 MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(path)) {
   if (!isTaken(path_)) {
-    newFile_.emplace(path_);
+    newFile_.emplace(path_, waitSeconds);
     // Another run may have made the file while this one waited for the temporary name.
     if (isTaken(path_)) newFile_.reset();
   }
@@ -101,7 +112,10 @@ void MergeTarget::write(bool withIndexes) {
     eachSearchIndex([this](const SearchIndex& index) { db_->execute(index.sql); });
   }
   if (!db_->commitTransaction()) {
-    throw std::runtime_error(path_ + ": nothing was written: " + failureOf(*db_));
+    const std::string failure = failureOf(*db_);
+    merger_->closeDB();
+    if (!isNew()) takeBackHalfDoneWrite(path_);
+    throw std::runtime_error(path_ + ": nothing was written: " + failure);
   }
   merger_->closeDB();
   if (isNew()) newFile_->publish();

@@ -1,0 +1,229 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "fe_db_fixture.h"
+
+namespace fe_db_tests {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+/// Runs in the test's directory, so that file names are short.
+struct Merge : FeDbProgram {
+  /// A file of its own, a name that all share, and a header whose kind tells which unit was first.
+  void unit(const std::string& name, int kind = 1) const {
+    const std::string files = "('" + name + ".c', 2), ('h.h', " + std::to_string(kind) + ")";
+    compilationFile(path(name), "INSERT INTO File (Path, Kind) VALUES " + files +
+                                    "; INSERT INTO Identifier (Name, Count) VALUES ('shared', 1)");
+  }
+  ProgramResult merge(std::vector<std::string> words, const std::string& input = "") const {
+    words.insert(words.begin(), "merge");
+    return feDb(words, {.standardInput = input, .directory = path(".")});
+  }
+  std::string merged(const std::vector<std::string>& words, const std::string& input = "") const {
+    const ProgramResult result = merge(words, input);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.errors, "");
+    return result.output;
+  }
+  void expectFailure(const std::vector<std::string>& words, const std::string& message) const {
+    const ProgramResult result = merge(words);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.errors, ContainsRegex("fe_db: " + message));
+  }
+  std::string dumpOf(const std::string& name) const { return outputOf({"dump", path(name)}); }
+  std::string indexes(const std::string& name) const {
+    return rows(path(name),
+                "SELECT name FROM sqlite_schema WHERE sql LIKE 'CREATE INDEX%' ORDER BY 1");
+  }
+  std::string files(const std::string& name) const {
+    return rows(path(name), "SELECT Path, Kind FROM File ORDER BY 1; SELECT Count FROM Identifier");
+  }
+  std::string bytesOf(const std::string& name) const {
+    std::ostringstream bytes;
+    if (fs::is_regular_file(path(name))) bytes << std::ifstream(path(name)).rdbuf();
+    return bytes.str();
+  }
+  long entries(const std::string& folder) const {
+    return std::distance(fs::directory_iterator(path(folder)), {});
+  }
+};
+
+struct UsageCase {
+  const char* rule;
+  const char* words;
+  const char* message;
+  int exitCode = 2;
+};
+
+struct MergeUsage : Merge, testing::WithParamInterface<UsageCase> {};
+
+TEST_P(MergeUsage, IsRefusedAndNothingIsTouched) {
+  unit("a"), unit("b");
+  fs::create_hard_link(path("a"), path("hard"));
+  fs::create_symlink("a", path("soft"));
+  fileHolding("blank.list", "\n\n");
+  fileHolding("twice.list", "a\n./a\n");
+  const std::string before = bytesOf("a");
+  std::istringstream words(GetParam().words);
+  const ProgramResult result = merge({std::istream_iterator<std::string>(words), {}});
+  EXPECT_EQ(result.exitCode, GetParam().exitCode);
+  EXPECT_THAT(result.errors,
+              MatchesRegex("fe_db: [^\n]*" + std::string(GetParam().message) + "[^\n]*\n"));
+  EXPECT_EQ(bytesOf("a"), before);
+  EXPECT_EQ(entries("."), 6);
+}
+
+constexpr UsageCase kUsageCases[] = {{"NoTarget", "", ""},
+                                     {"NoSource", "t", ""},
+                                     {"ListOfBlankLines", "t @blank.list", ""},
+                                     {"NothingOnStandardInput", "t -", ""},
+                                     {"ListThatIsNotThere", "t @no.list", "no.list: ", 1},
+                                     {"SourceTwice", "t a b a", "a and a "},
+                                     {"SourceTwiceInAList", "t @twice.list", "a and ./a "},
+                                     {"SourceTwiceByAHardLink", "t a hard", "a and hard "},
+                                     {"SourceTwiceByASymbolicLink", "t a soft", "a and soft "},
+                                     {"TargetIsASource", "./a b a", "./a and a "},
+                                     {"TargetIsAHardLinkOfASource", "hard a", "hard and a "},
+                                     {"TargetIsASymbolicLinkToASource", "soft a", "soft and a "}};
+INSTANTIATE_TEST_SUITE_P(Cases, MergeUsage, testing::ValuesIn(kUsageCases), kRuleName);
+
+TEST_F(Merge, TargetThatIsNotThere_IsMadeInTheStoredFormat_ALeftoverIsOverwritten) {
+  fileHolding("t.new", "half a database");
+  unit("a"), merged({"t", "a"});
+  EXPECT_EQ(rows(path("t"), "PRAGMA page_size; PRAGMA user_version"), "32768\n1\n");
+  EXPECT_EQ(entries("."), 2);
+}
+
+TEST_F(Merge, ListsAndNames_AreMergedInTheOrderGiven_WhatTheTargetHoldsFirst) {
+  unit("a b", 5), unit("c", 6), unit("d", 7), unit("t4", 8);
+  const std::string list = fileHolding("list", "\na b\n\n./c");  // no newline at its end
+  merged({"t1", "@list", "d"}), merged({"t2", "-", "d"}, list), merged({"t3", "d", "@list"});
+  merged({"t4", "c"});
+  EXPECT_EQ(files("t1"), "a b.c|2\nc.c|2\nd.c|2\nh.h|5\n3\n");
+  EXPECT_EQ(files("t2"), files("t1"));
+  EXPECT_EQ(files("t3"), "a b.c|2\nc.c|2\nd.c|2\nh.h|7\n3\n");
+  EXPECT_EQ(files("t4"), "c.c|2\nh.h|8\nt4.c|2\n2\n");
+}
+
+TEST_F(Merge, Indexes_AreMadeUnlessForbidden_OthersStay) {
+  unit("a");
+  outputOf({"init", path("with")});  // has some
+  execute(path("with"), "CREATE INDEX A_Own ON File (Kind)");
+  fs::copy_file(path("with"), path("without"));
+  merged({"--index", "with", "a"}), merged({"--no-index", "without", "a"});
+  merged({"new with", "a"}), merged({"--no-index", "new without", "a"});
+  EXPECT_THAT(indexes("new with"), AllOf(HasSubstr("_Key_Index"), HasSubstr("_Identifier_")));
+  EXPECT_EQ(indexes("new without"), "");
+  EXPECT_EQ(indexes("with"), "A_Own\n" + indexes("new with"));
+  EXPECT_EQ(indexes("without"), "A_Own\n");
+  for (const char* name : {"without", "new without"}) EXPECT_EQ(dumpOf(name), dumpOf("new with"));
+}
+
+TEST_F(Merge, Output_IsASummary_BehindTheSizesOfTheTablesOnDemand) {
+  unit("a"), unit("b");
+  const std::string summary = "[^\n]*2 sources[^\n0-9]*6 facts[^\n0-9]*4 [^\n]*\n";
+  EXPECT_THAT(merged({"t", "a", "b"}), MatchesRegex(summary));
+  EXPECT_THAT(merged({"--debug", "t2", "a", "b"}),
+              MatchesRegex("File:3\nIdentifiers:1\nFunctions:0\nCallPoints:0\nEnumConstants:0\n"
+                           "Type:0\nFields:0\nLabels:0\nMacros:0\nTypeReferences:0\nVariables:0\n"
+                           "ExternalIdentifier:0\n" +
+                           summary));
+  EXPECT_THAT(outputOf({"merge", "--help"}), AllOf(HasSubstr("@LIST"), HasSubstr("--jobs")));
+}
+
+TEST_F(Merge, TargetThatAnotherWriterHolds_IsLeftAloneWhenTheWaitIsOver) {
+  unit("a"), unit("t");
+  const std::string before = bytesOf("t");
+  const RawConnection writer(path("t"));
+  writer.rows("BEGIN IMMEDIATE");
+  expectFailure({"--wait", "0", "t", "a"}, "t: [^\n]*locked");
+  EXPECT_TRUE(bytesOf("t") == before);
+}
+
+TEST_F(Merge, RowsLeftOut_AreOneLinePerTable_AndFailAStrictMerge) {
+  const std::string names = "INSERT INTO Identifier (Name) VALUES ('x'), (''); INSERT INTO Label ";
+  compilationFile(path("x"), names +
+                                 "(IdentifierId, DeclFileId) VALUES (1, 7), (1, 8); "
+                                 "INSERT INTO Function (IdentifierId) VALUES (1), (1)");
+  compilationFile(path("unnamed"), names + "(IdentifierId) VALUES (2), (2)");
+  const ProgramResult plain = merge({"t", "x"}), strict = merge({"--strict", "s", "x"});
+  EXPECT_EQ(plain.exitCode, 0);
+  EXPECT_EQ(strict.exitCode, 1);
+  EXPECT_THAT(plain.errors,
+              MatchesRegex(".* x: [^\n]*Function[^\n]*\n[^\n]* x: [^\n]*Label[^\n]*\n"));
+  EXPECT_EQ(strict.errors, plain.errors);
+  EXPECT_EQ(dumpOf("t"), dumpOf("s"));
+  EXPECT_EQ(merge({"--strict", "u", "unnamed"}).exitCode, 0);
+}
+
+using Path = const std::string&;
+
+struct BadCase {
+  const char* rule;
+  void (*spoil)(Path path);  ///< a database with many labels
+  const char* message;
+};
+
+void putZeros(Path path) {
+  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(-3 * 32768, std::ios::end).write(std::string(32768, '\0').data(), 32768);
+}
+
+constexpr BadCase kBadCases[] = {
+    {"Missing", [](Path path) { fs::remove(path); }, ""},
+    {"Directory", [](Path path) { fs::remove(path), fs::create_directory(path); }, ""},
+    {"Pipe", [](Path path) { fs::remove(path), mkfifo(path.c_str(), 0600); }, ""},
+    {"Empty", [](Path path) { fs::resize_file(path, 0); }, ""},
+    {"Text", [](Path path) { std::ofstream(path) << std::string(5000, 'x'); }, ""},
+    {"CutInHalf", [](Path path) { fs::resize_file(path, fs::file_size(path) / 2); }, ""},
+    {"PageOfZeros", putZeros, "Label"},
+    {"NoTable", [](Path path) { execute(path, "DROP TABLE Field"); }, "Field"},
+    {"NoColumn", [](Path path) { execute(path, "ALTER TABLE Type DROP COLUMN Kind"); }, "Type"},
+    {"RowIdZero", [](Path path) { execute(path, "INSERT INTO Type (TypeId) VALUES (0)"); }, "Type"},
+    {"Preprocessing", [](Path path) { fs::remove(path), preprocessingFile(path, ""); },
+     "preprocessing database"},
+    {"Unreadable", [](Path path) { chmod(path.c_str(), 0); }, "Permission denied"}};
+
+struct MergeBadFile : Merge, testing::WithParamInterface<BadCase> {
+  MergeBadFile() {
+    unit("a"), unit("b"), unit("before");
+    for (const char* folder : {"new", "old", "bad"}) fs::create_directory(path(folder));
+    fs::copy_file(path("before"), path("old/t"));
+    compilationFile(path("bad/x"),
+                    "INSERT INTO Identifier (Name) VALUES ('x'); WITH RECURSIVE n(i) AS (SELECT 1 "
+                    "UNION ALL SELECT i + 1 FROM n LIMIT 30000) INSERT INTO Label "
+                    "(IdentifierId, DeclLineNum, DeclColNum) SELECT 1, i, i FROM n");
+    GetParam().spoil(path("bad/x"));
+  }
+  void expectFailure(const std::vector<std::string>& words) const {
+    Merge::expectFailure(words, std::string("bad/x: [^\n]*") + GetParam().message);
+  }
+};
+
+TEST_P(MergeBadFile, AsASource_StopsTheMergeOrIsPassedOver_AsATarget_StaysAsItIs) {
+  if (GetParam().rule == std::string("Unreadable") && geteuid() == 0)
+    GTEST_SKIP() << "root may read it";
+  expectFailure({"new/t", "a", "bad/x", "b"});
+  expectFailure({"old/t", "a", "bad/x", "b"});
+  EXPECT_EQ(entries("new"), 0);
+  EXPECT_EQ(entries("old"), 1);
+  EXPECT_TRUE(bytesOf("old/t") == bytesOf("before"));
+  merged({"good", "a", "b"});
+  expectFailure({"--keep-going", "new/t", "a", "bad/x", "b"});
+  EXPECT_EQ(dumpOf("new/t"), dumpOf("good"));
+  if (!fs::exists(path("bad/x"))) return;
+  const std::string before = bytesOf("bad/x");
+  expectFailure({"--keep-going", "bad/x", "a"});
+  EXPECT_TRUE(bytesOf("bad/x") == before);
+  EXPECT_EQ(entries("bad"), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, MergeBadFile, testing::ValuesIn(kBadCases), kRuleName);
+
+}  // namespace
+}  // namespace fe_db_tests
