@@ -192,6 +192,39 @@ INSTANTIATE_TEST_SUITE_P(
                     Usage{"NoDatabase", {"-o", "out", "-p", "."}, 1}),
     caseName);
 
+TEST_F(RecordProgram, UnitsMerged_HaveEachFactOnce_WhateverTheOrder) {
+  write("shared.h", "enum state { off, on };\nint shared(enum state s);\n");
+  for (const std::string name : {"one.c", "two.c", "three.c"}) {
+    const std::string function = name.substr(0, name.size() - 2);
+    write(name, "#include \"shared.h\"\nint " + function + "(void) { return shared(on); }\n");
+  }
+  writeDatabase({"one.c", "two.c", "three.c"});
+  const ProgramResult recorded = record({"-p", sources().string()});
+  ASSERT_EQ(recorded.errors, "");
+  std::vector<std::string> units;
+  for (const std::string& name : outputs()) {
+    if (name.ends_with(".comp.db")) units.push_back((output() / name).string());
+  }
+  ASSERT_THAT(units, SizeIs(3));
+  std::vector<std::string> command{FE_DB_PROGRAM, "merge", "--jobs=3", path("merged.db")};
+  command.insert(command.end(), units.begin(), units.end());
+  EXPECT_EQ(runProgram(command).errors, "");
+  std::vector<std::string> reversed{FE_DB_PROGRAM, "merge", "--jobs=1", path("reversed.db")};
+  reversed.insert(reversed.end(), units.rbegin(), units.rend());
+  EXPECT_EQ(runProgram(reversed).errors, "");
+  EXPECT_EQ(runProgram({FE_DB_PROGRAM, "diff", path("merged.db"), path("reversed.db")}).output, "");
+  EXPECT_EQ(
+      rows(path("merged.db"),
+           "SELECT Name, count(*) FROM Function JOIN Identifier USING (IdentifierId) GROUP BY "
+           "Name ORDER BY Name"),
+      "one|1\nshared|1\nthree|1\ntwo|1\n");
+  EXPECT_EQ(rows(path("merged.db"),
+                 "SELECT (SELECT count(*) FROM EnumConstant), (SELECT count(*) FROM CallPoint), "
+                 "(SELECT RefCount + RefTagCount FROM Type JOIN Identifier USING (IdentifierId) "
+                 "WHERE Name = 'state')"),
+            "2|3|3\n");
+}
+
 }  // namespace
 
 }  // namespace fe_db_tests
