@@ -7,6 +7,7 @@
 
 #include "fe_db/element_containers.h"
 #include "fe_db/export.h"
+#include "persistence/operation_kind.h"
 
 namespace orvalesca::databases_merger {
 
@@ -214,6 +215,75 @@ class CompilationData {
   FE_DB_EXPORT const EnumConstantSet& getEnumConstants() const;
   FE_DB_EXPORT const LabelSet& getLabels() const;
 
+  // --- Searching the compilation database, one element at a time, without loading its tables.
+  // REQUIRES a connected database.
+  //
+  // Cursor:   the caller owns a bool, sets it to true, and calls until null comes back. The first
+  //           call takes the arguments and sets it to false; later calls go on and take none. After
+  //           the end, false walks through the same answer again, true begins a new search.
+  //           There is one cursor per operation (one per kind for findObjectFromMinLength, one per
+  //           linkage External or not for findVariableFromRefCountAndLinkage); different ones may
+  //           run side by side. Walk to the end: a search that is begun while the last one is open
+  //           is refused by SQLite, which is reported, and the old rows go on.
+  // Answers:  elements of this dataset; a row is read once and stays, so the same row is the same
+  //           pointer. A row that cannot become an element is passed over. Null as well when a step
+  //           failed: ask getCompDb().hasFailed().
+  // Order:    none, but that of lines for findCallPoint and of kinds for external identifiers.
+  // By name:  an identifier stands for its row: by its id, or if it has none by its name; it need
+  //           not be an element of the dataset and is not changed. Null, and a name without a row,
+  //           find nothing.
+  // Cost:     one step per call, and one row read for an element that is not in memory yet.
+
+  FE_DB_EXPORT CallPoint* findCallPoint(bool& first);
+  FE_DB_EXPORT Identifier* findIdentifier(bool& first);
+  FE_DB_EXPORT Macro* findMacro(bool& first);
+
+  FE_DB_EXPORT EnumConstant* findEnumConstantFromIdentifier(Identifier* identifier, bool& first);
+  FE_DB_EXPORT ExternalIdentifier* findExternalIdentifierFromIdentifier(
+      const Identifier* identifier, bool& first);
+  FE_DB_EXPORT Field* findFieldFromIdentifier(Identifier* identifier, bool& first);
+  FE_DB_EXPORT Function* findFunctionFromIdentifier(Identifier* identifier, bool& first);
+  FE_DB_EXPORT Function* findFunctionFromIdentifierAndLinkage(Identifier* identifier,
+                                                              LinkageKind linkage, bool& first);
+  FE_DB_EXPORT Label* findLabelFromIdentifier(Identifier* identifier, bool& first);
+  FE_DB_EXPORT Macro* findMacroFromIdentifier(const Identifier* identifier, bool& first);
+  FE_DB_EXPORT Type* findTypeFromIdentifier(Identifier* identifier, bool& first);
+  /// `kind` is a mask of which any bit suffices; unnamed types are left out.
+  FE_DB_EXPORT Type* findTypeFromIdentifierAndKind(Identifier* identifier, TypeKind kind,
+                                                   bool& first);
+  FE_DB_EXPORT Variable* findVariableFromIdentifier(Identifier* identifier, bool& first);
+  FE_DB_EXPORT Variable* findVariableFromIdentifierAndLinkage(Identifier* identifier,
+                                                              LinkageKind linkage, bool& first);
+  /// No cursor: the first function of the name that is defined and has external linkage, or null.
+  FE_DB_EXPORT Function* findExternalDefinedFunction(Identifier* identifier);
+
+  /// Calls whose value is dropped and whose callee has, by name, a definition without effect; once
+  /// for each such definition.
+  FE_DB_EXPORT CallPoint* findCallPointWithNoEffect(bool& first);
+  FE_DB_EXPORT Field* findFieldFromRefCount(int refCount, bool& first);
+  /// `kind` is a mask of which any bit suffices.
+  FE_DB_EXPORT Identifier* findIdentifierFromKind(IdentifierKind kind, bool& first);
+  /// Names counted at least `count` times, whatever the operation says.
+  FE_DB_EXPORT Identifier* findIdentifierFromKindAndCount(IdentifierKind kind, int count,
+                                                          persistence::OperationKind operation,
+                                                          bool& first);
+  FE_DB_EXPORT Macro* findMacroFromRefCount(int refCount, bool& first);
+  /// Named types; those of kind 0, which the compiler brings along, are left out.
+  FE_DB_EXPORT Type* findTypeFromRefCount(int refCount, bool& first);
+  /// Named types with a tag.
+  FE_DB_EXPORT Type* findTypeFromRefTagCount(int refTagCount, bool& first);
+  /// By the row id that the type holds; a type without one finds nothing.
+  FE_DB_EXPORT TypeReference* findTypeReferenceFromType(Type* declared, bool& first);
+  /// External linkage: all external variables of the names whose counts add up to refCount. Any
+  /// other: the variables with just this count and linkage.
+  FE_DB_EXPORT Variable* findVariableFromRefCountAndLinkage(int refCount, LinkageKind linkage,
+                                                            bool& first);
+  /// Elements of one kind whose name has at least so many characters; of types only named ones.
+  /// `linkage` is set to that of a function or variable found, else to None. A kind that is not one
+  /// single bit, and External, find nothing and leave `first` as it is.
+  FE_DB_EXPORT NamedElement* findObjectFromMinLength(IdentifierKind kind, std::size_t minLength,
+                                                     LinkageKind& linkage, bool& first);
+
   // --- Loading: whole tables, in one transaction; a table is read at most once per process.
   // REQUIRES a connected database. The result tells whether the transaction was committed.
 
@@ -243,6 +313,10 @@ class CompilationData {
   void loadCodeOrigins(FrontendDatabase& db);
   void loadMacroInfoFromDB(FrontendDatabase& db);
   FrontendDatabase* selectDb(bool fromCompDb, const char* operation) const;
+  template <class T, class NextId>
+  T* findNext(const char* operation, NextId&& nextId) const;
+  template <class T>
+  NamedElement* findFromMinLength(std::size_t minLength, LinkageKind& linkage, bool& first);
 
   void foldStoredRows();
   void foldUnknownRows();

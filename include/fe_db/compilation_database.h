@@ -6,10 +6,13 @@
 #include "fe_db/elements.h"
 #include "fe_db/export.h"
 #include "persistence/database.h"
+#include "persistence/statement.h"
 
 namespace orvalesca::databases_merger {
 
 class CompilationData;
+class NamedQueries;
+enum class RawQuery : std::size_t;
 struct Tables;
 template <class T>
 class TableStatement;
@@ -90,6 +93,41 @@ class FrontendDatabase : public persistence::Database {
   template <class T>
   void truncate();
 
+  // --- Named searches: row ids, one per call; cursors as above. A failure reads as the end. They
+  // are compiled when the database is connected, those of macros and identifiers on a preprocessing
+  // database too, none on a merger's. `entity` is 0 for variables and 1 for functions.
+
+  long long listIdentifierIdFromKindAndCount(int identifierKind, unsigned count, int operation,
+                                             bool& first);
+  long long listIdentifierIdFromKind(int identifierKind, bool& first);
+  long long listMacroIdFromIdentifier(const Identifier* identifier, bool& first);
+  long long listMacroIdFromRefCount(unsigned refCount, bool& first);
+  long long listEntityIdFromIdentifier(int entity, Identifier* identifier, bool& first);
+  long long listEntityIdFromIdentifier(int entity, Identifier* identifier, int linkage,
+                                       bool& first);
+  FE_DB_EXPORT long long listEntityIdFromRefCount(int entity, unsigned refCount, bool& first);
+  long long listVariableIdFromRefCountAndLinkage(unsigned refCount, unsigned linkage, bool& first);
+  long long listTypeIdFromIdentifier(Identifier* identifier, bool& first);
+  long long listTypeIdFromIdentifierAndKind(Identifier* identifier, int typeKind, bool& first);
+  long long listTypeIdFromRefCount(unsigned refCount, bool& first);
+  long long listTypeIdFromRefTagCount(unsigned refTagCount, bool& first);
+  long long listTypeReferenceIdFromType(Type* type, bool& first);
+  long long listExternalIdentifierFromIdentifier(const Identifier* identifier, bool& first);
+  long long listFieldIdFromIdentifier(Identifier* identifier, bool& first);
+  long long listFieldIdFromRefCount(unsigned refCount, bool& first);
+  long long listEnumConstantIdFromIdentifier(Identifier* identifier, bool& first);
+  long long listLabelIdFromIdentifier(Identifier* identifier, bool& first);
+  /// By the row with the function's key, whatever id the element holds.
+  FE_DB_EXPORT long long listCallPointIdFromCaller(Function* caller, bool& first);
+  FE_DB_EXPORT long long listCallPointIdFromCallee(Function* callee, bool& first);
+  long long listCallPointIdWithNoEffect(bool& first);
+  template <class T>
+  long long listIdFromMinLength(std::size_t minLength, bool& first);
+  /// No cursor: the first function of the name that is defined and has external linkage, or 0.
+  long long getExternalDefinedFunction(Identifier* identifier);
+  /// The element's id, or that of the row with its name, or 0. The element is not changed.
+  long long getIdentifierId(const Identifier* identifier);
+
   /// Which element of the dataset a row is. `enter` accepts null for a row that is no element.
   template <class T>
   void enterInIdCache(long long id, T* element);
@@ -132,10 +170,19 @@ class FrontendDatabase : public persistence::Database {
   void readEmptyRow(T& element);
   template <class T>
   long long nextRow(StatementKind statementKind, bool& first, T& row);
+  bool isReadyToSearch(const char* table, const char* operation);
+  template <class ValuesOf>
+  long long nextId(RawQuery query, const char* operation, bool& first, ValuesOf&& valuesOf);
+  template <class Bind>
+  long long nextId(persistence::DatabaseStatement& statement, const char* table,
+                   const char* operation, bool& first, Bind&& bind);
+  template <class T>
+  long long lookUpId(const T* element);
 
   DatabaseKind kind;
   CompilationData* dataset;
   std::unique_ptr<Tables> tables;
+  std::unique_ptr<NamedQueries> namedQueries;
   unsigned long leftOutReferences = 0;
   unsigned long long rowsListed = 0;
   unsigned long long rowsAdded = 0;

@@ -53,6 +53,10 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
   void reset(sqlite3* connection);
   void finalize(sqlite3* connection);
 
+  /// Whether the report of a failed bind is followed by the statement with its values; true at
+  /// first.
+  void tellStatementAtBind(bool on) { tellsStatement = on; }
+
   /// Code of the last step, exec or run.
   int result() const { return lastResult; }
   /// The failure that result() tells has been reported before: the compilation failed, or SQLite
@@ -71,6 +75,7 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
   ConnectionState* state = nullptr;
   int lastResult = 0;
   int parameter = 0;
+  bool tellsStatement = true;
   bool compilationFailed = false;
 };
 

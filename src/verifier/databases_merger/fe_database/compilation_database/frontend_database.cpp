@@ -1,5 +1,7 @@
 #include <sqlite3.h>
 
+#include "fe_database/compilation_database/named_queries.h"
+#include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_database/compilation_database/stored_rows.h"
 #include "fe_database/compilation_database/tables.h"
 #include "fe_db/compilation_data.h"
@@ -42,16 +44,27 @@ FrontendDatabase::FrontendDatabase(std::string_view path, DatabaseKind kind,
     : persistence::Database(path, kQueueName, shared),
       kind(kind),
       dataset(dataset),
-      tables(std::make_unique<Tables>(kind)) {}
+      tables(std::make_unique<Tables>(kind)),
+      namedQueries(std::make_unique<NamedQueries>()) {}
 
 FrontendDatabase::~FrontendDatabase() = default;
 
 bool FrontendDatabase::prepareStatements() {
   if (kind == DatabaseKind::Merge) return true;
-  return beginReading() && commitTransaction();
+  if (!beginReading()) return false;
+  {
+    RollbackOnException guard(*this);
+    const bool isCompilation = kind == DatabaseKind::Compilation;
+    if (!namedQueries->compile(connection,
+                               isCompilation ? kRawQueries : kPreprocessingRawQueries)) {
+      noteFailedRead("", sqlite3_errmsg(connection));
+    }
+  }
+  return commitTransaction();
 }
 
 void FrontendDatabase::finalizeStatements() {
+  namedQueries->finalize(connection, kind == DatabaseKind::Compilation);
   Elements::each([this]<class T>() {
     for (TableStatement<T>& statement : tables->of<T>().statements) statement.finalize(connection);
   });
