@@ -6,8 +6,9 @@
 //   4  length scaled(length l) { return SCALE * l; }
 //   5  int area(void) { return scaled(side) * side; }
 //
-// "embed record" saves what there is to know of it, "embed show" reads it back. Reading is another
-// run on purpose: a process loads each table once, so it records or it reads, seldom both.
+// "embed record" saves what there is to know of it, "embed show" reads it back, "embed find" asks for
+// one name without reading the rest. Reading is another run on purpose: a process loads each table
+// once, so it records or it reads, seldom both.
 #include <fe_db/compilation_data.h>
 #include <fe_db/compilation_database.h>
 
@@ -106,9 +107,23 @@ bool show(const std::string& compilationPath, const std::string& preprocessingPa
   return true;
 }
 
+// A cursor reads what it finds and nothing else, from the database of one unit or of a thousand.
+bool find(const std::string& compilationPath, const std::string& name) {
+  auto data = CompilationData::newInstance(compilationPath, /*preprocessingPath=*/"");
+  if (!data->getCompDb().quick_connect(/*readOnly=*/true)) return false;
+  Identifier wanted(name, IdentifierKind{}, /*count=*/0);
+  bool first = true;
+  while (const Function* function = data->findFunctionFromIdentifier(&wanted, first)) {
+    std::cout << function->getFile()->getPath() << ':' << function->getLine() << ": "
+              << (function->getIsDefined() ? "definition" : "declaration") << " of " << name << '\n';
+  }
+  return !data->getCompDb().hasFailed();
+}
+
 int usage() {
   std::cerr << "usage: embed record COMPILATION_DB PREPROCESSING_DB\n"
                "       embed show COMPILATION_DB PREPROCESSING_DB\n"
+               "       embed find COMPILATION_DB FUNCTION\n"
                "Make the compilation database first: fe_db init COMPILATION_DB\n";
   return 2;
 }
@@ -118,6 +133,7 @@ int usage() {
 int main(int argc, char** argv) {
   const std::string command = argc == 4 ? argv[1] : "";
   if (command == "show") return show(argv[2], argv[3]) ? 0 : 1;
+  if (command == "find") return find(argv[2], argv[3]) ? 0 : 1;
   if (command != "record") return usage();
   if (std::filesystem::exists(argv[3])) {
     std::cerr << "embed: " << argv[3]

@@ -43,3 +43,7 @@ variable side of type length
 area calls scaled at line 5
 SCALE expands to 3
 END
+expect_quiet "$embed" find "$work/area.comp.db" scaled
+diff - "$work/out" <<'END'
+area.c:4: definition of scaled
+END

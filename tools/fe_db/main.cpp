@@ -28,7 +28,7 @@ int run(int argc, char** argv) {
   program.require_subcommand(1);
   program.footer(
       "`fe_db SUBCOMMAND --help` tells more.\n"
-      "Exit codes: 0 done, 1 a file failed or a difference was found, 2 wrong usage.");
+      "Exit codes: 0 done, 1 a file failed, or a difference or damage was found, 2 wrong usage.");
   program.failure_message([](const CLI::App*, const CLI::Error& error) {
     return std::string("fe_db: ") + error.what() + "; see fe_db --help\n";
   });
@@ -38,6 +38,9 @@ int run(int argc, char** argv) {
   addDump(program, action);
   addDiff(program, action);
   addMerge(program, action);
+  addFind(program, action);
+  addCheck(program, action);
+  addIndex(program, action);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -7,9 +7,9 @@
 #include <stdexcept>
 
 #include "compilation_schema.h"
+#include "index_changes.h"
 #include "merge_input.h"
 #include "read_only_file.h"
-#include "search_indexes.h"
 
 namespace fe_db_tools {
 namespace {
@@ -103,14 +103,10 @@ void MergeTarget::refuseLoss() const {
 }
 
 void MergeTarget::write(bool withIndexes) {
-  eachSearchIndex([this](const SearchIndex& index) {
-    db_->execute("DROP INDEX IF EXISTS " + std::string(index.name));
-  });
+  dropSearchIndexes(*db_);
   merger_->truncateDataFromDB();
   merger_->saveToDB();
-  if (withIndexes) {
-    eachSearchIndex([this](const SearchIndex& index) { db_->execute(index.sql); });
-  }
+  if (withIndexes) makeSearchIndexes(*db_);
   if (!db_->commitTransaction()) {
     const std::string failure = failureOf(*db_);
     merger_->closeDB();

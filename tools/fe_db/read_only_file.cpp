@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <stdexcept>
 
 namespace fe_db_tools {
 namespace {
@@ -25,10 +24,14 @@ const char* reasonNotToOpen(const std::string& path) {
   return nullptr;
 }
 
+constexpr char kNotOurs[] = "; give a file that fe_db init or fe_db_record made";
+
+std::string lacksTable(const Table& table) { return "it has no table " + std::string(table.name); }
+
 const char* adviceFor(int code) {
   switch (code & 0xff) {
     case SQLITE_NOTADB:
-      return "; give a file that fe_db init or fe_db_record made";
+      return kNotOurs;
     case SQLITE_CORRUPT:
       return "; the file is damaged, make it anew or take a copy";
     case SQLITE_BUSY:
@@ -47,7 +50,7 @@ const char* adviceFor(int code) {
 
 }  // namespace
 
-ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds) : path_(std::move(path)) {
+ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds, Gaps gaps) : path_(std::move(path)) {
   if (const char* reason = reasonNotToOpen(path_)) fail(reason);
   open(SQLITE_OPEN_READONLY, waitSeconds);
   if (!begin()) {
@@ -58,7 +61,11 @@ ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds) : path_(std::move(
     if (!begin()) failWithReason();
     sqlite3_exec(connection(), "PRAGMA query_only=1", nullptr, nullptr, nullptr);
   }
-  checkTables();
+  isCompilation_ = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
+    return table.onlyInCompilation && tableExists(table.name);
+  });
+  if (gaps == Gaps::accepted) return;
+  if (const auto found = findGaps(); !found.empty()) fail(found.front() + kNotOurs);
 }
 
 void ReadOnlyFile::open(int flags, int waitSeconds) {
@@ -80,14 +87,22 @@ bool ReadOnlyFile::begin() {
                       nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
-void ReadOnlyFile::checkTables() {
-  isCompilation_ = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
-    return table.onlyInCompilation && tableExists(table.name);
-  });
+std::vector<std::string> ReadOnlyFile::findGaps() const {
+  std::vector<std::string> gaps;
   for (const Table& table : tables()) {
-    require(table);
-    checkColumns(table);
+    if (!tableExists(table.name)) {
+      gaps.push_back(lacksTable(table));
+      continue;
+    }
+    const auto look = [&](std::string_view column) {
+      if (hasColumn(table, column)) return;
+      gaps.push_back("its table " + std::string(table.name) + " has no column " +
+                     std::string(column));
+    };
+    look(table.rowId);
+    for (const Column& column : table.columns) look(column.name);
   }
+  return gaps;
 }
 
 std::span<const Table> ReadOnlyFile::tables() const {
@@ -99,10 +114,7 @@ std::span<const Table> ReadOnlyFile::tables() const {
 }
 
 void ReadOnlyFile::require(const Table& table) const {
-  if (!tableExists(table.name)) {
-    fail("it has no table " + std::string(table.name) +
-         "; give a file that fe_db init or fe_db_record made");
-  }
+  if (!tableExists(table.name)) fail(lacksTable(table) + kNotOurs);
 }
 
 bool ReadOnlyFile::tableExists(std::string_view name) const {
@@ -110,17 +122,11 @@ bool ReadOnlyFile::tableExists(std::string_view name) const {
                 std::string(name) + "' COLLATE NOCASE") > 0;
 }
 
-void ReadOnlyFile::checkColumns(const Table& table) const {
-  const std::string name(table.name);
-  const auto check = [&](std::string_view column) {
-    if (number("SELECT count(*) FROM pragma_table_info('" + name + "') WHERE name='" +
-               std::string(column) + "' COLLATE NOCASE") == 0) {
-      fail("its table " + name + " has no column " + std::string(column) +
-           "; give a file that fe_db init or fe_db_record made");
-    }
-  };
-  if (table.rowId != "rowid") check(table.rowId);
-  for (const Column& column : table.columns) check(column.name);
+bool ReadOnlyFile::hasColumn(const Table& table, std::string_view column) const {
+  if (!tableExists(table.name)) return false;
+  if (column == "rowid") return true;
+  return number("SELECT count(*) FROM pragma_table_info('" + std::string(table.name) +
+                "') WHERE name='" + std::string(column) + "' COLLATE NOCASE") > 0;
 }
 
 Statement ReadOnlyFile::prepare(const std::string& sql) const {
@@ -148,8 +154,9 @@ void ReadOnlyFile::fail(const std::string& what) const {
 }
 
 void ReadOnlyFile::failWithReason() const {
-  fail(std::string("cannot read it: ") + sqlite3_errmsg(connection()) +
-       adviceFor(sqlite3_errcode(connection())));
+  const int code = sqlite3_errcode(connection());
+  const std::string reason = sqlite3_errmsg(connection());
+  throw ReadError(path_ + ": cannot read it: " + reason + adviceFor(code), code, reason);
 }
 
 }  // namespace fe_db_tools

@@ -4,7 +4,9 @@
 
 #include <memory>
 #include <span>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "tables.h"
 
@@ -15,13 +17,24 @@ struct StatementDeleter {
 };
 using Statement = std::unique_ptr<sqlite3_stmt, StatementDeleter>;
 
+/// SQLite could not read the file: its result code, and its reason without the file's name.
+struct ReadError : std::runtime_error {
+  ReadError(const std::string& what, int resultCode, std::string sqliteReason)
+      : std::runtime_error(what), code(resultCode), reason(std::move(sqliteReason)) {}
+  int code;
+  std::string reason;
+};
+
+/// What becomes of a file that lacks a table or a column.
+enum class Gaps { refused, accepted };
+
 /// A database file as it is at one moment: one read transaction lasts as long as the object.
 /// Every failure is a std::runtime_error that names the file, what is wrong and what to do.
 class ReadOnlyFile {
  public:
-  /// Waits up to `waitSeconds` while another program writes. Throws as well when the file lacks a
-  /// table or a column; one that has none of the nine compilation tables is a preprocessing file.
-  ReadOnlyFile(std::string path, int waitSeconds);
+  /// Waits up to `waitSeconds` while another program writes. A file that has none of the nine
+  /// compilation tables is a preprocessing file. One with gaps throws, unless they are accepted.
+  ReadOnlyFile(std::string path, int waitSeconds, Gaps gaps = Gaps::refused);
 
   const std::string& path() const { return path_; }
   sqlite3* connection() const { return connection_.get(); }
@@ -30,6 +43,10 @@ class ReadOnlyFile {
   std::span<const Table> tables() const;
   bool has(const Table& table) const { return isCompilation_ || !table.onlyInCompilation; }
   void require(const Table& table) const;
+  bool isCompilation() const { return isCompilation_; }
+  bool hasColumn(const Table& table, std::string_view column) const;
+  /// What a file of this kind has and this one lacks, a sentence for each table or column.
+  std::vector<std::string> findGaps() const;
 
   Statement prepare(const std::string& sql) const;
   /// True for a row, false behind the last.
@@ -39,9 +56,7 @@ class ReadOnlyFile {
  private:
   void open(int flags, int waitSeconds);
   bool begin();
-  void checkTables();
   bool tableExists(std::string_view name) const;
-  void checkColumns(const Table& table) const;
   [[noreturn]] void fail(const std::string& what) const;
   [[noreturn]] void failWithReason() const;
 

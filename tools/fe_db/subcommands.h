@@ -9,8 +9,8 @@ namespace fe_db_tools {
 /// for the user when something fails.
 using Action = std::function<int()>;
 
-/// Exit codes of all subcommands; `kFailed` is also the answer of a comparison that found
-/// something.
+/// Exit codes of all subcommands; `kFailed` is also the answer of a comparison or check that
+/// found something.
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kWrongUsage = 2;
@@ -21,6 +21,9 @@ void addStats(CLI::App& program, Action& action);
 void addDump(CLI::App& program, Action& action);
 void addDiff(CLI::App& program, Action& action);
 void addMerge(CLI::App& program, Action& action);
+void addFind(CLI::App& program, Action& action);
+void addCheck(CLI::App& program, Action& action);
+void addIndex(CLI::App& program, Action& action);
 
 // Options that several subcommands have, by one name and in one wording.
 void addTableOption(CLI::App& command, std::string& table);

@@ -55,10 +55,9 @@ bool FrontendDatabase::prepareStatements() {
   {
     RollbackOnException guard(*this);
     const bool isCompilation = kind == DatabaseKind::Compilation;
-    if (!namedQueries->compile(connection,
-                               isCompilation ? kRawQueries : kPreprocessingRawQueries)) {
-      noteFailedRead("", sqlite3_errmsg(connection));
-    }
+    const auto [table, reason] =
+        namedQueries->compile(connection, isCompilation ? kRawQueries : kPreprocessingRawQueries);
+    if (!reason.empty()) noteFailedRead(table, reason);
   }
   return commitTransaction();
 }

@@ -95,18 +95,18 @@ NamedQueries::NamedQueries()
 }
 // clang-format on
 
-bool NamedQueries::compile(sqlite3* connection, std::size_t count) {
+persistence::Failure NamedQueries::compile(sqlite3* connection, std::size_t count) {
   finalizeRaw(connection);
-  bool isWhole = true;
+  persistence::Failure first;
   for (std::size_t i = 0; i < count; ++i) {
-    const char* sql = kRawQueryTexts[i].sql;
+    const auto& [table, sql, tells] = kRawQueryTexts[i];
     const int rc = sqlite3_prepare_v2(connection, sql, -1, &raw[i], nullptr);
     if (rc == SQLITE_OK) continue;
-    isWhole = false;
+    if (first.reason.empty()) first = {table, sqlite3_errmsg(connection)};
     std::cerr << "Error: executing SQL query:" << sql << '\n';
     persistence::reportSqlite(rc, SQLITE_OK, connection, raw[i]);
   }
-  return isWhole;
+  return first;
 }
 
 void NamedQueries::finalize(sqlite3* connection, bool isCompilation) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 
+#include "persistence/database.h"
 #include "persistence/statement.h"
 
 struct sqlite3;
@@ -63,8 +64,8 @@ class NamedQueries {
 
   sqlite3_stmt*& handle(RawQuery query) { return raw[static_cast<std::size_t>(query)]; }
   /// Compiles the first `count` raw queries; what does not compile is reported and stays null.
-  /// False when there was such a one.
-  bool compile(sqlite3* connection, std::size_t count);
+  /// Answers the first failure, an empty one when there was none.
+  persistence::Failure compile(sqlite3* connection, std::size_t count);
   /// Finalizes the raw queries, the others only of a compilation database: no other uses them.
   void finalize(sqlite3* connection, bool isCompilation);
 

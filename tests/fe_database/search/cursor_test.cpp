@@ -1,0 +1,333 @@
+#include <gmock/gmock.h>
+
+#include "tests/support/check_dataset.h"
+#include "tests/support/database_fixture.h"
+
+namespace fe_db_tests {
+namespace {
+
+constexpr char kRows[] = R"sql(
+INSERT INTO File VALUES (1, 'a.h', 0, 0, 0), (2, 'a.c', 0, 0, 0);
+INSERT INTO Identifier (IdentifierId, Name, Count, Kind) VALUES
+  (1, 'f', 3, 2), (2, 'x', 2, 4), (3, 'M', 5, 8), (4, 'T', 1, 1), (5, 'E', 1, 32), (6, 'fld', 1, 64),
+  (7, 'out', 1, 128), (8, 'rather_long', 1, 6), (9, '', 1, 32);
+INSERT INTO Macro VALUES (1, 3, 1, 1, 9, 0, NULL, 0, 1, 0, 0, 0, ''), (2, 3, 2, 2, 9, 7, 1, 1, 1, 0, 0, 0, '1');
+INSERT INTO Type VALUES (1, 4, 0, 0, 0, 1, 3, 1, 512, 0, 0), (2, 4, 1, 0, 0, 1, 4, 1, 64, 0, 0),
+  (3, 4, 0, 0, 0, 1, 5, 1, 64, 2, 0), (4, 4, 0, 0, 0, 1, 6, 1, 0, 0, 0);
+INSERT INTO TypeReference VALUES (1, 3), (3, NULL);
+INSERT INTO Variable VALUES (1, 2, 1, 7, 1, 1, 0, 1, 2), (2, 2, 2, 8, 1, 1, 1, 1, 3), (3, 8, 2, 9, 1, NULL, 1, 0, 5);
+INSERT INTO Function VALUES (1, 1, 1, 1, 10, 1, 0, 0, 2, 1, 4), (2, 1, 1, 2, 11, 1, 1, 0, 0, 1, 4),
+  (3, 8, 8, 2, 12, 1, 1, 0, 2, 2, 0);
+INSERT INTO ExternalIdentifier VALUES (1, 1, 1, 2), (2, 1, -1, 0), (3, 1, 0, 1);
+INSERT INTO Field VALUES (1, 6, 1, 13, 1, 0), (2, 6, 1, 14, 1, 1);
+INSERT INTO EnumConstant VALUES (1, 5, 1, 15, 1), (2, 5, 1, 16, 1), (3, 9, 1, 17, 1);
+INSERT INTO Label VALUES (1, 7, 2, 18, 1);
+INSERT INTO CallPoint VALUES (1, 2, 30, 1, 0, 2, 1), (2, 2, 20, 1, 1, 2, 3), (3, 2, 21, 1, 0, 2, 3);
+)sql";
+
+// What an answer is called: the line that it stands on, or what there is instead.
+std::string text(const LocatedElement* e) { return std::to_string(e->getLine()); }
+std::string text(const Identifier* e) { return e->getName(); }
+std::string text(const ExternalIdentifier* e) {
+  return std::to_string(static_cast<int>(e->getEntityKind()));
+}
+std::string text(const TypeReference* e) { return text(e->getDeclaredType()); }
+
+class Search : public CompilationTest {
+ protected:
+  Search() {
+    execute(kRows);
+    openAgain();
+  }
+
+  /// All answers of a search from where `first` stands, separated by blanks.
+  template <class Find>
+  std::string walk(Find&& find, bool& first) {
+    std::string answers;
+    while (const auto* element = find(*data, first)) answers += text(element) + ' ';
+    return answers;
+  }
+
+  Identifier f{"f", {}, 0}, x{"x", {}, 0}, M{"M", {}, 0}, T{"T", {}, 0}, E{"E", {}, 0},
+      fld{"fld", {}, 0}, out{"out", {}, 0}, unknown{"no_such_name", {}, 0};
+  Identifier* none = nullptr;
+  LinkageKind linkage{};
+};
+
+using Data = CompilationData;
+
+/// Every cursor: its whole answer; the same again with `first` still false, and again with true;
+/// and that it leaves `first` false.
+TEST_F(Search, EveryCursor_AnswersWholeAndAgain) {
+  const auto expect = [this](const char* expected, auto&& find) {
+    bool first = true;
+    EXPECT_EQ(walk(find, first), expected);
+    EXPECT_FALSE(first);
+    EXPECT_EQ(walk(find, first), expected) << "after the end";
+    first = true;
+    EXPECT_EQ(walk(find, first), expected) << "begun anew";
+  };
+  const auto External = LinkageKind::External;
+  expect("20 21 30 ", [](Data& d, bool& b) { return d.findCallPoint(b); });
+  expect("30 ", [](Data& d, bool& b) { return d.findCallPointWithNoEffect(b); });
+  expect("15 16 ", [this](Data& d, bool& b) { return d.findEnumConstantFromIdentifier(&E, b); });
+  expect("-1 0 1 ",
+         [this](Data& d, bool& b) { return d.findExternalIdentifierFromIdentifier(&f, b); });
+  expect("13 14 ", [this](Data& d, bool& b) { return d.findFieldFromIdentifier(&fld, b); });
+  expect("13 ", [](Data& d, bool& b) { return d.findFieldFromRefCount(0, b); });
+  expect("10 11 ", [this](Data& d, bool& b) { return d.findFunctionFromIdentifier(&f, b); });
+  expect("10 11 ",
+         [&](Data& d, bool& b) { return d.findFunctionFromIdentifierAndLinkage(&f, External, b); });
+  expect("f x rather_long ", [](Data& d, bool& b) {
+    return d.findIdentifierFromKind(IdentifierKind::Function | IdentifierKind::Variable, b);
+  });
+  expect("f x ", [](Data& d, bool& b) {
+    return d.findIdentifierFromKindAndCount(IdentifierKind::Function | IdentifierKind::Variable, 2,
+                                            persistence::OperationKind{9}, b);
+  });
+  expect("18 ", [this](Data& d, bool& b) { return d.findLabelFromIdentifier(&out, b); });
+  expect("1 2 ", [](Data& d, bool& b) { return d.findMacro(b); });
+  expect("1 2 ", [this](Data& d, bool& b) { return d.findMacroFromIdentifier(&M, b); });
+  expect("1 ", [](Data& d, bool& b) { return d.findMacroFromRefCount(0, b); });
+  expect("3 4 5 6 ", [this](Data& d, bool& b) { return d.findTypeFromIdentifier(&T, b); });
+  expect("3 5 ", [this](Data& d, bool& b) {
+    return d.findTypeFromIdentifierAndKind(&T, TypeKind::NamedMask, b);
+  });
+  expect("3 ", [](Data& d, bool& b) { return d.findTypeFromRefCount(0, b); });
+  expect("5 ", [](Data& d, bool& b) { return d.findTypeFromRefTagCount(0, b); });
+  expect("7 8 ", [this](Data& d, bool& b) { return d.findVariableFromIdentifier(&x, b); });
+  expect("7 8 ",
+         [&](Data& d, bool& b) { return d.findVariableFromIdentifierAndLinkage(&x, External, b); });
+  expect("7 8 ",
+         [&](Data& d, bool& b) { return d.findVariableFromRefCountAndLinkage(5, External, b); });
+  expect("",
+         [&](Data& d, bool& b) { return d.findVariableFromRefCountAndLinkage(2, External, b); });
+  expect("9 ", [](Data& d, bool& b) {
+    return d.findVariableFromRefCountAndLinkage(5, LinkageKind::None, b);
+  });
+  bool first = true;
+  Type* declared = data->findTypeFromRefCount(2, first);
+  expect("5 ", [&](Data& d, bool& b) { return d.findTypeReferenceFromType(declared, b); });
+  Type unstored;
+  expect("", [&](Data& d, bool& b) { return d.findTypeReferenceFromType(&unstored, b); });
+  checkDataset(*data);
+}
+
+TEST_F(Search, Identifiers_ComeWithAllOfThem) {
+  bool first = true;
+  EXPECT_THAT(walk([](Data& d, bool& b) { return d.findIdentifier(b); }, first),
+              testing::AllOf(testing::HasSubstr("rather_long "), testing::HasSubstr("M ")));
+}
+
+TEST_F(Search, OfLeastLength_TakesOneKindAndTellsTheLinkage) {
+  struct Case {
+    IdentifierKind kind;
+    std::size_t length;
+    const char* answers;
+  };
+  const Case cases[] = {
+      {IdentifierKind::Function, 2, "12/2 "},
+      {IdentifierKind::Function, 1, "10/1 11/1 12/2 "},
+      {IdentifierKind::Variable, 11, "9/0 "},
+      {IdentifierKind::Variable, 12, ""},
+      {IdentifierKind::Type, 0, "3/0 5/0 "},
+      {IdentifierKind::Macro, 1, "1/0 2/0 "},
+      {IdentifierKind::Field, 3, "13/0 14/0 "},
+      {IdentifierKind::Label, 3, "18/0 "},
+      // A row with an empty name is no enum constant.
+      {IdentifierKind::EnumConstant, 0, "15/0 16/0 "},
+  };
+  for (const Case& test : cases) {
+    std::multiset<std::string> found, expected;
+    bool first = true;
+    while (const NamedElement* e =
+               data->findObjectFromMinLength(test.kind, test.length, linkage, first)) {
+      found.insert(text(e) + '/' + std::to_string(static_cast<int>(linkage)));
+    }
+    std::istringstream words(test.answers);
+    for (std::string word; words >> word;) expected.insert(word);
+    EXPECT_EQ(found, expected) << static_cast<int>(test.kind) << ' ' << test.length;
+    EXPECT_EQ(linkage, LinkageKind::None) << "at the end";
+    EXPECT_FALSE(first);
+  }
+  for (int kind : {0, 3, 16, 256, -1}) {
+    bool first = true;
+    linkage = LinkageKind::External;
+    EXPECT_EQ(data->findObjectFromMinLength(static_cast<IdentifierKind>(kind), 0, linkage, first),
+              nullptr);
+    EXPECT_TRUE(first);
+    EXPECT_EQ(linkage, LinkageKind::None);
+  }
+}
+
+TEST_F(Search, NameWithoutARow_FindsNothingAndStaysAsItIs) {
+  bool first = true;
+  EXPECT_EQ(data->findFunctionFromIdentifier(&unknown, first), nullptr);
+  EXPECT_FALSE(first);
+  EXPECT_EQ(data->findFunctionFromIdentifier(none, first = true), nullptr);
+  EXPECT_EQ(data->findExternalDefinedFunction(&unknown), nullptr);
+  EXPECT_EQ(data->findExternalDefinedFunction(&x), nullptr);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(text(data->findExternalDefinedFunction(&f)), "11");
+  EXPECT_EQ(f.getId(), 0) << "a search leaves the caller's element alone";
+  EXPECT_EQ(f.getCount(), 0U);
+}
+
+TEST_F(Search, DifferentSearches_RunSideBySide_AndGiveTheSameElements) {
+  bool byName = true, byLinkage = true;
+  for (const char* line : {"10", "11"}) {
+    Function* function = data->findFunctionFromIdentifier(&f, byName);
+    EXPECT_EQ(text(function), line);
+    EXPECT_EQ(data->findFunctionFromIdentifierAndLinkage(&f, LinkageKind::External, byLinkage),
+              function);
+  }
+  EXPECT_EQ(data->findFunctionFromIdentifier(&f, byName), nullptr);
+  EXPECT_EQ(data->findFunctionFromIdentifierAndLinkage(&f, LinkageKind::External, byLinkage),
+            nullptr);
+}
+
+TEST_F(Search, CallersAndCallees_LookTheFunctionUp) {
+  std::vector<Function*> functions;
+  bool first = true;
+  while (Function* function = data->findFunctionFromIdentifier(&f, first)) {
+    functions.push_back(function);
+  }
+  ASSERT_EQ(functions.size(), 2U);
+  std::string found;
+  first = true;
+  while (const long long id = db().listCallPointIdFromCaller(functions[1], first)) {
+    found += std::to_string(id) + ' ';
+  }
+  functions[0]->setId(77);
+  first = true;
+  while (const long long id = db().listCallPointIdFromCallee(functions[0], first)) {
+    found += std::to_string(id) + ' ';
+  }
+  EXPECT_EQ(found, "1 2 3 1 ");
+  EXPECT_EQ(functions[0]->getId(), 77) << "a search leaves the caller's element alone";
+  first = true;
+  EXPECT_EQ(db().listEntityIdFromRefCount(1, 0, first), 3);
+}
+
+/// The save knows its rows only by what it has looked up, so a row that is found afterwards is a
+/// further sight of the element that was saved into it.
+TEST_F(Search, FoundAfterASave_FoldsTheRowIntoTheElementAgain) {
+  data->setPropagateMacroInfo();
+  data->emplaceMacro("M", at("a.c", 2, 9), /*accumulate=*/true, /*refCount=*/1);
+  ASSERT_TRUE(data->saveToCompDB());
+  bool first = true;
+  EXPECT_EQ(data->findMacroFromRefCount(8, first)->getRefCount(), 16U);
+  EXPECT_EQ(data->findMacroFromRefCount(8, first), nullptr);
+}
+
+// --- Reports.
+
+class Reports : public CompilationTest {
+ protected:
+  Reports() {
+    execute(kRows);
+    openAgain();
+  }
+  long long count(const std::string& text, const std::string& part) const {
+    long long n = 0;
+    for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++n;
+    return n;
+  }
+  using List = std::function<long long(CompilationDatabase&, bool&)>;
+  Identifier f{"f", {}, 0}, x{"x", {}, 0}, M{"M", {}, 0}, T{"T", {}, 0}, E{"E", {}, 0},
+      fld{"fld", {}, 0}, out{"out", {}, 0};
+};
+
+TEST_F(Reports, BegunWhileOpen_IsRefusedBySqlite_AndTheOldRowsGoOn) {
+  const struct {
+    const char* name;
+    List list;
+    int told;
+  } cases[] = {
+      {"kind", [](auto& d, bool& b) { return d.listIdentifierIdFromKind(6, b); }, 1},
+      {"kind and count",
+       [](auto& d, bool& b) { return d.listIdentifierIdFromKindAndCount(6, 1, 0, b); }, 2},
+      {"macro", [&](auto& d, bool& b) { return d.listMacroIdFromIdentifier(&M, b); }, 1},
+      {"function", [&](auto& d, bool& b) { return d.listEntityIdFromIdentifier(1, &f, b); }, 0},
+      {"type", [&](auto& d, bool& b) { return d.listTypeIdFromIdentifier(&T, b); }, 0},
+      {"external", [&](auto& d, bool& b) { return d.listExternalIdentifierFromIdentifier(&f, b); },
+       1},
+      {"enum constant", [&](auto& d, bool& b) { return d.listEnumConstantIdFromIdentifier(&E, b); },
+       1},
+      {"sum", [](auto& d, bool& b) { return d.listVariableIdFromRefCountAndLinkage(5, 1, b); }, 0},
+      {"length", [](auto& d, bool& b) { return d.template listIdFromMinLength<Function>(1, b); },
+       1},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    bool first = true;
+    const long long one = test.list(db(), first);
+    EXPECT_NE(one, 0);
+    first = true;
+    const long long two = test.list(db(), first);
+    EXPECT_NE(two, 0);
+    EXPECT_NE(two, one) << "the walk went on";
+    const std::string reports = takeReports();
+    EXPECT_THAT(reports, testing::HasSubstr("rc=21 (expected rc=0) "));
+    EXPECT_EQ(count(reports, "While executing "), test.told) << reports;
+    while (test.list(db(), first) != 0) {
+    }
+  }
+}
+
+/// A step fails when somebody has dropped the table; so does the reset behind it, for raw queries.
+TEST_F(Reports, FailedStep_IsTheEnd_AndIsRemembered) {
+  const struct {
+    const char* table;
+    List list;
+    int lines;
+    int told;
+  } cases[] = {
+      {"Label", [&](auto& d, bool& b) { return d.listLabelIdFromIdentifier(&out, b); }, 2, 2},
+      {"Field", [](auto& d, bool& b) { return d.listFieldIdFromRefCount(0, b); }, 2, 1},
+      {"ExternalIdentifier",
+       [&](auto& d, bool& b) { return d.listExternalIdentifierFromIdentifier(&f, b); }, 2, 0},
+      {"Type", [](auto& d, bool& b) { return d.listTypeIdFromRefCount(0, b); }, 2, 0},
+      {"Variable", [](auto& d, bool& b) { return d.listVariableIdFromRefCountAndLinkage(5, 1, b); },
+       1, 0},
+  };
+  EXPECT_FALSE(db().hasFailed());
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.table);
+    execute(std::string("DROP TABLE ") + test.table);
+    bool first = true;
+    EXPECT_EQ(test.list(db(), first), 0);
+    EXPECT_FALSE(first);
+    const std::string reports = takeReports();
+    EXPECT_EQ(count(reports, std::string("no such table: ") + test.table), test.lines) << reports;
+    EXPECT_EQ(count(reports, "While executing "), test.told) << reports;
+  }
+  EXPECT_TRUE(db().hasFailed());
+  EXPECT_EQ(db().lastFailure().table, "Label");
+}
+
+TEST_F(Reports, TableThatIsMissing_IsToldWhenConnecting) {
+  execute("DROP TABLE Label");
+  data.reset();
+  data = CompilationData::newInstance(compFile, "");
+  EXPECT_TRUE(db().quick_connect(false));
+  EXPECT_THAT(takeReports(),
+              testing::StartsWith("Error: executing SQL query:SELECT LabelId FROM Label WHERE "
+                                  "IdentifierId=?\norvalesca: sqlite error:unknown:"));
+  EXPECT_TRUE(db().hasFailed());
+  EXPECT_EQ(db().lastFailure().reason, "no such table: Label");
+}
+
+TEST_F(Reports, WithoutADatabase_OrAConnection_OneLineAndNull) {
+  const auto loose = CompilationData::newInstance("", "");
+  bool first = true;
+  EXPECT_EQ(loose->findMacro(first), nullptr);
+  EXPECT_EQ(takeReports(), "orvalesca: CompilationData::findMacro: no compilation database\n");
+  db().disconnect();
+  EXPECT_EQ(data->findTypeFromRefCount(0, first), nullptr);
+  EXPECT_EQ(takeReports(), "orvalesca: " + compFile +
+                               ": FrontendDatabase::listTypeIdFromRefCount(): the database is not "
+                               "connected\n");
+}
+
+}  // namespace
+}  // namespace fe_db_tests

@@ -1,0 +1,145 @@
+#include <algorithm>
+#include <iostream>
+#include <limits>
+#include <memory>
+
+#include "fe_db/compilation_database.h"
+#include "find_questions.h"
+#include "merge_input.h"
+#include "output.h"
+#include "subcommands.h"
+
+namespace fe_db_tools {
+namespace {
+
+struct FindOptions {
+  std::string file;
+  std::string question;
+  FindFilter filter;
+  std::optional<std::size_t> limit;
+  bool count = false;
+  bool json = false;
+  bool sarif = false;
+  int waitSeconds = kDefaultWaitSeconds;
+};
+
+bool has(std::string_view words, const std::string& word) {
+  return word.find(' ') == std::string::npos &&
+         (' ' + std::string(words) + ' ').find(' ' + word + ' ') != std::string::npos;
+}
+
+/// The question, once it is sure that everything given belongs to it.
+const Question& checkedQuestion(const CLI::App& command, FindOptions& options) {
+  const auto refuse = [&](const std::string& why) {
+    throw CLI::ValidationError("find", options.question + ' ' + why);
+  };
+  const auto question = std::find_if(findQuestions().begin(), findQuestions().end(),
+                                     [&](const Question& q) { return q.text == options.question; });
+  if (question == findQuestions().end()) refuse("is no question");
+  for (const char* option :
+       {"--name", "--min-length", "--ref-count", "--linkage", "--defined", "--sarif"}) {
+    if (command.count(option) != 0 && !has(question->options, option)) {
+      refuse(std::string("has no ") + option);
+    }
+  }
+  FindFilter& filter = options.filter;
+  if (question->words == "NAME") {
+    if (filter.words.size() != 1) refuse("needs one NAME");
+    filter.name = filter.words.front();
+  } else {
+    for (const std::string& word : filter.words) {
+      if (!has(question->words, word)) refuse("does not go with \"" + word + '"');
+    }
+  }
+  if (question->text == "long-names" && !filter.minLength) refuse("needs --min-length");
+  return *question;
+}
+
+int find(const FindOptions& options, const Question& question) {
+  checkMergeInput(options.file, options.waitSeconds);
+  const ReadOnlyFile file(options.file, options.waitSeconds);
+  dm::CompilationData data(options.file, "");
+  dm::CompilationDatabase& db = data.getCompDb();
+  db.setBusyTimeout(1000 * std::min(options.waitSeconds, 1'000'000));
+  if (!db.quick_connect(/*readOnly=*/true)) {
+    throw std::runtime_error(options.file + ": cannot be opened");
+  }
+  Search search{options.filter, data, file};
+  question.ask(search);
+  if (db.hasFailed()) {
+    throw std::runtime_error(options.file + ": cannot be read to its end: " + failureOf(db) +
+                             "; make the file anew or take a copy");
+  }
+  if (db.getLeftOutReferences() != 0) {
+    std::cerr << "fe_db: " << options.file
+              << ": rows that lead to damaged ones were left out; fe_db check names them\n";
+  }
+  std::vector<Finding>& findings = search.findings;
+  std::stable_sort(findings.begin(), findings.end(), isBefore);
+  if (options.limit) findings.resize(std::min(findings.size(), *options.limit));
+  if (options.count) {
+    print(std::to_string(findings.size()) + '\n');
+  } else if (options.sarif) {
+    printSarif(findings, question.text);
+  } else {
+    options.json ? printJson(findings) : printText(findings);
+  }
+  return kDone;
+}
+
+constexpr char kHelp[] = R"(QUESTION is a kind of things:
+  functions variables types macros fields enum-constants labels calls externals
+or one of
+  unused [macros] [types] [tags] [variables] [fields]   what nothing uses; without a kind all five
+  no-effect-calls      calls that drop the value of a function that has no effect
+  long-names           things of all kinds whose names have --min-length N characters or more
+  definition NAME      where a function, variable, type or macro is defined
+  declarations NAME    the other places where it is declared
+  callers NAME         the calls of a function
+  callees NAME         the calls in a function
+NAME is an identifier or, of functions, the name in the source; --name of calls is that of caller
+or callee. The length is that of the identifier, of a C++ function the mangled name. Unnamed types
+are left out with --min-length and --ref-count. Unused are: macros that stand in a file; types
+without a tag (typedefs); as tags, struct, union, enum and class types that are named neither with
+nor without that word; variables of which no declaration is used, anywhere when external, in the
+file when internal; fields. Functions have no counts in what fe_db merge wrote.
+Prints path:line:column: kind name [attributes], with - for no file and \xNN for bytes that are no
+text, and nothing when nothing is found, which is no failure. Files without the indexes of
+fe_db index take longer.)";
+
+}  // namespace
+
+void addFind(CLI::App& program, Action& action) {
+  auto options = std::make_shared<FindOptions>();
+  FindFilter& filter = options->filter;
+  CLI::App* command = program.add_subcommand("find", "Answer a question about the code");
+  command->footer(kHelp);
+  command->add_option("FILE", options->file, "A compilation database")->required();
+  command->add_option("QUESTION", options->question, "What to find, see below")->required();
+  command->add_option("WORD", filter.words, "What the question is about");
+  command->add_option("--name", filter.name, "Things of this name");
+  command->add_option("--min-length", filter.minLength, "Names of so many characters or more");
+  command->add_option("--ref-count", filter.refCount, "Things with just so many references")
+      ->check(CLI::Range(0, std::numeric_limits<int>::max()));
+  command->add_option("--linkage", filter.linkage, "none, external, internal or a number")
+      ->transform(CLI::Transformer(
+          std::map<std::string, std::uint32_t>{{"none", 0}, {"external", 1}, {"internal", 2}}));
+  command->add_flag("--defined", filter.defined, "Definitions; of types the complete ones");
+  command->add_option("--file", filter.fileGlob, "In files of these paths; * matches / too");
+  command->add_option("--limit", options->limit, "At most so many")
+      ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+  auto* count = command->add_flag("--count", options->count, "Only how many");
+  auto* json = command->add_flag("--json", options->json, "One JSON object a line");
+  auto* sarif = command->add_flag("--sarif", options->sarif,
+                                  "SARIF 2.1.0, for unused, no-effect-calls and long-names");
+  count->excludes(json, sarif);
+  json->excludes(sarif);
+  addWaitOption(*command, options->waitSeconds);
+  command->callback([options, command, &action] {
+    action = [options, &question = checkedQuestion(*command, *options)] {
+      return find(*options, question);
+    };
+  });
+}
+
+}  // namespace fe_db_tools

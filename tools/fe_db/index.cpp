@@ -1,0 +1,68 @@
+#include <memory>
+#include <set>
+#include <stdexcept>
+
+#include "fe_db/compilation_data.h"
+#include "index_changes.h"
+#include "merge_input.h"
+#include "read_only_file.h"
+#include "subcommands.h"
+
+namespace fe_db_tools {
+namespace {
+
+using orvalesca::databases_merger::CompilationData;
+using orvalesca::databases_merger::CompilationDatabase;
+
+struct IndexOptions {
+  std::string file;
+  bool drop = false;
+  int waitSeconds = kDefaultWaitSeconds;
+};
+
+/// The texts of the file's own indexes: one by a known name may be another index all the same.
+std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
+  const ReadOnlyFile file(path, waitSeconds);
+  const Statement texts =
+      file.prepare("SELECT sql FROM sqlite_schema WHERE type='index' AND sql IS NOT NULL");
+  std::set<std::string> known;
+  while (file.step(texts)) {
+    known.emplace(reinterpret_cast<const char*>(sqlite3_column_text(texts.get(), 0)));
+  }
+  return known;
+}
+
+int makeIndexes(const IndexOptions& options) {
+  checkMergeInput(options.file, options.waitSeconds);
+  const std::set<std::string> known = indexTexts(options.file, options.waitSeconds);
+  CompilationData data(options.file, "");
+  CompilationDatabase& db = data.getCompDb();
+  db.setBusyTimeout(1000 * options.waitSeconds);
+  if (!db.quick_connect(/*readOnly=*/false) || !db.beginTransaction()) {
+    throw std::runtime_error(options.file +
+                             ": cannot be locked for writing; see that it may be written and that "
+                             "no other program writes it, or raise --wait");
+  }
+  options.drop ? dropSearchIndexes(db) : makeSearchIndexes(db, known);
+  if (!db.lastFailure().reason.empty() || !db.commitTransaction()) {
+    throw std::runtime_error(options.file + ": it was left as it was: " + failureOf(db));
+  }
+  return kDone;
+}
+
+}  // namespace
+
+void addIndex(CLI::App& program, Action& action) {
+  auto options = std::make_shared<IndexOptions>();
+  CLI::App* command =
+      program.add_subcommand("index", "Make the search indexes that a compilation database lacks");
+  command->footer(
+      "With them the questions of `fe_db find` and the searches of the library take the same time\n"
+      "in a large file as in a small one. They change no answer, and slow down saving.");
+  command->add_option("FILE", options->file, "The database file")->required();
+  command->add_flag("--drop", options->drop, "Remove them instead");
+  addWaitOption(*command, options->waitSeconds);
+  command->callback([options, &action] { action = [options] { return makeIndexes(*options); }; });
+}
+
+}  // namespace fe_db_tools

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "fe_db/compilation_database.h"
+
+/// Search indexes of a compilation database, inside the transaction that is open on it. Failures are
+/// the database's to report and to remember.
+namespace fe_db_tools {
+
+void dropSearchIndexes(orvalesca::databases_merger::CompilationDatabase& db);
+
+/// Makes all but those whose SQL text is among `known`.
+void makeSearchIndexes(orvalesca::databases_merger::CompilationDatabase& db,
+                       const std::set<std::string>& known = {});
+
+}  // namespace fe_db_tools
