@@ -6,9 +6,9 @@
 //   4  length scaled(length l) { return SCALE * l; }
 //   5  int area(void) { return scaled(side) * side; }
 //
-// "embed record" saves what there is to know of it, "embed show" reads it back, "embed find" asks for
-// one name without reading the rest. Reading is another run on purpose: a process loads each table
-// once, so it records or it reads, seldom both.
+// "embed record" saves what there is to know of it, "embed show" reads it back, "embed find" asks
+// for one name without reading the rest. Reading is another run on purpose: a process loads each
+// table once, so it records or it reads, seldom both.
 #include <fe_db/compilation_data.h>
 #include <fe_db/compilation_database.h>
 
@@ -115,7 +115,8 @@ bool find(const std::string& compilationPath, const std::string& name) {
   bool first = true;
   while (const Function* function = data->findFunctionFromIdentifier(&wanted, first)) {
     std::cout << function->getFile()->getPath() << ':' << function->getLine() << ": "
-              << (function->getIsDefined() ? "definition" : "declaration") << " of " << name << '\n';
+              << (function->getIsDefined() ? "definition" : "declaration") << " of " << name
+              << '\n';
   }
   return !data->getCompDb().hasFailed();
 }
