@@ -15,6 +15,10 @@ SHARED_PERSISTENCE_EXPORT void reportSqlite(int rc, int expected, sqlite3* conne
                                             sqlite3_stmt* whileExecuting = nullptr,
                                             int line = __builtin_LINE());
 
+/// Names a query that could not be compiled, in front of the report of its code:
+///   Error: executing SQL query:<sql>
+SHARED_PERSISTENCE_EXPORT void reportQuery(const char* sql);
+
 /// Reports anything else: "orvalesca: " and the printf-style message, one line.
 SHARED_PERSISTENCE_EXPORT void reportMessage(const char* format, ...)
     __attribute__((format(printf, 1, 2)));

@@ -27,6 +27,8 @@ void reportSqlite(int rc, int expected, sqlite3* connection, sqlite3_stmt* while
   sqlite3_free(sql);
 }
 
+void reportQuery(const char* sql) { std::fprintf(stderr, "Error: executing SQL query:%s\n", sql); }
+
 void reportMessage(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

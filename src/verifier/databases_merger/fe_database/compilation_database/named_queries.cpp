@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <iostream>
 #include <string>
 
 #include "fe_db/kinds.h"
@@ -103,7 +102,7 @@ persistence::Failure NamedQueries::compile(sqlite3* connection, std::size_t coun
     const int rc = sqlite3_prepare_v2(connection, sql, -1, &raw[i], nullptr);
     if (rc == SQLITE_OK) continue;
     if (first.reason.empty()) first = {table, sqlite3_errmsg(connection)};
-    std::cerr << "Error: executing SQL query:" << sql << '\n';
+    persistence::reportQuery(sql);
     persistence::reportSqlite(rc, SQLITE_OK, connection, raw[i]);
   }
   return first;
