@@ -137,8 +137,9 @@ class FrontendDatabase : public persistence::Database {
 
   /// Rows inserted, updated and deleted on this connection so far.
   int countChanges() const;
-  /// Rows that listALL has given and that add has inserted, all tables together.
+  /// Rows that listALL has given so far, all tables together.
   unsigned long long countRowsListed() const { return rowsListed; }
+  /// Rows that add has inserted so far, all tables together.
   unsigned long long countRowsAdded() const { return rowsAdded; }
   /// How often get has answered null for a row that cannot become an element.
   unsigned long getLeftOutReferences() const { return leftOutReferences; }

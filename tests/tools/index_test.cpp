@@ -1,0 +1,55 @@
+#include "fe_db_fixture.h"
+#include "search_indexes.h"
+#include "whole_content.h"
+
+namespace fe_db_tests {
+namespace {
+
+constexpr char kIndexes[] =
+    "SELECT name, sql FROM sqlite_schema WHERE type='index' AND sql IS NOT NULL ORDER BY name";
+
+class Index : public FeDbProgram {
+ protected:
+  /// The search indexes, and what else there is.
+  static std::string all(const std::string& own) {
+    std::set<std::string> lines;
+    fe_db_tools::eachSearchIndex(
+        [&](const auto& index) { lines.insert(std::string(index.name) + '|' + index.sql + '\n'); });
+    if (!own.empty()) lines.insert(own);
+    std::string text;
+    for (const std::string& line : lines) text += line;
+    return text;
+  }
+  const std::string file = compilationFile(path("x.db"), wholeContent(1, 0));
+};
+
+TEST_F(Index, MakesWhatIsMissing_AndMendsWhatBearsItsName) {
+  execute(
+      file,
+      "CREATE INDEX Macro_RefCount_Index ON Macro (Text); CREATE INDEX Mine ON Label (LabelId)");
+  const std::string content = outputOf({"dump", file});
+  for (int run = 0; run < 2; ++run) {
+    EXPECT_EQ(outputOf({"index", file}), "");
+    EXPECT_EQ(rows(file, kIndexes), all("Mine|CREATE INDEX Mine ON Label (LabelId)\n"));
+  }
+  EXPECT_EQ(outputOf({"dump", file}), content);
+  EXPECT_EQ(integrity(file), "ok\n");
+  EXPECT_EQ(outputOf({"index", "--drop", file}), "");
+  EXPECT_EQ(rows(file, kIndexes), "Mine|CREATE INDEX Mine ON Label (LabelId)\n");
+}
+
+TEST_F(Index, OfAFileThatIsLocked_OrNoCompilationDatabase_IsRefused) {
+  const RawConnection writer(file);
+  writer.rows("BEGIN IMMEDIATE");
+  const ProgramResult locked = feDb({"index", "--wait=0", file});
+  EXPECT_EQ(locked.exitCode, 1);
+  EXPECT_THAT(locked.errors, testing::HasSubstr(file + ": cannot be locked for writing"));
+  writer.rows("ROLLBACK");
+  EXPECT_EQ(rows(file, kIndexes), "");
+  const ProgramResult wrongKind = feDb({"index", preprocessingFile(path("pp.db"), "")});
+  EXPECT_EQ(wrongKind.exitCode, 1);
+  EXPECT_THAT(wrongKind.errors, testing::HasSubstr("it is a preprocessing database"));
+}
+
+}  // namespace
+}  // namespace fe_db_tests
