@@ -7,7 +7,7 @@ cd "$root" || exit 1
 
 # What every build needs, and what fe_db_record needs on top. "a|b" is satisfied by either; the
 # first is what gets installed.
-build_packages=(g++ cmake ninja-build libsqlite3-dev "libboost-dev|libboost1.81-dev" libcli11-dev
+build_packages=(g++ cmake make ninja-build libsqlite3-dev "libboost-dev|libboost1.81-dev" libcli11-dev
                 nlohmann-json3-dev libgtest-dev libgmock-dev)
 record_packages=(libclang-19-dev llvm-19-dev)
 record_fallback=(libclang-14-dev)

@@ -17,6 +17,7 @@ constexpr char kLeadWithColumn[] = "//@";
 // Each query: line, column, length of what is pointed at, text; of the file with path ?1.
 constexpr const char* kPreprocessingQueries[] = {
     "SELECT DeclLineNum, DeclColNum, length(Name), 'Macro \"' || Text || '\"' ||"
+    " iif(Value IS NULL, '', ' = ' || Value || iif(ValueIsSigned, '', 'u')) ||"
     " iif(IsObjectLike, '', ' functionLike') || iif(IsVariadic, ' variadic', '') ||"
     " ' refs=' || RefCount"
     " FROM Macro JOIN Identifier USING (IdentifierId) JOIN File ON FileId = DeclFileId"
@@ -56,7 +57,8 @@ constexpr const char* kCompilationQueries[] = {
 
     "SELECT DeclLineNum, DeclColNum, length(s.Name), 'Function ' || replace(i.Name, ?2, '') ||"
     " iif(isDefined, ' defined', ' declared') || iif(isSpecial, ' special', '') || ' linkage=' ||"
-    " Linkage || ' refs=' || RefCount || ifnull(' external=' || ei.Name, '')"
+    " Linkage || ' refs=' || RefCount || ifnull(' external=' || ei.Name, '') ||"
+    " iif(Effect = 2, '', iif(Effect = 0, ' no effect', ' has effects'))"
     " FROM Function f JOIN Identifier i USING (IdentifierId) JOIN Identifier s ON"
     " s.IdentifierId = SourceNameId JOIN File ON FileId = DeclFileId"
     " LEFT JOIN ExternalIdentifier e ON EntityId = FunctionId AND e.Kind = 1"

@@ -15,6 +15,13 @@ class RecordProgram : public RecordTest {
  protected:
   RecordProgram() { write("good.c", "int good(void) { return 1; }\n"); }
 
+  void expectWhole(const std::vector<std::string>& names) const {
+    for (const std::string& name : names) {
+      if (!name.ends_with(".db")) continue;
+      EXPECT_EQ(integrity((output() / name).string()), "ok\n");
+    }
+  }
+
   /// A compile_commands.json with one `gcc -c` for each source.
   void writeDatabase(const std::vector<std::string>& names) const {
     std::string entries;
@@ -30,7 +37,7 @@ class RecordProgram : public RecordTest {
 TEST_F(RecordProgram, SourceThatDoesNotParse_LeavesNoFileNotEvenOfAnEarlierRun) {
   write("source.c", "int x;\n");
   recordQuietly({"--keep-preprocessed", "--", "gcc", "-c", "source.c"});
-  EXPECT_THAT(outputs(), SizeIs(3));
+  EXPECT_THAT(outputs(), SizeIs(4));
 
   write("source.c", "int x = y;\n");
   const ProgramResult result = record({"--", "gcc", "-c", "source.c"});
@@ -59,6 +66,7 @@ TEST_F(RecordProgram, Database_RecordsTheOthersWhenSomeFail) {
   EXPECT_THAT(result.errors,
               AllOf(HasSubstr("bad.c:1:9: error: "), HasSubstr("crash.c: its process was killed")));
   EXPECT_THAT(outputs(), ElementsAre(MatchesRegex("good\\.c-[0-9a-f]{16}\\.comp\\.db"),
+                                     MatchesRegex("good\\.c-[0-9a-f]{16}\\.manifest"),
                                      MatchesRegex("good\\.c-[0-9a-f]{16}\\.pp\\.db")));
 }
 
@@ -70,6 +78,7 @@ TEST_F(RecordProgram, Database_RecordsOnlyTheFilesAskedForAndNamesThoseItDoesNot
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors, HasSubstr((sources() / "stranger.c").string()));
   EXPECT_THAT(outputs(), ElementsAre(MatchesRegex("other\\.c-.*\\.comp\\.db"),
+                                     MatchesRegex("other\\.c-.*\\.manifest"),
                                      MatchesRegex("other\\.c-.*\\.pp\\.db")));
 }
 
@@ -83,6 +92,7 @@ TEST_F(RecordProgram, UnitHasOneNameAndOneContentWhoeverRecordsIt) {
   recordQuietly({"--", "gcc", "-c", "./good.c", "-o", "elsewhere.o"});
   ASSERT_EQ(outputs(), names);
   for (const std::string& name : names) {
+    if (!name.ends_with(".db")) continue;
     const ProgramResult diff =
         runProgram({FE_DB_PROGRAM, "diff", path("first/" + name), (output() / name).string()});
     EXPECT_EQ(diff.exitCode, 0) << diff.output << diff.errors;
@@ -93,7 +103,7 @@ TEST_F(RecordProgram, CommandWithTwoSourcesAndUnknownFlags_GivesTwoUnits) {
   write("other.c", "int other = X;\n");
   write("flags.rsp", "-DX=1 -fconserve-stack -mindirect-branch=keep");
   recordQuietly({"--", "gcc", "-fanalyzer", "@flags.rsp", "good.c", "other.c", "-o", "program"});
-  EXPECT_THAT(outputs(), SizeIs(4));
+  EXPECT_THAT(outputs(), SizeIs(6));
 }
 
 TEST_F(RecordProgram, LeftoversOfAKilledRun_AreOverwritten) {
@@ -104,9 +114,9 @@ TEST_F(RecordProgram, LeftoversOfAKilledRun_AreOverwritten) {
       std::ofstream(output() / (name + leftover)) << "left behind";
     }
   }
-  recordQuietly({"--", "gcc", "-c", "good.c"});
+  recordQuietly({"--force", "--", "gcc", "-c", "good.c"});
   EXPECT_EQ(outputs(), names);
-  for (const std::string& name : names) EXPECT_EQ(integrity((output() / name).string()), "ok\n");
+  expectWhole(names);
 }
 
 TEST_F(RecordProgram, KilledWhileItReads_LeavesNothing) {
@@ -124,13 +134,13 @@ TEST_F(RecordProgram, FullDisk_IsReportedWithTheFileAndKeepsWhatWasThere) {
   recordQuietly({"--", "gcc", "-c", "good.c"});
   const std::vector<std::string> names = outputs();
   const std::string command = std::string("trap '' XFSZ; ulimit -f 64; exec ") +
-                              FE_DB_RECORD_PROGRAM + " -o " + output().string() +
+                              FE_DB_RECORD_PROGRAM + " --force -o " + output().string() +
                               " -- gcc -c good.c";
   const ProgramResult result = runProgram({"sh", "-c", command}, {.directory = sources().string()});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors, HasSubstr("fe_db_record: " + output().string()));
   EXPECT_EQ(outputs(), names);
-  for (const std::string& name : names) EXPECT_EQ(integrity((output() / name).string()), "ok\n");
+  expectWhole(names);
 }
 
 TEST_F(RecordProgram, SystemFacts_AreThoseReferredToOrAll) {

@@ -3,9 +3,11 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <vector>
 
 #include "fe_db/schema.h"
 #include "new_file.h"
@@ -105,6 +107,32 @@ void createPreprocessingDatabase(const std::string& path) {
   SchemaBuilder builder;
   for (const char* sql : schema::kPreprocessingIndexesAndViews) builder.run(sql);
   builder.commitAndWrite([&](auto bytes) { writeNewFile(path, bytes); });
+}
+
+std::size_t countRows(const std::string& path) {
+  sqlite3* opened = nullptr;
+  const int code = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+  const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(opened, sqlite3_close);
+  if (code != SQLITE_OK) return 0;
+  std::vector<std::string> tables;
+  const auto addName = [](void* names, int, char** row, char**) {
+    static_cast<std::vector<std::string>*>(names)->emplace_back(row[0]);
+    return 0;
+  };
+  sqlite3_exec(opened,
+               "SELECT name FROM sqlite_schema WHERE type = 'table' AND "
+               "name NOT LIKE 'sqlite%'",
+               addName, &tables, nullptr);
+  std::size_t rows = 0;
+  const auto addCount = [](void* sum, int, char** row, char**) {
+    *static_cast<std::size_t*>(sum) += std::strtoull(row[0], nullptr, 10);
+    return 0;
+  };
+  for (const std::string& table : tables) {
+    const std::string sql = "SELECT count(*) FROM \"" + table + '"';
+    sqlite3_exec(opened, sql.c_str(), addCount, &rows, nullptr);
+  }
+  return rows;
 }
 
 }  // namespace fe_db_tools

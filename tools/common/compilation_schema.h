@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace fe_db_tools {
@@ -20,5 +21,8 @@ void writeCompilationDatabase(const NewFile& file, KeyIndexes indexes);
 
 /// The same for a preprocessing database, made at once.
 void createPreprocessingDatabase(const std::string& path);
+
+/// Rows of all tables together; what cannot be read counts for nothing.
+std::size_t countRows(const std::string& path);
 
 }  // namespace fe_db_tools

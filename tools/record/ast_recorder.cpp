@@ -5,6 +5,7 @@
 #include "clang/AST/ASTContext.h"
 #include "clang/AST/RecursiveASTVisitor.h"
 #include "clang/Basic/Version.h"
+#include "effect_analysis.h"
 #include "entity_table.h"
 #include "file_table.h"
 #include "llvm/ADT/DenseSet.h"
@@ -46,7 +47,11 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
         files(files),
         types(sink, files, context),
         entities(sink, files, types, context),
-        system(system) {}
+        system(system),
+        context(context) {}
+
+  /// Of the definitions recorded so far.
+  void recordEffects();
 
   // --- The function that a call stands in.
 
@@ -106,6 +111,7 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
   EntityTable entities;
   ValueUse values;
   SystemFacts system;
+  clang::ASTContext& context;
   std::vector<const clang::FunctionDecl*> callers{nullptr};  ///< null outside of functions
   const void* tagged = nullptr;  ///< the name behind a `struct`, `union`, `class` or `enum`
   llvm::DenseSet<const clang::EnumConstantDecl*> seenSystemConstants;
@@ -333,10 +339,34 @@ bool AstRecorder::VisitCXXRewrittenBinaryOperator(clang::CXXRewrittenBinaryOpera
   return true;
 }
 
+void AstRecorder::recordEffects() {
+  EffectAnalysis effects(context);
+  const auto hasEffect = [](const EntityTable::Functions::value_type& entry) {
+    return entry.second != nullptr && entry.second->getIsDefined() &&
+           entry.first->isThisDeclarationADefinition();
+  };
+  for (const auto& entry : entities.allFunctions()) {
+    if (hasEffect(entry)) effects.add(*entry.first);
+  }
+  effects.run();
+  llvm::DenseSet<const dm::Function*> seen;
+  for (const auto& entry : entities.allFunctions()) {
+    if (!hasEffect(entry)) continue;
+    dm::EffectKind effect = effects.of(*entry.first);
+    // Two that a macro makes at one position are one element.
+    const bool isFirst = seen.insert(entry.second).second;
+    if (!isFirst && entry.second->getEffect() != effect) effect = dm::EffectKind::Unknown;
+    entry.second->setEffect(effect);
+  }
+}
+
 }  // namespace
 
 void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system) {
-  AstRecorder(sink, files, context, system).TraverseDecl(context.getTranslationUnitDecl());
+  AstRecorder recorder(sink, files, context, system);
+  recorder.TraverseDecl(context.getTranslationUnitDecl());
+  // Of a body with errors parts are missing.
+  if (!context.getDiagnostics().hasErrorOccurred()) recorder.recordEffects();
 }
 
 }  // namespace fe_db_tools

@@ -12,6 +12,7 @@
 #include "file_table.h"
 #include "llvm/Support/raw_ostream.h"
 #include "pp_recorder.h"
+#include "watched_files.h"
 
 namespace fe_db_tools {
 
@@ -31,9 +32,10 @@ class RecordConsumer : public clang::ASTConsumer {
   explicit RecordConsumer(Parse& parse) : parse(parse) {}
 
   void HandleTranslationUnit(clang::ASTContext& context) override {
-    if (context.getDiagnostics().hasErrorOccurred()) return;
+    if (context.getDiagnostics().hasErrorOccurred() && !parse.options.keepGoing) return;
     parse.preprocessing->finish();
     recordAst(parse.sink, *parse.files, context, parse.options.system);
+    parse.preprocessing->recordMacroValues(context);
     parse.isDone = true;
   }
 
@@ -116,21 +118,22 @@ std::vector<std::string> clangCommand(const std::vector<std::string>& arguments,
 
 }  // namespace
 
-bool parseAndRecord(const std::vector<std::string>& arguments, const ParseOptions& options,
-                    FactSink& sink, std::string& preprocessedText) {
+ParseResult parseAndRecord(const std::vector<std::string>& arguments, const ParseOptions& options,
+                           FactSink& sink, UnitInputs& inputs, std::string& preprocessedText) {
   Parse parse{sink, options, {}, {}};
   UnitDiagnostics diagnostics;
   llvm::IntrusiveRefCntPtr<clang::FileManager> files(
-      new clang::FileManager(clang::FileSystemOptions()));
+      new clang::FileManager(clang::FileSystemOptions(), watchedFiles(inputs)));
   clang::tooling::ToolInvocation invocation(clangCommand(arguments, options),
                                             std::make_unique<RecordAction>(parse), files.get());
   invocation.setDiagnosticConsumer(&diagnostics);
-  if (!invocation.run() || !parse.isDone) {
+  const bool isClean = invocation.run();
+  if (!parse.isDone || (!isClean && !options.keepGoing)) {
     diagnostics.printKeptUnlessInSource();
-    return false;
+    return ParseResult::failed;
   }
   preprocessedText = parse.preprocessing->preprocessedText();
-  return true;
+  return isClean ? ParseResult::whole : ParseResult::withErrors;
 }
 
 }  // namespace fe_db_tools

@@ -13,7 +13,10 @@ struct CommandLine {
   std::string buildDirectory;      ///< of a compile_commands.json; empty: record `command`
   std::vector<std::string> files;  ///< of the database only these; empty: all
   std::size_t jobs = 1;
-  std::vector<std::string> command;  ///< behind --
+  std::vector<std::string> command;  ///< behind --, or all of a launcher's
+  bool prune = false;
+  bool isLauncher = false;
+  std::string launcherProblem;  ///< why a launcher cannot record; the command is run all the same
 };
 
 /// True: go on. False: the program ends with `exitCode`; everything has been said.

@@ -29,6 +29,10 @@ class EntityTable {
   /// Null without a name.
   dm::Field* field(const clang::FieldDecl& declaration);
 
+  /// Every function() so far. What is not written in a file has no element.
+  using Functions = llvm::DenseMap<const clang::FunctionDecl*, dm::Function*>;
+  const Functions& allFunctions() const { return functions; }
+
  private:
   dm::Function* addFunction(const clang::FunctionDecl& declaration);
   dm::Variable* addVariable(const clang::ValueDecl& declaration);
@@ -37,7 +41,7 @@ class EntityTable {
   FileTable& files;
   TypeTable& types;
   UniqueNames names;
-  llvm::DenseMap<const clang::FunctionDecl*, dm::Function*> functions;
+  Functions functions;
   llvm::DenseMap<const clang::ValueDecl*, dm::Variable*> variables;
   llvm::DenseMap<const clang::FieldDecl*, dm::Field*> fields;
 };

@@ -42,6 +42,12 @@ void FactSink::macroUndefined(dm::Macro& macro) {
                     macro.getIsCommandLineDefinition(), macro.getIsPredefined());
 }
 
+void FactSink::macroValue(dm::Macro& macro, const dm::Macro::Value& value) {
+  // Of the definitions that share the command line's position, the last one counts.
+  const bool isNowhere = macro.getLocalization().file == nullptr;
+  if (isNowhere || !macro.hasValue()) macro.setValue(value);
+}
+
 dm::MacroInvocation* FactSink::macroInvocation(const ExpansionFacts& facts) {
   return data.emplaceMacroInvocation(facts.macro, facts.at,
                                      {facts.at.file, facts.ppLine, facts.ppStart, facts.ppEnd});

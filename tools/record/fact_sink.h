@@ -6,6 +6,7 @@
 
 #include "fe_db/function.h"
 #include "fe_db/localization.h"
+#include "fe_db/macro.h"
 #include "record_kinds.h"
 
 namespace orvalesca::databases_merger {
@@ -14,7 +15,6 @@ class EnumConstant;
 class Field;
 class File;
 class Label;
-class Macro;
 class MacroInvocation;
 class Type;
 class Variable;
@@ -80,6 +80,8 @@ class FactSink {
 
   dm::Macro* macroDefined(const MacroFacts& facts);
   void macroUndefined(dm::Macro& macro);
+  /// The value of one sight of the macro: the first value stays.
+  static void macroValue(dm::Macro& macro, const dm::Macro::Value& value);
   dm::MacroInvocation* macroInvocation(const ExpansionFacts& facts);
   void macroExpansion(const ExpansionFacts& facts, std::string_view code, std::string_view call);
   void codeOrigin(dm::MacroInvocation* invocation, const dm::Localization& at, unsigned offset,

@@ -8,20 +8,40 @@ namespace fe_db_tools {
 
 dm::Macro* MacroTable::macro(const clang::IdentifierInfo& name,
                              const clang::MacroInfo& definition) {
-  dm::Macro*& known = macros[&definition];
-  if (known != nullptr) return known;
+  Known& known = macros[&definition];
+  if (known.macro != nullptr) return known.macro;
   const dm::Localization builtin{nullptr, 0, kinds::kPredefinedColumn};
   const clang::SourceLocation at = definition.getDefinitionLoc();
-  known = sink.macroDefined({.name = {name.getNameStart(), name.getLength()},
-                             .at = at.isValid() ? files.locateSpelling(at) : builtin,
-                             .text = replacementText(definition),
-                             .isObjectLike = definition.isObjectLike(),
-                             .isVariadic = definition.isVariadic()});
-  return known;
+  known.name = &name;
+  known.macro = sink.macroDefined({.name = {name.getNameStart(), name.getLength()},
+                                   .at = at.isValid() ? files.locateSpelling(at) : builtin,
+                                   .text = replacementText(definition),
+                                   .isObjectLike = definition.isObjectLike(),
+                                   .isVariadic = definition.isVariadic()});
+  return known.macro;
+}
+
+void MacroTable::ends(const clang::IdentifierInfo& name, const clang::MacroInfo& definition) {
+  dm::Macro* element = macro(name, definition);
+  macros[&definition].hasEnded = true;
+  ended.emplace_back(element, expandedText(name, definition, preprocessor));
 }
 
 void MacroTable::undefined(const clang::IdentifierInfo& name, const clang::MacroInfo& definition) {
+  ends(name, definition);
   sink.macroUndefined(*macro(name, definition));
+}
+
+void MacroTable::recordValues(const clang::ASTContext& context) {
+  const EnumConstants constants(context);
+  for (const auto& [macro, text] : ended) {
+    FactSink::macroValue(*macro, valueOf(text, preprocessor, constants));
+  }
+  for (const auto& [definition, known] : macros) {
+    if (known.hasEnded) continue;
+    const Tokens text = expandedText(*known.name, *definition, preprocessor);
+    FactSink::macroValue(*known.macro, valueOf(text, preprocessor, constants));
+  }
 }
 
 std::string MacroTable::replacementText(const clang::MacroInfo& definition) const {

@@ -1,3 +1,6 @@
+#include <sys/resource.h>
+
+#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -5,6 +8,9 @@
 
 #include "command_line.h"
 #include "compile_database.h"
+#include "launcher.h"
+#include "manifest.h"
+#include "unit_output.h"
 #include "unit_runner.h"
 
 namespace fe_db_tools {
@@ -43,17 +49,49 @@ void reportRefused(const RefusedUnit& unit) {
   std::fprintf(stderr, "fe_db_record: %s: %s\n", unit.source.c_str(), unit.reason.c_str());
 }
 
-int recordDatabase(const CommandLine& line) {
-  CompileDatabase database = readCompileDatabase(line.buildDirectory);
-  bool isWhole = selectFiles(line, database) && database.refused.empty();
-  for (const RefusedUnit& unit : database.refused) reportRefused(unit);
-  const RunSummary summary = runUnits(database.units, line.record, line.jobs);
+void print(const CompileDatabase& database, const RunSummary& summary, const std::string& directory,
+           double seconds) {
+  struct rusage children {};
+  getrusage(RUSAGE_CHILDREN, &children);
   std::printf("%zu of %zu units recorded in %s", summary.recorded,
-              database.units.size() + database.refused.size(), line.record.outputDirectory.c_str());
+              database.units.size() + database.refused.size(), directory.c_str());
+  if (summary.reused != 0) std::printf(", %zu reused", summary.reused);
+  const std::size_t failed = summary.failed + database.refused.size();
+  if (failed != 0) std::printf(", %zu failed", failed);
   if (database.skipped != 0) {
     std::printf(", %zu entries skipped that compile no C or C++ source", database.skipped);
   }
+  std::printf(", %zu facts, %.2f s", summary.facts, seconds);
+  if (summary.recorded + summary.failed != 0) {
+    const double mebibytes = static_cast<double>(children.ru_maxrss) / 1024;
+    std::printf(", at most %.1f MiB memory for a unit", mebibytes);
+  }
   std::printf("\n");
+}
+
+void handleStale(const CommandLine& line, const std::set<std::string>& current) {
+  const std::string& directory = line.record.outputDirectory;
+  const std::vector<std::string> stale = staleUnits(directory, current);
+  if (stale.empty()) return;
+  for (const std::string& name : stale) {
+    if (line.prune) UnitOutput(directory, name, false).removePublished();
+  }
+  std::printf("%zu units in %s are not in the compile_commands.json (%s%s); %s\n", stale.size(),
+              directory.c_str(), stale.front().c_str(), stale.size() == 1 ? "" : ", ...",
+              line.prune ? "their files are removed" : "--prune removes their files");
+}
+
+int recordDatabase(const CommandLine& line) {
+  CompileDatabase database = readCompileDatabase(line.buildDirectory);
+  std::set<std::string> current;
+  for (const Unit& unit : database.units) current.insert(unit.name());
+  bool isWhole = selectFiles(line, database) && database.refused.empty();
+  for (const RefusedUnit& unit : database.refused) reportRefused(unit);
+  const auto start = std::chrono::steady_clock::now();
+  const RunSummary summary = runUnits(database.units, line.record, line.jobs);
+  const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+  print(database, summary, line.record.outputDirectory, spent.count());
+  handleStale(line, current);
   return isWhole && summary.failed == 0 ? kDone : kFailed;
 }
 
@@ -73,7 +111,11 @@ int recordCommand(const CommandLine& line) {
   }
   std::vector<Unit> units;
   for (const std::string& source : clean.sources) units.push_back({here, source, clean.flags});
-  if (units.size() == 1) return recordUnit(units[0], line.record) ? kDone : kFailed;
+  // One unit needs no process of its own, unless somebody has to see it killed.
+  if (units.size() == 1 && line.record.timeout == 0) {
+    const bool isUnchanged = !line.record.force && ReuseCheck().isUnchanged(units[0], line.record);
+    return isUnchanged || recordUnit(units[0], line.record) ? kDone : kFailed;
+  }
   return runUnits(units, line.record, line.jobs).failed == 0 ? kDone : kFailed;
 }
 
@@ -81,6 +123,7 @@ int run(int argc, char** argv) {
   CommandLine line;
   int exitCode = kDone;
   if (!readCommandLine(argc, argv, line, exitCode)) return exitCode;
+  if (line.isLauncher) return launch(line);
   // Units are recorded from the directories of their commands.
   std::string& output = line.record.outputDirectory;
   output = std::filesystem::absolute(output).lexically_normal().string();

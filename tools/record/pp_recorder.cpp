@@ -99,6 +99,8 @@ class Callbacks : public clang::PPCallbacks {
 
   void MacroDefined(const clang::Token& name, const clang::MacroDirective* directive) override {
     impl.macros.macro(*name.getIdentifierInfo(), *directive->getMacroInfo());
+    const auto* before = llvm::dyn_cast_or_null<clang::DefMacroDirective>(directive->getPrevious());
+    if (before != nullptr) impl.macros.ends(*name.getIdentifierInfo(), *before->getInfo());
   }
 
   void MacroUndefined(const clang::Token& name, const clang::MacroDefinition& definition,
@@ -166,6 +168,10 @@ PpRecorder::~PpRecorder() = default;
 void PpRecorder::finish() {
   impl->tracker.flush();
   impl->printer.finish();
+}
+
+void PpRecorder::recordMacroValues(const clang::ASTContext& context) {
+  impl->macros.recordValues(context);
 }
 
 const std::string& PpRecorder::preprocessedText() const { return impl->printer.getText(); }

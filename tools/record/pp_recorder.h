@@ -6,8 +6,9 @@
 #include "fact_sink.h"
 
 namespace clang {
+class ASTContext;
 class Preprocessor;
-}
+}  // namespace clang
 
 namespace fe_db_tools {
 
@@ -22,6 +23,8 @@ class PpRecorder {
 
   /// At the end of the unit: what still waits for a token gets none.
   void finish();
+  /// After the whole unit: enum constants have values too.
+  void recordMacroValues(const clang::ASTContext& context);
   /// What the preprocessed lines and columns of the facts refer to.
   const std::string& preprocessedText() const;
 

@@ -27,6 +27,8 @@ inline constexpr dm::LinkageKind kNoLinkage = dm::LinkageKind::None;
 inline constexpr dm::LinkageKind kExternalLinkage = dm::LinkageKind::External;
 inline constexpr dm::LinkageKind kInternalLinkage{2};
 
+inline constexpr dm::EffectKind kHasEffects{1};
+
 /// Columns that tell the origin of what stands in no file.
 inline constexpr unsigned kCommandLineColumn = 1;
 inline constexpr unsigned kPredefinedColumn = 3;

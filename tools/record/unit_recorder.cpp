@@ -47,28 +47,40 @@ void save(dm::CompilationData& data) {
 bool recordUnit(const Unit& unit, const RecordOptions& options) {
   // Only this process writes the files, and they are new: no row is there to be looked for.
   persistence::GenericElement::setOptimisticInsert(true);
-  UnitOutput output(options.outputDirectory, unit.name(), options.keepPreprocessed);
+  UnitOutput output(options.outputDirectory, options.nameOf(unit), options.keepPreprocessed);
   const std::unique_ptr<dm::CompilationData> data =
       dm::CompilationData::newInstance(output.compilation(), output.preprocessing());
   FactSink sink(*data);
   std::vector<std::string> arguments = unit.flags;
   arguments.push_back(unit.source);
-  std::string preprocessedText;
-  if (!parseAndRecord(arguments, options.parse, sink, preprocessedText)) {
+  std::string text;
+  UnitInputs inputs;
+  const ParseResult result = parseAndRecord(arguments, options.parse, sink, inputs, text);
+  if (result == ParseResult::failed) {
     output.removePublished();
     std::fprintf(stderr, "fe_db_record: %s: does not parse; nothing of it is recorded\n",
                  unit.sourcePath().c_str());
     return false;
   }
   try {
+    output.begin();
     save(*data);
-    output.writePreprocessed(preprocessedText);
+    if (options.keepPreprocessed) output.write(".i", text);
+    // Without a manifest a unit with errors is never taken for one that need not be recorded.
+    if (result == ParseResult::whole) {
+      const std::size_t facts = countRows(output.compilation());
+      const std::string manifest = manifestText(unit, options, facts, inputs);
+      if (!manifest.empty()) output.write(".manifest", manifest);
+    }
     output.publish();
-    return true;
   } catch (const std::runtime_error& error) {
     std::fprintf(stderr, "fe_db_record: %s\n", error.what());
     return false;
   }
+  if (result == ParseResult::whole) return true;
+  std::fprintf(stderr, "fe_db_record: %s: has errors; what could be recorded is saved\n",
+               unit.sourcePath().c_str());
+  return false;
 }
 
 }  // namespace fe_db_tools

@@ -5,12 +5,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <stdexcept>
 
+#include "manifest.h"
 #include "progress_bar.h"
 #include "unit_output.h"
 
@@ -28,6 +32,9 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
   arguments.push_back(options.parse.system == SystemFacts::all ? "--system=all"
                                                                : "--system=referenced");
   if (options.keepPreprocessed) arguments.push_back("--keep-preprocessed");
+  if (options.parse.keepGoing) arguments.push_back("--keep-going");
+  if (!options.name.empty()) arguments.push_back("--name=" + options.name);
+  arguments.push_back("--force");
   if (!options.parse.resourceDirectory.empty()) {
     arguments.push_back("--resource-dir=" + options.parse.resourceDirectory);
   }
@@ -39,7 +46,10 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
 
 /// In the new process; does not come back.
 [[noreturn]] void becomeUnit(const Unit& unit, const std::vector<std::string>& arguments,
-                             int messages) {
+                             unsigned timeout, int messages) {
+  // The alarm stays set when the program changes, and ends it.
+  std::signal(SIGALRM, SIG_DFL);
+  alarm(timeout);
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   dup2(messages, STDERR_FILENO);
   std::vector<char*> words;
@@ -57,26 +67,48 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
   _exit(1);
 }
 
-void passOn(int messages) {
+std::string readAll(int messages) {
+  std::string text;
   char buffer[4096];
   lseek(messages, 0, SEEK_SET);
   for (ssize_t n = read(messages, buffer, sizeof buffer); n > 0;
        n = read(messages, buffer, sizeof buffer)) {
-    std::fwrite(buffer, 1, static_cast<std::size_t>(n), stderr);
+    text.append(buffer, static_cast<std::size_t>(n));
   }
   close(messages);
+  return text;
+}
+
+std::string lineWith(const std::string& text, std::size_t at) {
+  const std::size_t start = text.rfind('\n', at) + 1;
+  return text.substr(start, text.find('\n', at) - start);
+}
+
+/// This program's own last line, which says what became of the unit, and the first error.
+std::string verdictOf(const std::string& text) {
+  const std::size_t verdict = text.rfind("fe_db_record: ");
+  if (verdict == std::string::npos) return {};
+  const std::size_t error = text.find("error: ");
+  if (error == std::string::npos) return lineWith(text, verdict) + '\n';
+  return lineWith(text, verdict) + " (" + lineWith(text, error) + ")\n";
 }
 
 class Runner {
  public:
-  Runner(const std::vector<Unit>& units, const RecordOptions& options)
-      : units(units), options(options), bar(units.size()) {}
+  Runner(const std::vector<Unit>& all, const RecordOptions& options, Messages messages)
+      : options(options),
+        verbosity(messages),
+        changed(changedOf(all)),
+        bar(messages == Messages::all ? changed.size() : 0),
+        started(Clock::now()) {
+    summary.reused = all.size() - changed.size();
+  }
 
   RunSummary run(std::size_t jobs) {
-    bar.show(0);
-    for (std::size_t next = 0; next < units.size() || !children.empty();) {
-      if (next < units.size() && children.size() < jobs) {
-        start(units[next++]);
+    bar.show(0, note());
+    for (std::size_t next = 0; next < changed.size() || !children.empty();) {
+      if (next < changed.size() && children.size() < jobs) {
+        start(*changed[next++]);
       } else {
         finishOne();
       }
@@ -85,11 +117,31 @@ class Runner {
   }
 
  private:
+  using Clock = std::chrono::steady_clock;
+
+  std::vector<const Unit*> changedOf(const std::vector<Unit>& all) const {
+    std::vector<const Unit*> units;
+    ReuseCheck check;
+    for (const Unit& unit : all) {
+      if (options.force || !check.isUnchanged(unit, options)) units.push_back(&unit);
+    }
+    return units;
+  }
+
+  std::string note() const {
+    std::string text;
+    if (summary.reused != 0) text += std::to_string(summary.reused) + " reused, ";
+    if (summary.failed != 0) text += std::to_string(summary.failed) + " failed, ";
+    const std::chrono::duration<double> spent = Clock::now() - started;
+    const double rate = static_cast<double>(summary.facts) / std::max(spent.count(), 0.001);
+    return text + std::to_string(static_cast<long>(rate)) + " facts per second";
+  }
+
   void start(const Unit& unit) {
     const std::vector<std::string> arguments = childArguments(unit, options);
     const int messages = memfd_create("fe_db_record", MFD_CLOEXEC);
     const pid_t process = messages < 0 ? -1 : fork();
-    if (process == 0) becomeUnit(unit, arguments, messages);
+    if (process == 0) becomeUnit(unit, arguments, options.timeout, messages);
     if (process < 0) {
       bar.clear();
       std::fprintf(stderr, "fe_db_record: %s: no process for it: %s\n", unit.sourcePath().c_str(),
@@ -108,35 +160,49 @@ class Runner {
     if (child == children.end()) return;
     const bool isRecorded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
     ++(isRecorded ? summary.recorded : summary.failed);
-    bar.clear();
-    passOn(child->second.messages);
-    if (WIFSIGNALED(status)) reportKilled(*child->second.unit, WTERMSIG(status));
+    const Unit& unit = *child->second.unit;
+    std::string text = readAll(child->second.messages);
     children.erase(child);
-    const std::string failed =
-        summary.failed == 0 ? "" : std::to_string(summary.failed) + " failed";
-    bar.show(summary.recorded + summary.failed, failed);
+    const UnitOutput output(options.outputDirectory, options.nameOf(unit), false);
+    if (isRecorded) summary.facts += factsOf(output.manifest());
+    if (WIFSIGNALED(status)) text += killed(unit, WTERMSIG(status));
+    if (verbosity == Messages::oneLine) text = verdictOf(text);
+    bar.clear();
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    bar.show(summary.recorded + summary.failed, note());
   }
 
-  void reportKilled(const Unit& unit, int signal) {
-    std::fprintf(stderr,
-                 "fe_db_record: %s: its process was killed (%s); nothing of it is recorded\n",
-                 unit.sourcePath().c_str(), strsignal(signal));
-    // What it left half-written goes with this object.
-    UnitOutput(options.outputDirectory, unit.name(), options.keepPreprocessed);
+  std::string killed(const Unit& unit, int signal) const {
+    try {
+      UnitOutput output(options.outputDirectory, options.nameOf(unit), false);
+      output.begin();  // what was left half-written goes with this object
+      output.removePublished();
+    } catch (const std::runtime_error&) {
+      // The next run of the unit clears away as well.
+    }
+    const std::string start = "fe_db_record: " + unit.sourcePath() + ": ";
+    if (signal == SIGALRM && options.timeout != 0) {
+      return start + "took longer than " + std::to_string(options.timeout) +
+             " s and was killed; nothing of it is recorded; give it more with --timeout\n";
+    }
+    return start + "its process was killed (" + strsignal(signal) +
+           "); nothing of it is recorded\n";
   }
 
-  const std::vector<Unit>& units;
   const RecordOptions& options;
+  Messages verbosity;
+  std::vector<const Unit*> changed;
   ProgressBar bar;
+  Clock::time_point started;
   std::map<pid_t, Child> children;
   RunSummary summary;
 };
 
 }  // namespace
 
-RunSummary runUnits(const std::vector<Unit>& units, const RecordOptions& options,
-                    std::size_t jobs) {
-  return Runner(units, options).run(jobs);
+RunSummary runUnits(const std::vector<Unit>& units, const RecordOptions& options, std::size_t jobs,
+                    Messages messages) {
+  return Runner(units, options, messages).run(jobs);
 }
 
 }  // namespace fe_db_tools

@@ -3,7 +3,7 @@
   int hiddenCount;
 //    ^^^^^^^^^^^ Variable of int defined linkage=2 refs=1
   void hiddenCall() { ++hiddenCount; }
-//     ^^^^^^^^^^ Function _ZN5outer12_GLOBAL__N_110hiddenCallEv@/classes.cpp defined linkage=2 refs=1
+//     ^^^^^^^^^^ Function _ZN5outer12_GLOBAL__N_110hiddenCallEv@/classes.cpp defined linkage=2 refs=1 has effects
   }
   enum class Mode : char { on, off };
 //           ^^^^ Type kind=4 refs=2 tagRefs=0
@@ -13,21 +13,21 @@
 //      ^^^^ Type kind=256 refs=9 tagRefs=0
    public:
     Base() : value(1) {}
-//  ^^^^ Function _ZN5outer4BaseC1Ev defined special linkage=1 refs=1 external=_ZN5outer4BaseC1Ev
+//  ^^^^ Function _ZN5outer4BaseC1Ev defined special linkage=1 refs=1 external=_ZN5outer4BaseC1Ev no effect
     explicit Base(int n) : value(n) {}
-//           ^^^^ Function _ZN5outer4BaseC1Ei defined special linkage=1 refs=2 external=_ZN5outer4BaseC1Ei
+//           ^^^^ Function _ZN5outer4BaseC1Ei defined special linkage=1 refs=2 external=_ZN5outer4BaseC1Ei no effect
 //                    ^ Variable of int defined linkage=0 refs=1
     virtual ~Base() = default;
 //          ^^^^^ Function _ZN5outer4BaseD1Ev defined special linkage=1 refs=0 external=_ZN5outer4BaseD1Ev
     virtual int get() const { return value; }
 //              ^^^ Function _ZNK5outer4Base3getEv defined linkage=1 refs=1 external=_ZNK5outer4Base3getEv
     operator bool() const { return value != 0; }
-//  ^^^^^^^^^^^^^ Function _ZNK5outer4BasecvbEv defined special linkage=1 refs=1 external=_ZNK5outer4BasecvbEv
+//  ^^^^^^^^^^^^^ Function _ZNK5outer4BasecvbEv defined special linkage=1 refs=1 external=_ZNK5outer4BasecvbEv no effect
     Base& operator+=(const Base& other) { value += other.value; return *this; }
-//        ^^^^^^^^^^ Function _ZN5outer4BasepLERKS0_ defined special linkage=1 refs=1 external=_ZN5outer4BasepLERKS0_
+//        ^^^^^^^^^^ Function _ZN5outer4BasepLERKS0_ defined special linkage=1 refs=1 external=_ZN5outer4BasepLERKS0_ has effects
 //                               ^^^^^ Variable of Base defined linkage=0 refs=1
     bool operator==(const Base& other) const { return value == other.value; }
-//       ^^^^^^^^^^ Function _ZNK5outer4BaseeqERKS0_ defined special linkage=1 refs=0 external=_ZNK5outer4BaseeqERKS0_
+//       ^^^^^^^^^^ Function _ZNK5outer4BaseeqERKS0_ defined special linkage=1 refs=0 external=_ZNK5outer4BaseeqERKS0_ no effect
 //                              ^^^^^ Variable of Base defined linkage=0 refs=1
     static int instances;
 //             ^^^^^^^^^ Variable of int declared linkage=1 refs=0 external=_ZN5outer4Base9instancesE
@@ -65,7 +65,7 @@
 //               ^^^^^ Function plain declared linkage=1 refs=2 external=plain
 
   int run(outer::Mode mode) {
-//    ^^^ Function _Z3runN5outer4ModeE defined linkage=1 refs=0 external=_Z3runN5outer4ModeE
+//    ^^^ Function _Z3runN5outer4ModeE defined linkage=1 refs=0 external=_Z3runN5outer4ModeE has effects
 //                    ^^^^ Variable of Mode defined linkage=0 refs=1
     outer::hiddenCall();
 //         ^^^^^^^^^^ Call of hiddenCall by run, dropped

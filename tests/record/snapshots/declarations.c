@@ -33,18 +33,18 @@
   int visible(int unused);
 //    ^^^^^^^ Function visible declared linkage=1 refs=0 external=visible
   static int helper(int n) { return n + hidden; }
-//           ^^^^^^ Function helper@/declarations.c defined linkage=2 refs=1
+//           ^^^^^^ Function helper@/declarations.c defined linkage=2 refs=1 no effect
 //                      ^ Variable of int defined linkage=0 refs=1
   int visible(int n) { static int calls; return calls + helper(n) + shared; }
-//    ^^^^^^^ Function visible defined linkage=1 refs=0 external=visible
+//    ^^^^^^^ Function visible defined linkage=1 refs=0 external=visible no effect
 //                ^ Variable of int defined linkage=0 refs=1
 //                                ^^^^^ Variable of int defined linkage=0 refs=1
 //                                                      ^^^^^^ Call of helper by visible, used
   __attribute__((constructor)) static void at_start(void) {}
-//                                         ^^^^^^^^ Function at_start@/declarations.c defined special linkage=2 refs=0
+//                                         ^^^^^^^^ Function at_start@/declarations.c defined special linkage=2 refs=0 no effect
 
   int use(point_t *p, handler h) {
-//    ^^^ Function use defined linkage=1 refs=0 external=use
+//    ^^^ Function use defined linkage=1 refs=0 external=use has effects
 //                 ^ Variable of point_t defined linkage=0 refs=2
 //                            ^ Variable of handler defined linkage=0 refs=1
     struct local { point_t at; } here = {.at = {.x = 1}};

@@ -1,5 +1,5 @@
 #define VERSION 3
-//      ^^^^^^^ Macro "3" refs=2
+//      ^^^^^^^ Macro "3" = 3 refs=2
   #define SQUARE(x) ((x) * (x))
 //        ^^^^^^ Macro "((x) * (x))" functionLike refs=4
   #define LOG(...) (void)0
@@ -60,14 +60,14 @@
 
   #undef VERSION
   #define VERSION 4
-//        ^^^^^^^ Macro "4" refs=1
+//        ^^^^^^^ Macro "4" = 4 refs=1
   int third = VERSION;
 //    ^^^^^ Variable of int defined linkage=1 refs=0 external=third
 //            ^^^^^^^ Expansion "4"
 //            ^^^^^^^ Invocation of VERSION from line 24: "4"
 
   void log_it(void) {
-//     ^^^^^^ Function log_it defined linkage=1 refs=0 external=log_it
+//     ^^^^^^ Function log_it defined linkage=1 refs=0 external=log_it has effects
     LOG("%d", third);
 //  ^^^ Invocation of LOG from line 3: "(void)0"
 //  ^^^^^^^^^^^^^^^^ Expansion "(void)0"

@@ -1,0 +1,125 @@
+#include "launcher.h"
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+
+#include "shell_words.h"
+#include "unit_runner.h"
+
+namespace fe_db_tools {
+
+namespace {
+
+constexpr int kCannotRun = 126;
+constexpr int kNotFound = 127;
+
+/// Like a shell.
+int runCompiler(const std::vector<std::string>& command) {
+  std::vector<char*> words;
+  for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
+  words.push_back(nullptr);
+  const pid_t process = fork();
+  if (process == 0) {
+    // Who stops the build by ending its processes means the compiler too.
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    execvp(words[0], words.data());
+    const int error = errno;
+    std::fprintf(stderr, "fe_db_record: %s: cannot be run: %s\n", words[0], std::strerror(error));
+    std::fflush(stderr);
+    _exit(error == ENOENT ? kNotFound : kCannotRun);
+  }
+  int status = 0;
+  while (process >= 0 && waitpid(process, &status, 0) < 0 && errno == EINTR) {
+  }
+  if (process < 0) throw std::runtime_error(command[0] + ": no process for it");
+  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+/// What a command makes of its sources.
+struct Product {
+  bool isCompiled = true;   ///< not only preprocessed or listed
+  bool hasPrograms = true;  ///< no -c or -S: linked at once, without objects that stay
+  std::string ending = ".o";
+  std::string output;  ///< of -o
+};
+
+Product productOf(const std::vector<std::string>& arguments) {
+  static constexpr const char* kOtherwise[] = {"-E", "-M", "-MM", "-###", "-fsyntax-only", "-"};
+  Product product;
+  for (std::size_t i = 1; i < arguments.size(); ++i) {
+    const std::string& word = arguments[i];
+    if (std::find(std::begin(kOtherwise), std::end(kOtherwise), word) != std::end(kOtherwise)) {
+      product.isCompiled = false;
+    } else if (word == "-c" || word == "-S") {
+      product.hasPrograms = false;
+      if (word == "-S") product.ending = ".s";
+    } else if (word == "-o" && i + 1 < arguments.size()) {
+      product.output = arguments[++i];
+    } else if (word.starts_with("-o")) {
+      product.output = word.substr(2);
+    }
+  }
+  return product;
+}
+
+/// The files of a unit are named like the object with their endings added. Without an object: like
+/// the program, a hyphen and the source.
+std::filesystem::path objectOf(const Product& product, const std::string& source) {
+  const std::filesystem::path name = std::filesystem::path(source).filename();
+  if (product.hasPrograms) {
+    return (product.output.empty() ? "a.out" : product.output) + "-" + name.string();
+  }
+  if (!product.output.empty()) return product.output;
+  return name.stem().string() + product.ending;
+}
+
+void recordSource(const Unit& unit, const Product& product, RecordOptions options) {
+  if (options.outputDirectory.empty()) {
+    const auto object = std::filesystem::absolute(objectOf(product, unit.source));
+    options.outputDirectory = object.parent_path().string();
+    options.name = object.filename().string();
+  } else {
+    options.outputDirectory = std::filesystem::absolute(options.outputDirectory).string();
+    std::filesystem::create_directories(options.outputDirectory);
+  }
+  runUnits({unit}, options, /*jobs=*/1, Messages::oneLine);
+}
+
+void recordCompiled(const CommandLine& line) {
+  const std::string here = std::filesystem::current_path().string();
+  const Product product = productOf(expandResponseFiles(line.command, here));
+  // To /dev/null goes what only asks the compiler something.
+  const bool isKept = product.output.empty() || std::filesystem::is_regular_file(product.output);
+  if (!product.isCompiled || !isKept) return;
+  const CleanCommand clean = cleanCommand({here, line.command});
+  if (clean.sources.empty()) return;
+  if (!clean.refusal.empty()) throw std::runtime_error(clean.sources[0] + ": " + clean.refusal);
+  if (!line.launcherProblem.empty()) throw std::runtime_error(line.launcherProblem);
+  for (const std::string& source : clean.sources) {
+    recordSource({here, source, clean.flags}, product, line.record);
+  }
+}
+
+}  // namespace
+
+int launch(const CommandLine& line) {
+  const int exitCode = runCompiler(line.command);
+  if (exitCode != 0) return exitCode;
+  try {
+    recordCompiled(line);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "fe_db_record: %s\n", error.what());
+  }
+  return exitCode;
+}
+
+}  // namespace fe_db_tools

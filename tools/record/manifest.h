@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace fe_db_tools {
+
+struct RecordOptions;
+struct Unit;
+
+/// A regular file as it is at some time.
+struct FileState {
+  std::uint64_t size = 0;
+  /// When content or attributes changed last, in nanoseconds. Unlike the time of modification
+  /// nobody can set it back: as long as it stands still, so does the content.
+  std::int64_t changed = 0;
+  std::optional<std::uint64_t> hash;  ///< of the content, once it was asked for
+};
+
+/// What a parse took from the file system: the files it read, and the names under which it looked
+/// for a file and found none. A header that turns up under such a name changes the unit too.
+class UnitInputs {
+ public:
+  /// Before the file is read; its content is hashed here.
+  void noteRead(const std::string& path);
+  void noteMissing(const std::string& path) { missing.insert(path); }
+
+  /// As lines of a manifest. Empty when they do not tell what was read: a file that changed
+  /// meanwhile, a pipe, a name with a line break.
+  std::string lines() const;
+
+ private:
+  std::map<std::string, FileState> files;
+  std::set<std::string> missing;
+  bool isCertain = true;
+};
+
+/// The text of DIR/<unit>.manifest; empty when the inputs cannot be relied upon.
+std::string manifestText(const Unit& unit, const RecordOptions& options, std::size_t facts,
+                         const UnitInputs& inputs);
+
+/// How many facts the files of a unit have, as its manifest says; 0 without one.
+std::size_t factsOf(const std::string& manifestPath);
+
+/// Tells units whose files are as a new recording would write them. Remembers what it found of
+/// each file: use a new one after the files may have changed.
+class ReuseCheck {
+ public:
+  bool isUnchanged(const Unit& unit, const RecordOptions& options);
+
+ private:
+  bool isSame(const std::string& path, const FileState& before);
+  bool isLineTrue(const std::string& line);
+
+  std::map<std::string, std::optional<FileState>> files;
+};
+
+}  // namespace fe_db_tools
