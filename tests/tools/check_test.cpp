@@ -212,5 +212,28 @@ TEST_F(Check, Json_HasOneObjectALine) {
 )");
 }
 
+TEST_F(Check, Text_HasEachTokenAndExpansionWhereItsRowSays) {
+  const std::string text = fileHolding("x.i", "int i =\n  (1+2) ;\n");
+  const std::string file = preprocessingFile(
+      path("x.pp.db"),
+      "INSERT INTO File VALUES (1,'a.c',1,1,0); INSERT INTO Identifier VALUES (1,'M',1,8);"
+      "INSERT INTO Macro VALUES (1,1,1,1,9,1,NULL,0,1,0,0,0,'(1+2)');"
+      "INSERT INTO MacroInvocation VALUES (1,1,1,2,9,NULL,2,3,8);"
+      "INSERT INTO MacroInvocationCodeOrigin VALUES (1,1,11,1,0,1,0,'('),(1,1,12,1,1,2,0,'1');"
+      "INSERT INTO MacroExpansion VALUES ('M','(1+2)',1,2,9,2,3)");
+  EXPECT_EQ(outputOf({"check", "--text", text, file}), "");
+  execute(file,
+          "UPDATE MacroInvocationCodeOrigin SET EndOffsetColumnInInvocation=3 WHERE rowid=2;"
+          "INSERT INTO MacroExpansion VALUES ('M','2',1,2,9,2,5),('M','(1+2)',1,2,9,9,3)");
+  const ProgramResult result = feDb({"check", "--text", text, file});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output,
+            "MacroInvocationCodeOrigin row 2: '1' is not in line 2, column 4, where the text has "
+            "'1+'\n"
+            "MacroExpansion row 2: '2' is not in line 2, column 5, where the text has '+'\n"
+            "MacroExpansion row 3: '(1+2)' is not in line 9, column 3, where the text has ''\n");
+  EXPECT_EQ(feDb({"check", "--text", path("none.i"), file}).exitCode, 1);
+}
+
 }  // namespace
 }  // namespace fe_db_tests

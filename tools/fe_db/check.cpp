@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "check_rules.h"
+#include "check_text.h"
 #include "output.h"
 #include "subcommands.h"
 
@@ -10,6 +11,7 @@ namespace {
 
 struct CheckOptions {
   std::string file;
+  std::string text;
   bool json = false;
   int waitSeconds = kDefaultWaitSeconds;
 };
@@ -35,12 +37,14 @@ std::string jsonOf(const Remark& remark, const Table* table) {
 int check(const CheckOptions& options) {
   const ReadOnlyFile file(options.file, options.waitSeconds, Gaps::accepted);
   bool good = true;
-  checkFile(file, [&](const Table* table, const std::vector<Remark>& remarks) {
+  const auto tell = [&](const Table* table, const std::vector<Remark>& remarks) {
     for (const Remark& remark : remarks) {
       good &= remark.isNote;
       print(options.json ? jsonOf(remark, table) : textOf(remark, options.file, table));
     }
-  });
+  };
+  checkFile(file, tell);
+  if (!options.text.empty()) checkText(file, options.text, tell);
   return good ? kDone : kFailed;
 }
 
@@ -59,6 +63,11 @@ void addCheck(CLI::App& program, Action& action) {
       "external identifiers, and macro uses in a compilation file whose ids a merge has outdated.\n"
       "Exit code 1 when there is a finding.");
   command->add_option("FILE", options->file, "The database file")->required();
+  command
+      ->add_option("--text", options->text,
+                   "The preprocessed text of a preprocessing FILE: look as well whether each token "
+                   "and each expansion stands in it where its row says")
+      ->type_name("UNIT.i");
   command->add_flag("--json", options->json,
                     "One JSON object a line: severity, table, row, reason");
   addWaitOption(*command, options->waitSeconds);

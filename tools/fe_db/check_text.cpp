@@ -1,0 +1,88 @@
+#include "check_text.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string_view>
+
+#include "canonical_text.h"
+
+namespace fe_db_tools {
+namespace {
+
+/// A text by lines and columns, which count from 1.
+class PreprocessedText {
+ public:
+  explicit PreprocessedText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (file) text_.assign(std::istreambuf_iterator<char>(file), {});
+    if (!file) {
+      throw std::runtime_error(path + ": cannot read it: " + std::strerror(errno) +
+                               "; give the text that fe_db_record --keep-preprocessed wrote");
+    }
+    for (std::size_t at = 0; at <= text_.size(); ++at) {
+      if (at == 0 || text_[at - 1] == '\n') starts_.push_back(at);
+    }
+  }
+
+  /// What stands there; shorter, or empty, when the line ends before.
+  std::string_view slice(sqlite3_int64 line, sqlite3_int64 column, std::size_t length) const {
+    if (line < 1 || line > static_cast<sqlite3_int64>(starts_.size()) || column < 1) return {};
+    const std::size_t start = starts_[static_cast<std::size_t>(line - 1)];
+    std::string_view rest = std::string_view(text_).substr(start);
+    rest = rest.substr(0, rest.find('\n'));
+    if (static_cast<std::size_t>(column - 1) > rest.size()) return {};
+    return rest.substr(static_cast<std::size_t>(column - 1), length);
+  }
+
+ private:
+  std::string text_;
+  std::vector<std::size_t> starts_;
+};
+
+/// Row id, line, first column, the column behind the last (NULL: where the text ends), and what
+/// has to stand there.
+constexpr char kExpansions[] =
+    "SELECT rowid, PpLineNum, PpColNum, NULL, ExpandedCode FROM MacroExpansion";
+constexpr char kTokens[] =
+    "SELECT O.rowid, ppLineNum, ppStartColNum + OffsetColumnInInvocation,"
+    " ppStartColNum + EndOffsetColumnInInvocation, TokenString FROM MacroInvocationCodeOrigin O"
+    " JOIN MacroInvocation USING (MacroInvocationId) ORDER BY O.rowid";
+
+std::string quoted(std::string_view text) {
+  std::string result = "'";
+  appendEscaped(result, text, Colons::plain);
+  return result + "'";
+}
+
+std::vector<Remark> misplaced(const ReadOnlyFile& file, const PreprocessedText& text,
+                              const char* query) {
+  std::vector<Remark> remarks;
+  const Statement rows = file.prepare(query);
+  while (file.step(rows)) {
+    const auto number = [&](int cell) { return sqlite3_column_int64(rows.get(), cell); };
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(rows.get(), 4));
+    const std::string_view expected = bytes != nullptr ? bytes : "";
+    const bool hasEnd = sqlite3_column_type(rows.get(), 3) != SQLITE_NULL;
+    const auto length = hasEnd ? static_cast<std::size_t>(number(3) - number(2)) : expected.size();
+    const std::string_view found = text.slice(number(1), number(2), length);
+    if (found == expected) continue;
+    remarks.push_back({false, number(0),
+                       quoted(expected) + " is not in line " + std::to_string(number(1)) +
+                           ", column " + std::to_string(number(2)) + ", where the text has " +
+                           quoted(found)});
+  }
+  return remarks;
+}
+
+}  // namespace
+
+void checkText(const ReadOnlyFile& file, const std::string& textPath, const Tell& tell) {
+  const PreprocessedText text(textPath);
+  tell(&tableOf(TableId::macroInvocationCodeOrigin), misplaced(file, text, kTokens));
+  tell(&tableOf(TableId::macroExpansion), misplaced(file, text, kExpansions));
+}
+
+}  // namespace fe_db_tools
