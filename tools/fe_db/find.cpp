@@ -60,7 +60,7 @@ int find(const FindOptions& options, const Question& question) {
   const ReadOnlyFile file(options.file, options.waitSeconds);
   dm::CompilationData data(options.file, "");
   dm::CompilationDatabase& db = data.getCompDb();
-  db.setBusyTimeout(1000 * std::min(options.waitSeconds, 1'000'000));
+  db.setBusyTimeout(busyTimeoutOf(options.waitSeconds));
   if (!db.quick_connect(/*readOnly=*/true)) {
     throw std::runtime_error(options.file + ": cannot be opened");
   }

@@ -37,7 +37,7 @@ int makeIndexes(const IndexOptions& options) {
   const std::set<std::string> known = indexTexts(options.file, options.waitSeconds);
   CompilationData data(options.file, "");
   CompilationDatabase& db = data.getCompDb();
-  db.setBusyTimeout(1000 * options.waitSeconds);
+  db.setBusyTimeout(busyTimeoutOf(options.waitSeconds));
   if (!db.quick_connect(/*readOnly=*/false) || !db.beginTransaction()) {
     throw std::runtime_error(options.file +
                              ": cannot be locked for writing; see that it may be written and that "

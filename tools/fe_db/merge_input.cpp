@@ -21,8 +21,7 @@ CompilationDatabase& openMergeInput(CompilationDataMerger& merger, const std::st
                                     int waitSeconds) {
   CompilationDatabase& db = merger.openDB();
   if (!db.isConnected()) throw std::runtime_error(path + ": cannot be opened");
-  constexpr int kMostSeconds = 1'000'000;
-  db.setBusyTimeout(1000 * std::min(waitSeconds, kMostSeconds));
+  db.setBusyTimeout(busyTimeoutOf(waitSeconds));
   return db;
 }
 

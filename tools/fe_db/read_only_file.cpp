@@ -76,8 +76,7 @@ void ReadOnlyFile::open(int flags, int waitSeconds) {
   connection_.reset(opened);
   if (code != SQLITE_OK) failWithReason();
   sqlite3_extended_result_codes(opened, 1);
-  constexpr int kMostSeconds = 1'000'000;
-  sqlite3_busy_timeout(opened, 1000 * std::clamp(waitSeconds, 0, kMostSeconds));
+  sqlite3_busy_timeout(opened, busyTimeoutOf(waitSeconds));
 }
 
 /// The sorter works in as much memory as the page cache may have; the rest goes to temporary files.

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -27,6 +28,11 @@ struct ReadError : std::runtime_error {
 
 /// What becomes of a file that lacks a table or a column.
 enum class Gaps { refused, accepted };
+
+/// Milliseconds for SQLite, which counts them in an int: a wait of weeks is one of days.
+constexpr int busyTimeoutOf(int waitSeconds) {
+  return 1000 * std::clamp(waitSeconds, 0, 1'000'000);
+}
 
 /// A database file as it is at one moment: one read transaction lasts as long as the object.
 /// Every failure is a std::runtime_error that names the file, what is wrong and what to do.
