@@ -11,6 +11,7 @@
 
 namespace orvalesca::databases_merger {
 
+class Arrivals;
 class CompilationDatabase;
 class FrontendDatabase;
 class MacroGroups;
@@ -329,6 +330,17 @@ class CompilationData {
   void saveTableAndRemember(FrontendDatabase& db, SavedRows& saved);
   template <class T>
   auto& elementsOf();
+  template <class T, class... Arguments>
+  T& addElement(Arguments&&... arguments);
+  template <class T>
+  void reserveElements(std::size_t count);
+  template <class T>
+  T& takeElement(const T& element);
+  template <class T>
+  T& emplaceNamed(Identifier* identifier, const Localization& localization, bool accumulate,
+                  unsigned refCount);
+  template <class T, class Visit>
+  void eachElement(Visit&& visit);
 
   FE_DB_EXPORT static std::unique_ptr<CompilationData> compilationDataset;
 
@@ -354,6 +366,7 @@ class CompilationData {
   MacroExpansionState macroExpansionState = MacroExpansionState::Pending;
   bool dataNeededForDbLink = false;
   bool propagateMacroInfo = false;
+  std::unique_ptr<Arrivals> arrivals;        ///< order of saving and merging
   std::unique_ptr<MacroGroups> macroGroups;  ///< order and positions of the macros of one name
   std::unique_ptr<SavedRows> savedRows;      ///< null until the first saveToCompDB is committed
 };

@@ -92,6 +92,10 @@ class FrontendDatabase : public persistence::Database {
   long long listALL(bool& first, T& row);
   template <class T>
   void truncate();
+  /// About as many rows as the table has, in no time: its largest row id, as long as the file has
+  /// room for so many. 0 when nothing can be read. Says nothing: whoever reads the rows will.
+  template <class T>
+  std::size_t guessRowCount() const;
 
   // --- Named searches: row ids, one per call; cursors as above. A failure reads as the end. They
   // are compiled when the database is connected, those of macros and identifiers on a preprocessing
@@ -133,6 +137,8 @@ class FrontendDatabase : public persistence::Database {
   void enterInIdCache(long long id, T* element);
   template <class T>
   bool isInIdCache(long long id) const;
+  template <class T>
+  void reserveIdCache(std::size_t rows);
   void clearIdCaches();
 
   /// Rows inserted, updated and deleted on this connection so far.

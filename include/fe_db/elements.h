@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tuple>
+#include <type_traits>
 
 #include "fe_db/call_point.h"
 #include "fe_db/enum_constant.h"
@@ -25,6 +26,9 @@ struct TypeList {
   /// The list as arguments of another template.
   template <template <class...> class Of>
   using Apply = Of<T...>;
+
+  template <class U>
+  static constexpr bool has = (std::is_same_v<U, T> || ...);
 
   /// Calls visit.operator()<T>() for each class in turn.
   template <class Visitor>

@@ -13,6 +13,7 @@ namespace orvalesca::databases_merger {
 class CompilationData;
 class MacroGroup;
 class MacroGroups;
+class mergerImpl;
 
 /// One definition of a preprocessor macro. A name may have several, at several positions; in a
 /// dataset a macro is found by its name and position, or by its name alone where either position
@@ -94,6 +95,7 @@ class FE_DB_EXPORT Macro : public NamedElement {
   friend class CompilationData;
   friend class MacroGroup;
   friend class MacroGroups;
+  friend class mergerImpl;
 
   bool merge(long long otherId, unsigned otherRefCount, const Value& otherValue,
              bool otherIsDefined);
@@ -105,7 +107,8 @@ class FE_DB_EXPORT Macro : public NamedElement {
   bool isVariadic = false;
   bool isCommandLineDefinition = false;
   bool isPredefined = false;
-  MacroGroup* group = nullptr;  ///< of the dataset that owns this macro; not copied
+  /// The other macros of the name in the dataset that owns this one, if there are any; not copied.
+  MacroGroup* group = nullptr;
 };
 
 }  // namespace orvalesca::databases_merger

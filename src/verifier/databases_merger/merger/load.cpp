@@ -1,7 +1,27 @@
+#include "fe_database/compilation_data/elements_of.h"
 #include "fe_database/compilation_database/stored_rows.h"
 #include "merger/merger_impl.h"
 
 namespace orvalesca::databases_merger {
+
+/// The element that a row becomes, as it is: nothing counts it as a sight. Copying the row into the
+/// container costs one hash, where looking for it first and then emplacing costs two.
+template <class T>
+T* mergerImpl::takeRow(T& row) {
+  if constexpr (std::is_same_v<T, EnumConstant> || std::is_same_v<T, Label>) {
+    if (row.getIdentifier()->getName().empty()) return nullptr;
+  } else if constexpr (std::is_same_v<T, Function>) {
+    row.setRefCount(0);
+  } else if constexpr (std::is_same_v<T, ExternalIdentifier>) {
+    Identifier* identifier = row.getIdentifier();
+    identifier->setKind(identifier->getKind() | IdentifierKind::External);
+  }
+  if constexpr (std::is_same_v<T, Macro>) {
+    return dataset->emplaceFromDB(row, /*accumulate=*/false);  // macros of a name form a group
+  } else {
+    return &dataset->takeElement(row);
+  }
+}
 
 /// Nothing accumulates: rows of one key become one element, which keeps the values of the first and
 /// takes the id of the last; every one of their ids leads to it.
@@ -10,6 +30,9 @@ void mergerImpl::loadTable() {
   T row;
   bool first = true;
   RowTally leftOut, withoutReference, nameless;
+  const std::size_t rows = database->guessRowCount<T>();
+  dataset->reserveElements<T>(rows);
+  database->reserveIdCache<T>(rows);
   for (;;) {
     const unsigned long lostBefore = database->getLeftOutReferences();
     const long long id = database->listALL(first, row);
@@ -20,7 +43,7 @@ void mergerImpl::loadTable() {
       database->enterInIdCache<T>(id, nullptr);
       continue;
     }
-    T* element = dataset->emplaceFromDB(row, /*accumulate=*/false);
+    T* element = takeRow(row);
     if (element == nullptr) {
       nameless.note(id);
       continue;

@@ -1,6 +1,8 @@
 #include <cstdint>
+#include <utility>
 
 #include "fe_database/compilation_data/elements_of.h"
+#include "merger/expected_element.h"
 #include "merger/merger_impl.h"
 #include "persistence/sqlite_report.h"
 
@@ -43,18 +45,27 @@ EntityDescription translate(const EntityDescription& description) {
   return inTarget;
 }
 
-/// Enum constants, fields and labels: each of a source counts for its name, known or not.
-template <class T>
-void foldNamed(LocIdentifierSet<T>& elements, const T& source, IdentifierKind kind,
-               std::uint32_t refCount) {
-  Identifier* identifier = translate(source.getIdentifier());
-  const Localization at = translate(source.getLocalization());
-  identifier->addSight(kind, /*seenCount=*/1);
-  if (T* known = findElement(elements, LocIdentifierKey{at, identifier})) {
-    known->merge(/*otherId=*/0, refCount);
-  } else {
-    addElement(elements, identifier, at, refCount);
-  }
+void addUses(Identifier& identifier, IdentifierKind kind, std::uint32_t count) {
+  identifier.setCount(identifier.getCount() + count);
+  identifier.setKind(identifier.getKind() | kind);
+}
+
+/// By the rule of the class's container.
+template <class Set, class Key>
+bool hasKey(const Set& elements, const typename Set::value_type& element, const Key& key) {
+  return elements.key_eq()(element, key);
+}
+bool hasKey(const VariableSet&, const Variable& element, const LocIdentifierKey& key) {
+  return equalLocIdentifier<Variable>()(element, key);
+}
+/// The positions in a merger's dataset are plain ones: no wildcard matches any other.
+bool hasKey(const MacroSet&, const Macro& element, const LocIdentifierKey& key) {
+  return equalLocIdentifier<Macro>()(element, key);
+}
+
+Macro* findElement(const MacroSet& macros, const LocIdentifierKey& key) {
+  Macro* ofName = findElement(macros, key.identifier);
+  return ofName != nullptr ? MacroGroups::find(*ofName, key.at) : nullptr;
 }
 
 }  // namespace
@@ -83,83 +94,153 @@ void mergerImpl::mergeCompilationTables(mergerImpl& other) {
 
 template <class T>
 void mergerImpl::foldTable(mergerImpl& other) {
-  eachElement(other.dataset->elementsOf<T>(), [this](const T& source) { fold(source); });
+  ExpectedElement<T> expected(dataset->arrivals->of<T>());
+  other.dataset->eachElement<T>([&](const T& source) { fold(source, expected); });
 }
 
-void mergerImpl::fold(const File& source) {
-  File* known = findElement(dataset->files, source.getPath());
-  remember(source, known != nullptr ? known : &addElement(dataset->files, source));
+/// The element of the target with the key, or null.
+template <class T, class Key>
+T* mergerImpl::find(const Key& key, ExpectedElement<T>& expected) {
+  const auto& elements = dataset->elementsOf<T>();
+  T* known = expected.find([&](const T& element) { return hasKey(elements, element, key); });
+  if (known == nullptr) {
+    known = findElement(elements, key);
+    if (known != nullptr) expected.foundElsewhere(*known);
+  }
+  return known;
 }
 
-void mergerImpl::fold(const Identifier& source) {
-  Identifier* known = findElement(dataset->identifiers, source.getName());
+/// The latest element of its class has its place for an id until it gets a row.
+template <class T>
+void mergerImpl::keepPlace(T& latest) {
+  latest.setId(static_cast<long long>(dataset->arrivals->of<T>().size()));
+}
+
+template <class T, class... Arguments>
+T& mergerImpl::add(Arguments&&... arguments) {
+  T& element = dataset->addElement<T>(std::forward<Arguments>(arguments)...);
+  keepPlace(element);
+  return element;
+}
+
+void mergerImpl::fold(const File& source, ExpectedElement<File>& expected) {
+  File* known = find(std::string_view(source.getPath()), expected);
+  remember(source, known != nullptr ? known : &add<File>(source));
+}
+
+void mergerImpl::fold(const Identifier& source, ExpectedElement<Identifier>& expected) {
+  Identifier* known = find(std::string_view(source.getName()), expected);
   if (known != nullptr) {
-    known->setCount(known->getCount() + source.getCount());
-    known->setKind(known->getKind() | source.getKind());
+    addUses(*known, source.getKind(), source.getCount());
   } else {
-    known =
-        &addElement(dataset->identifiers, source.getName(), source.getKind(), source.getCount());
+    known = &add<Identifier>(source.getName(), source.getKind(), source.getCount());
   }
   remember(source, known);
 }
 
-void mergerImpl::fold(const Function& source) {
-  remember(source,
-           dataset->emplaceFunction(
-               translate(source.getIdentifier()), translate(source.getSourceName()),
-               translate(source.getLocalization()), source.getIsDefined(), source.getIsSpecial(),
-               source.getEffect(), source.getLinkage(), /*accumulate=*/true));
+void mergerImpl::fold(const Function& source, ExpectedElement<Function>& expected) {
+  const Localization at = translate(source.getLocalization());
+  Identifier* identifier = translate(source.getIdentifier());
+  Function* known = find(LocIdentifierKey{at, identifier}, expected);
+  if (known != nullptr) {
+    known->merge(known->getId(), /*otherRefCount=*/0);
+  } else {
+    known = &add<Function>(identifier, translate(source.getSourceName()), at, source.getIsDefined(),
+                           source.getIsSpecial(), source.getEffect(), source.getLinkage());
+  }
+  remember(source, known);
 }
 
-void mergerImpl::fold(const CallPoint& source) {
-  dataset->emplaceCallPoint(translate(source.getCaller()), translate(source.getCallee()),
-                            translate(source.getLocalization()), source.getIsValueUsed(),
-                            /*accumulate=*/true);
+void mergerImpl::fold(const CallPoint& source, ExpectedElement<CallPoint>& expected) {
+  const Localization at = translate(source.getLocalization());
+  Function* caller = translate(source.getCaller());
+  if (find(LocCallerKey{at, caller}, expected) == nullptr) {
+    add<CallPoint>(caller, translate(source.getCallee()), at, source.getIsValueUsed());
+  }
 }
 
-void mergerImpl::fold(const EnumConstant& source) {
-  foldNamed(dataset->enumConstants, source, IdentifierKind::EnumConstant, /*refCount=*/0);
+/// Enum constants, fields and labels: each of a source counts for its name, known or not.
+template <class T>
+void mergerImpl::foldNamed(const T& source, ExpectedElement<T>& expected, IdentifierKind kind,
+                           std::uint32_t refCount) {
+  const Localization at = translate(source.getLocalization());
+  Identifier* identifier = translate(source.getIdentifier());
+  addUses(*identifier, kind, /*count=*/1);
+  if (T* known = find(LocIdentifierKey{at, identifier}, expected)) {
+    known->merge(known->getId(), refCount);
+  } else {
+    add<T>(identifier, at, refCount);
+  }
 }
 
-void mergerImpl::fold(const Type& source) {
-  remember(source,
-           dataset->emplaceType(translate(source.getIdentifier()), source.getUnnamed(),
-                                translate(source.getLocalization()), source.getKind(),
-                                /*accumulate=*/true, source.getRefCount(), source.getRefTagCount(),
-                                source.getLocal(), source.getIncomplete()));
+void mergerImpl::fold(const EnumConstant& source, ExpectedElement<EnumConstant>& expected) {
+  foldNamed(source, expected, IdentifierKind::EnumConstant, /*refCount=*/0);
 }
 
-void mergerImpl::fold(const Field& source) {
-  foldNamed(dataset->fields, source, IdentifierKind::Field, source.getRefCount());
+void mergerImpl::fold(const Type& source, ExpectedElement<Type>& expected) {
+  const Localization at = translate(source.getLocalization());
+  Identifier* identifier = translate(source.getIdentifier());
+  Type* known = find(LocIdentifierKey{at, identifier}, expected);
+  if (known != nullptr) {
+    known->merge(known->getId(), source.getUnnamed(), source.getRefCount(), source.getRefTagCount(),
+                 source.getLocal(), source.getIncomplete());
+  } else {
+    known = &add<Type>(identifier, source.getUnnamed(), at, source.getKind(), source.getRefCount(),
+                       source.getRefTagCount(), source.getLocal(), source.getIncomplete());
+  }
+  remember(source, known);
 }
 
-void mergerImpl::fold(const Label& source) {
-  foldNamed(dataset->labels, source, IdentifierKind::Label, /*refCount=*/0);
+void mergerImpl::fold(const Field& source, ExpectedElement<Field>& expected) {
+  foldNamed(source, expected, IdentifierKind::Field, source.getRefCount());
 }
 
-void mergerImpl::fold(const Macro& source) {
-  dataset->emplaceMacro(translate(source.getIdentifier()), translate(source.getLocalization()),
-                        source.getValue(), source.getIsDefined(), /*accumulate=*/true,
-                        source.getRefCount(), source.getText(), source.getIsObjectLike(),
-                        source.getIsVariadic(), source.getIsCommandLineDefinition(),
-                        source.getIsPredefined());
+void mergerImpl::fold(const Label& source, ExpectedElement<Label>& expected) {
+  foldNamed(source, expected, IdentifierKind::Label, /*refCount=*/0);
 }
 
-void mergerImpl::fold(const TypeReference& source) {
-  dataset->emplaceTypeReference(translate(source.getDeclaredType()),
-                                translate(source.getReferencedType()), /*accumulate=*/true);
+void mergerImpl::fold(const Macro& source, ExpectedElement<Macro>& expected) {
+  const Localization at = translate(source.getLocalization());
+  Identifier* identifier = translate(source.getIdentifier());
+  if (Macro* known = find(LocIdentifierKey{at, identifier}, expected)) {
+    known->merge(known->getId(), source.getRefCount(), source.getValue(), source.getIsDefined());
+    return;
+  }
+  Macro& added = dataset->emplaceMacro(
+      identifier, at, source.getValue(), source.getIsDefined(), /*accumulate=*/true,
+      source.getRefCount(), source.getText(), source.getIsObjectLike(), source.getIsVariadic(),
+      source.getIsCommandLineDefinition(), source.getIsPredefined());
+  keepPlace(added);
 }
 
-void mergerImpl::fold(const Variable& source) {
-  remember(source, dataset->emplaceVariable(
-                       translate(source.getIdentifier()), translate(source.getLocalization()),
-                       translate(source.getType()), source.getIsDefined(), source.getLinkage(),
-                       /*accumulate=*/true, source.getRefCount()));
+void mergerImpl::fold(const TypeReference& source, ExpectedElement<TypeReference>& expected) {
+  Type* declared = translate(source.getDeclaredType());
+  if (find<TypeReference>(declared, expected) == nullptr) {
+    add<TypeReference>(declared, translate(source.getReferencedType()));
+  }
 }
 
-void mergerImpl::fold(const ExternalIdentifier& source) {
-  dataset->emplaceExternalIdentifier(translate(source.getIdentifier()),
-                                     translate(source.getDescription()), /*accumulate=*/true);
+void mergerImpl::fold(const Variable& source, ExpectedElement<Variable>& expected) {
+  const Localization at = translate(source.getLocalization());
+  Identifier* identifier = translate(source.getIdentifier());
+  Variable* known = find(LocIdentifierKey{at, identifier}, expected);
+  if (known != nullptr) {
+    known->merge(known->getId(), source.getRefCount());
+  } else {
+    known = &add<Variable>(identifier, at, translate(source.getType()), source.getIsDefined(),
+                           source.getLinkage(), source.getRefCount());
+  }
+  remember(source, known);
+}
+
+void mergerImpl::fold(const ExternalIdentifier& source,
+                      ExpectedElement<ExternalIdentifier>& expected) {
+  Identifier* identifier = translate(source.getIdentifier());
+  const EntityDescription description = translate(source.getDescription());
+  addUses(*identifier, IdentifierKind::External, /*count=*/0);
+  if (find(entityKey(identifier, description), expected) == nullptr) {
+    add<ExternalIdentifier>(identifier, description);
+  }
 }
 
 }  // namespace orvalesca::databases_merger

@@ -8,6 +8,9 @@
 
 namespace orvalesca::databases_merger {
 
+template <class T>
+class ExpectedElement;
+
 /// What a merger reads, folds and writes, each table after those that it refers to.
 using MergedElements = TypeList<File, Identifier, Function, CallPoint, EnumConstant, Type, Field,
                                 Label, Macro, TypeReference, Variable, ExternalIdentifier>;
@@ -37,19 +40,30 @@ class mergerImpl {
   void foldTable(mergerImpl& other);
   template <class T>
   void writeTable();
+  template <class T>
+  T* takeRow(T& row);
+  template <class T, class Key>
+  T* find(const Key& key, ExpectedElement<T>& expected);
+  template <class T, class... Arguments>
+  T& add(Arguments&&... arguments);
+  template <class T>
+  void keepPlace(T& latest);
 
-  void fold(const File& source);
-  void fold(const Identifier& source);
-  void fold(const Function& source);
-  void fold(const CallPoint& source);
-  void fold(const EnumConstant& source);
-  void fold(const Type& source);
-  void fold(const Field& source);
-  void fold(const Label& source);
-  void fold(const Macro& source);
-  void fold(const TypeReference& source);
-  void fold(const Variable& source);
-  void fold(const ExternalIdentifier& source);
+  template <class T>
+  void foldNamed(const T& source, ExpectedElement<T>& expected, IdentifierKind kind,
+                 std::uint32_t refCount);
+  void fold(const File& source, ExpectedElement<File>& expected);
+  void fold(const Identifier& source, ExpectedElement<Identifier>& expected);
+  void fold(const Function& source, ExpectedElement<Function>& expected);
+  void fold(const CallPoint& source, ExpectedElement<CallPoint>& expected);
+  void fold(const EnumConstant& source, ExpectedElement<EnumConstant>& expected);
+  void fold(const Type& source, ExpectedElement<Type>& expected);
+  void fold(const Field& source, ExpectedElement<Field>& expected);
+  void fold(const Label& source, ExpectedElement<Label>& expected);
+  void fold(const Macro& source, ExpectedElement<Macro>& expected);
+  void fold(const TypeReference& source, ExpectedElement<TypeReference>& expected);
+  void fold(const Variable& source, ExpectedElement<Variable>& expected);
+  void fold(const ExternalIdentifier& source, ExpectedElement<ExternalIdentifier>& expected);
 
   std::unique_ptr<CompilationData> dataset;
   CompilationDatabase* database;  ///< owned by the dataset

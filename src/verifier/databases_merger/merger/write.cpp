@@ -30,9 +30,8 @@ template <> constexpr const char* kLabel<ExternalIdentifier> = "ExternalIdentifi
 /// refers to have got their new ids before it.
 template <class T>
 void mergerImpl::writeTable() {
-  auto& elements = dataset->elementsOf<T>();
-  if (debug) std::cout << kLabel<T> << elements.size() << '\n';
-  eachElement(elements, [this](T& element) { database->add(element); });
+  if (debug) std::cout << kLabel<T> << dataset->elementsOf<T>().size() << '\n';
+  dataset->eachElement<T>([this](T& element) { database->add(element); });
 }
 
 void mergerImpl::saveToDB() {

@@ -1,6 +1,6 @@
 #include "fe_db/compilation_data.h"
 
-#include "fe_database/compilation_data/containers.h"
+#include "fe_database/compilation_data/elements_of.h"
 #include "fe_database/compilation_data/saved_rows.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_database.h"
@@ -13,7 +13,9 @@ std::unique_ptr<CompilationData> CompilationData::compilationDataset;
 
 CompilationData::CompilationData(std::string_view compilationPath,
                                  std::string_view preprocessingPath)
-    : macroCursor(macros.cend()), macroGroups(std::make_unique<MacroGroups>()) {
+    : macroCursor(macros.cend()),
+      arrivals(std::make_unique<Arrivals>()),
+      macroGroups(std::make_unique<MacroGroups>()) {
   if (!compilationPath.empty()) {
     compDb = std::make_unique<CompilationDatabase>(compilationPath, this);
   }
@@ -29,6 +31,7 @@ CompilationData::~CompilationData() {
 }
 
 void CompilationData::clear() {
+  arrivals->clear();
   files.clear();
   macros.clear();
   macroGroups->clear();
@@ -83,7 +86,7 @@ File& CompilationData::emplaceFile(std::string_view path, FileKind kind,
     known->setLanguage(language);
     return *known;
   }
-  return addElement(files, path, kind, language);
+  return addElement<File>(path, kind, language);
 }
 
 Identifier* CompilationData::emplaceIdentifier(std::string_view name, IdentifierKind kind,
@@ -92,7 +95,7 @@ Identifier* CompilationData::emplaceIdentifier(std::string_view name, Identifier
     if (accumulate) known->addSight(kind, count);
     return known;
   }
-  return &addElement(identifiers, name, kind, count);
+  return &addElement<Identifier>(name, kind, count);
 }
 
 File* CompilationData::getFile(std::string_view path) const { return findElement(files, path); }

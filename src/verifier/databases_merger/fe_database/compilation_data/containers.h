@@ -22,10 +22,4 @@ inline Variable* findElement(const VariableSet& variables, const LocIdentifierKe
   return found == variables.end() ? nullptr : &mutableElement(*found);
 }
 
-/// A first sight: the key is known not to be there.
-template <class Set, class... Arguments>
-typename Set::value_type& addElement(Set& elements, Arguments&&... arguments) {
-  return mutableElement(*elements.emplace(std::forward<Arguments>(arguments)...).first);
-}
-
 }  // namespace orvalesca::databases_merger

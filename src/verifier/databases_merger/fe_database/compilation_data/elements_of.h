@@ -1,20 +1,14 @@
 #pragma once
 
+#include <type_traits>
+#include <utility>
+
+#include "fe_database/compilation_data/arrivals.h"
 #include "fe_database/compilation_data/containers.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 
 namespace orvalesca::databases_merger {
-
-/// Calls visit(element) for each element; macros of a name come in their group's order.
-template <class Set, class Visit>
-void eachElement(Set& elements, Visit&& visit) {
-  if constexpr (std::is_same_v<Set, MacroSet>) {
-    MacroGroups::each(elements, visit);
-  } else {
-    for (auto& element : elements) visit(mutableElement(element));
-  }
-}
 
 /// The container of each class that has one.
 template <class T>
@@ -34,6 +28,44 @@ auto& CompilationData::elementsOf() {
   if constexpr (std::is_same_v<T, EnumConstant>) return enumConstants;
   if constexpr (std::is_same_v<T, Label>) return labels;
   if constexpr (std::is_same_v<T, CallPoint>) return callPoints;
+}
+
+/// A first sight: the key is known not to be there.
+template <class T, class... Arguments>
+T& CompilationData::addElement(Arguments&&... arguments) {
+  const auto place = elementsOf<T>().emplace(std::forward<Arguments>(arguments)...).first;
+  return arrivals->note(mutableElement(*place));
+}
+
+/// Room for so many more elements, so that the container does not grow step by step, each time
+/// hashing what it has once more.
+template <class T>
+void CompilationData::reserveElements(std::size_t count) {
+  auto& elements = elementsOf<T>();
+  if constexpr (requires { elements.reserve(count); }) elements.reserve(elements.size() + count);
+  arrivals->of<T>().reserve(elements.size() + count);
+}
+
+/// An element as it is, unless there is one with its key.
+template <class T>
+T& CompilationData::takeElement(const T& element) {
+  const auto [place, isNew] = elementsOf<T>().insert(element);
+  return isNew ? arrivals->note(mutableElement(*place)) : mutableElement(*place);
+}
+
+/// Calls visit(element) for each element in the order of arrival; variables come sorted, and all
+/// macros of a name with the first of them, in their group's order.
+template <class T, class Visit>
+void CompilationData::eachElement(Visit&& visit) {
+  if constexpr (std::is_same_v<T, Macro>) {
+    MacroGroups::each(arrivals->of<Macro>(), visit);
+  } else if constexpr (std::is_same_v<T, Variable> || !ArrivingElements::has<T>) {
+    for (auto& element : elementsOf<T>()) visit(mutableElement(element));
+  } else {
+    // Not a range-based for: a visit may read rows, and so bring further elements in.
+    const std::vector<T*>& order = arrivals->of<T>();
+    for (std::size_t i = 0; i < order.size(); ++i) visit(*order[i]);
+  }
 }
 
 }  // namespace orvalesca::databases_merger

@@ -1,4 +1,4 @@
-#include "fe_database/compilation_data/containers.h"
+#include "fe_database/compilation_data/elements_of.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 
@@ -7,22 +7,22 @@ namespace orvalesca::databases_merger {
 
 namespace {
 
-/// Field, EnumConstant and Label: a name at a position, and a count.
-template <class T>
-T& emplaceNamed(LocIdentifierSet<T>& elements, Identifier* identifier,
-                const Localization& localization, bool accumulate, unsigned refCount) {
-  if (T* known = findElement(elements, LocIdentifierKey{localization, identifier})) {
-    if (accumulate) known->merge(/*otherId=*/0, refCount);
-    return *known;
-  }
-  return addElement(elements, identifier, localization, refCount);
-}
-
 void markExternal(Identifier& identifier) {
   identifier.setKind(identifier.getKind() | IdentifierKind::External);
 }
 
 }  // namespace
+
+/// Field, EnumConstant and Label: a name at a position, and a count.
+template <class T>
+T& CompilationData::emplaceNamed(Identifier* identifier, const Localization& localization,
+                                 bool accumulate, unsigned refCount) {
+  if (T* known = findElement(elementsOf<T>(), LocIdentifierKey{localization, identifier})) {
+    if (accumulate) known->merge(/*otherId=*/0, refCount);
+    return *known;
+  }
+  return addElement<T>(identifier, localization, refCount);
+}
 
 // --- By a known name.
 
@@ -36,8 +36,8 @@ Type* CompilationData::emplaceType(Identifier* identifier, bool unnamed,
     }
     return known;
   }
-  return &addElement(types, identifier, unnamed, localization, kind, refCount, refTagCount, local,
-                     incomplete);
+  return &addElement<Type>(identifier, unnamed, localization, kind, refCount, refTagCount, local,
+                           incomplete);
 }
 
 Variable* CompilationData::emplaceVariable(Identifier* identifier, const Localization& localization,
@@ -47,7 +47,7 @@ Variable* CompilationData::emplaceVariable(Identifier* identifier, const Localiz
     if (accumulate) known->merge(/*otherId=*/0, refCount);
     return known;
   }
-  return &addElement(variables, identifier, localization, type, isDefined, linkage, refCount);
+  return &addElement<Variable>(identifier, localization, type, isDefined, linkage, refCount);
 }
 
 Function* CompilationData::emplaceFunction(Identifier* identifier, Identifier* sourceName,
@@ -58,8 +58,8 @@ Function* CompilationData::emplaceFunction(Identifier* identifier, Identifier* s
     if (accumulate) known->merge(/*otherId=*/0, /*otherRefCount=*/0);
     return known;
   }
-  return &addElement(functions, identifier, sourceName, localization, isDefined, isSpecial, effect,
-                     linkage);
+  return &addElement<Function>(identifier, sourceName, localization, isDefined, isSpecial, effect,
+                               linkage);
 }
 
 Macro& CompilationData::emplaceMacro(Identifier* identifier, const Localization& localization,
@@ -67,12 +67,16 @@ Macro& CompilationData::emplaceMacro(Identifier* identifier, const Localization&
                                      unsigned refCount, const std::string& text, bool isObjectLike,
                                      bool isVariadic, bool isCommandLineDefinition,
                                      bool isPredefined) {
-  if (Macro* known = getMacro(identifier, localization)) {
-    if (accumulate) known->merge(/*otherId=*/0, refCount, value, isDefined);
-    return *known;
+  Macro* ofName = findElement(macros, identifier);
+  if (ofName != nullptr) {
+    if (Macro* known = MacroGroups::find(*ofName, localization)) {
+      if (accumulate) known->merge(/*otherId=*/0, refCount, value, isDefined);
+      return *known;
+    }
   }
-  Macro& macro = mutableElement(*macros.emplace(identifier, localization, refCount));
-  macroGroups->of(identifier).append(macro);
+  Macro& macro =
+      arrivals->note(mutableElement(*macros.emplace(identifier, localization, refCount)));
+  if (ofName != nullptr) macroGroups->join(*ofName, macro);
   macro.setValue(value);
   macro.setIsDefined(isDefined);
   macro.setText(text);
@@ -92,7 +96,7 @@ ExternalIdentifier* CompilationData::emplaceExternalIdentifier(Identifier* ident
     if (accumulate) known->setId(0);
     return known;
   }
-  return &addElement(externalIdentifiers, identifier, description);
+  return &addElement<ExternalIdentifier>(identifier, description);
 }
 
 // --- By name.
@@ -148,7 +152,7 @@ ExternalIdentifier* CompilationData::emplaceExternalIdentifier(std::string_view 
 Field& CompilationData::emplaceField(std::string_view name, const Localization& localization,
                                      bool accumulate, unsigned refCount) {
   Identifier* identifier = emplaceIdentifier(name, IdentifierKind::Field, accumulate, /*count=*/1);
-  return emplaceNamed(fields, identifier, localization, accumulate, refCount);
+  return emplaceNamed<Field>(identifier, localization, accumulate, refCount);
 }
 
 EnumConstant* CompilationData::emplaceEnumConstant(std::string_view name,
@@ -157,14 +161,14 @@ EnumConstant* CompilationData::emplaceEnumConstant(std::string_view name,
   if (name.empty()) return nullptr;
   Identifier* identifier =
       emplaceIdentifier(name, IdentifierKind::EnumConstant, accumulate, /*count=*/1);
-  return &emplaceNamed(enumConstants, identifier, localization, accumulate, /*refCount=*/0);
+  return &emplaceNamed<EnumConstant>(identifier, localization, accumulate, /*refCount=*/0);
 }
 
 Label* CompilationData::emplaceLabel(std::string_view name, const Localization& localization,
                                      bool accumulate) {
   if (name.empty()) return nullptr;
   Identifier* identifier = emplaceIdentifier(name, IdentifierKind::Label, accumulate, /*count=*/1);
-  return &emplaceNamed(labels, identifier, localization, accumulate, /*refCount=*/0);
+  return &emplaceNamed<Label>(identifier, localization, accumulate, /*refCount=*/0);
 }
 
 // --- Without a name.
@@ -175,7 +179,7 @@ TypeReference* CompilationData::emplaceTypeReference(Type* declared, Type* refer
     if (accumulate) known->setId(0);
     return known;
   }
-  return &addElement(typeReferences, declared, referenced);
+  return &addElement<TypeReference>(declared, referenced);
 }
 
 CallPoint* CompilationData::emplaceCallPoint(Function* caller, Function* callee,
@@ -185,7 +189,7 @@ CallPoint* CompilationData::emplaceCallPoint(Function* caller, Function* callee,
     if (accumulate) known->setId(0);
     return known;
   }
-  return &addElement(callPoints, caller, callee, localization, isValueUsed);
+  return &addElement<CallPoint>(caller, callee, localization, isValueUsed);
 }
 
 MacroInvocation* CompilationData::emplaceMacroInvocation(Macro* macro,
@@ -212,7 +216,7 @@ MacroExpansion* CompilationData::emplaceMacroExpansion(const Localization& local
 
 File* CompilationData::emplaceFromDB(const File& row, bool) {
   if (File* known = getFile(row.getPath())) return known;
-  File& file = addElement(files, row);
+  File& file = addElement<File>(row);
   file.forgetRow();
   return &file;
 }
@@ -274,7 +278,7 @@ ExternalIdentifier* CompilationData::emplaceFromDB(const ExternalIdentifier& row
     return emplaceExternalIdentifier(row.getIdentifier(), row.getDescription(), accumulate);
   }
   if (ExternalIdentifier* known = findElement(externalIdentifiers, entityKey(row))) return known;
-  return &addElement(externalIdentifiers, nullptr, row.getDescription());
+  return &addElement<ExternalIdentifier>(nullptr, row.getDescription());
 }
 
 // These three go by the name of their identifier and count it. Without an identifier they stand
@@ -283,7 +287,7 @@ ExternalIdentifier* CompilationData::emplaceFromDB(const ExternalIdentifier& row
 Field* CompilationData::emplaceFromDB(const Field& row, bool accumulate) {
   const Identifier* identifier = row.getIdentifier();
   if (identifier == nullptr) {
-    return &emplaceNamed(fields, nullptr, row.getLocalization(), accumulate, row.getRefCount());
+    return &emplaceNamed<Field>(nullptr, row.getLocalization(), accumulate, row.getRefCount());
   }
   return &emplaceField(identifier->getName(), row.getLocalization(), accumulate, row.getRefCount());
 }
@@ -291,7 +295,7 @@ Field* CompilationData::emplaceFromDB(const Field& row, bool accumulate) {
 EnumConstant* CompilationData::emplaceFromDB(const EnumConstant& row, bool accumulate) {
   const Identifier* identifier = row.getIdentifier();
   if (identifier == nullptr) {
-    return &emplaceNamed(enumConstants, nullptr, row.getLocalization(), accumulate, 0);
+    return &emplaceNamed<EnumConstant>(nullptr, row.getLocalization(), accumulate, 0);
   }
   return emplaceEnumConstant(identifier->getName(), row.getLocalization(), accumulate);
 }
@@ -299,7 +303,7 @@ EnumConstant* CompilationData::emplaceFromDB(const EnumConstant& row, bool accum
 Label* CompilationData::emplaceFromDB(const Label& row, bool accumulate) {
   const Identifier* identifier = row.getIdentifier();
   if (identifier == nullptr) {
-    return &emplaceNamed(labels, nullptr, row.getLocalization(), accumulate, 0);
+    return &emplaceNamed<Label>(nullptr, row.getLocalization(), accumulate, 0);
   }
   return emplaceLabel(identifier->getName(), row.getLocalization(), accumulate);
 }

@@ -1,3 +1,4 @@
+#include "fe_database/compilation_data/arrivals.h"
 #include "fe_database/compilation_data/containers.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
@@ -48,22 +49,24 @@ TypeReference* CompilationData::getTypeReference(Type* declared) const {
 // --- Macros.
 
 Macro* CompilationData::getMacro(Identifier* identifier) const {
-  const MacroGroup* group = macroGroups->find(identifier);
-  return group != nullptr ? &(*group)[0] : nullptr;
+  Macro* known = findElement(macros, identifier);
+  return known != nullptr ? &MacroGroups::first(*known) : nullptr;
 }
 
 Macro* CompilationData::getMacro(Identifier* identifier, const Localization& localization) {
-  MacroGroup* group = macroGroups->find(identifier);
-  return group != nullptr ? group->find(localization) : nullptr;
+  Macro* known = findElement(macros, identifier);
+  return known != nullptr ? MacroGroups::find(*known, localization) : nullptr;
 }
 
 Macro* CompilationData::getaMacroWithValue(std::string_view name) const {
   const Identifier* identifier = getIdentifier(name);
-  const MacroGroup* group = identifier != nullptr ? macroGroups->find(identifier) : nullptr;
-  if (group == nullptr) return nullptr;
-  std::size_t step = 0;
-  while (!(*group)[step].hasValue() && step + 1 < group->size()) ++step;
-  return &(*group)[step];
+  Macro* known = identifier != nullptr ? findElement(macros, identifier) : nullptr;
+  if (known == nullptr) return nullptr;
+  Macro* found = nullptr;
+  MacroGroups::eachOfName(*known, [&found](Macro& macro) {
+    if (found == nullptr || !found->hasValue()) found = &macro;
+  });
+  return found;
 }
 
 const Macro* CompilationData::listTranslationUnitMacro(bool& first) {
@@ -91,7 +94,7 @@ const Macro* CompilationData::listTranslationUnitMacro(bool& first) {
 }
 
 void CompilationData::eachMacro(std::function<void(const Macro&)> callback) const {
-  MacroGroups::each(macros, callback);
+  MacroGroups::each(arrivals->of<Macro>(), callback);
 }
 
 void CompilationData::eachMacroExpansion(

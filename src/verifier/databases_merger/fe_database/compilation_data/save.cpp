@@ -13,9 +13,9 @@ using persistence::DebugTimer;
 
 namespace {
 
-/// The tables that a compilation database gets, in the order that makes referred rows first.
+/// What a compilation database gets, in the order that makes referred rows first.
 using PropagatedElements = TypeList<File, Identifier, Macro>;
-using SavedElements = decltype(concatenate(PropagatedElements{}, CompilationOnlyElements{}));
+using SavedElements = ArrivingElements;
 
 /// Writes an element into a row that it had at an earlier save. Classes that are not here have no
 /// column that a further sight could change.
@@ -30,7 +30,7 @@ void rewrite(T& element, FrontendDatabase& db) {
 
 template <class T>
 void CompilationData::saveTable(FrontendDatabase& db) {
-  eachElement(elementsOf<T>(), [&db](T& element) { element.saveToDB(db); });
+  eachElement<T>([&db](T& element) { element.saveToDB(db); });
 }
 
 void CompilationData::saveFilesToDB(FrontendDatabase& db) { saveTable<File>(db); }
@@ -51,16 +51,15 @@ bool CompilationData::saveToCompDB() {
   PropagatedElements::each(save);
   if (dataNeededForDbLink) CompilationOnlyElements::each(save);
   if (!db->commitTransaction()) return false;
-  SavedElements::each([&]<class T>() {
-    eachElement(elementsOf<T>(), [&](T& element) { saved->remember(element); });
-  });
+  SavedElements::each(
+      [&]<class T>() { eachElement<T>([&](T& element) { saved->remember(element); }); });
   savedRows = std::move(saved);
   return true;
 }
 
 template <class T>
 void CompilationData::saveTableAndRemember(FrontendDatabase& db, SavedRows& saved) {
-  eachElement(elementsOf<T>(), [&](T& element) {
+  eachElement<T>([&](T& element) {
     if (savedRows != nullptr && savedRows->leavesRowAlone(element)) {
       saved.leaveRowAlone(element);
       return;

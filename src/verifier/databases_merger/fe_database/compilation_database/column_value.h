@@ -62,9 +62,9 @@ struct ColumnValue<std::string> {
   static int bind(sqlite3_stmt* statement, int index, const std::string& value) {
     return sqlite3_bind_text(statement, index, value.c_str(), -1, SQLITE_STATIC);
   }
-  static std::string column(FrontendDatabase&, sqlite3_stmt* statement, int index) {
+  static void column(FrontendDatabase&, sqlite3_stmt* statement, int index, std::string& value) {
     const unsigned char* text = sqlite3_column_text(statement, index);
-    return text != nullptr ? reinterpret_cast<const char*>(text) : std::string();
+    value = text != nullptr ? reinterpret_cast<const char*>(text) : "";
   }
 };
 

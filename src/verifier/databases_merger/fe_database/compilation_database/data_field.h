@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <type_traits>
 
 #include "fe_db/compilation_database.h"
@@ -60,6 +61,9 @@ class DataField : public GenericDataField<T> {
       // Two columns make the description; this one completes what the element holds already.
       (element.*
        setReference)(ColumnValue<U>::column(db, statement, index, (element.*getReference)()));
+    } else if constexpr (std::is_same_v<U, std::string>) {
+      ColumnValue<U>::column(db, statement, index, text);
+      (element.*setReference)(text);
     } else if (setValue != nullptr) {
       (element.*setValue)(ColumnValue<U>::column(db, statement, index));
     } else {
@@ -76,6 +80,7 @@ class DataField : public GenericDataField<T> {
   ValueSetter setValue = nullptr;
   ReferenceGetter getReference = nullptr;
   ReferenceSetter setReference = nullptr;
+  std::string text;  ///< the latest row's, for the sake of its memory: most texts fit into that
 };
 
 }  // namespace orvalesca::databases_merger

@@ -1,5 +1,9 @@
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+
 #include "fe_database/compilation_database/named_queries.h"
 #include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_database/compilation_database/stored_rows.h"
@@ -401,11 +405,31 @@ long long FrontendDatabase::listALL(bool& first, T& row) {
   return id;
 }
 
+template <class T>
+std::size_t FrontendDatabase::guessRowCount() const {
+  sqlite3_stmt* statement = nullptr;
+  const std::string sql = std::string("SELECT max(rowid) FROM ") + tableName<T>();
+  sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
+  const bool hasRow = statement != nullptr && sqlite3_step(statement) == SQLITE_ROW;
+  const long long largestId = hasRow ? sqlite3_column_int64(statement, 0) : 0;
+  sqlite3_finalize(statement);
+  std::error_code error;
+  const auto bytes = std::filesystem::file_size(getPath(), error);
+  if (error || largestId <= 0) return 0;
+  constexpr std::uintmax_t kShortestRow = 8;
+  return std::min(static_cast<std::uintmax_t>(largestId), bytes / kShortestRow);
+}
+
 // --- Row ids of elements.
 
 template <class T>
 void FrontendDatabase::enterInIdCache(long long id, T* element) {
   tables->of<T>().idCache.enter(id, element);
+}
+
+template <class T>
+void FrontendDatabase::reserveIdCache(std::size_t rows) {
+  tables->of<T>().idCache.reserve(rows);
 }
 
 template <class T>
@@ -432,6 +456,7 @@ auto operationsOf() {
                          static_cast<void (Database::*)(T&)>(&Database::get<T>),
                          &Database::listId<T>, &Database::listALL<T>, &Database::truncate<T>,
                          &Database::enterInIdCache<T>, &Database::isInIdCache<T>,
+                         &Database::guessRowCount<T>, &Database::reserveIdCache<T>,
                          &Database::tableName<T>);
 }
 

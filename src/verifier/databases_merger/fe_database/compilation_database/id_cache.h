@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/unordered_map.hpp>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -16,21 +17,26 @@ class IdCache {
   /// Nothing: the id was never entered. A null element: the row cannot become one.
   std::optional<T*> find(long long id) const {
     if (id >= 0 && static_cast<std::size_t>(id) < dense.size()) {
-      const Slot& slot = dense[static_cast<std::size_t>(id)];
-      return slot.entered ? std::optional<T*>(slot.element) : std::nullopt;
+      return entered(dense[static_cast<std::size_t>(id)]);
     }
     const auto found = sparse.find(id);
-    return found == sparse.end() ? std::nullopt : std::optional<T*>(found->second);
+    return found == sparse.end() ? std::nullopt : entered(found->second);
   }
 
   void enter(long long id, T* element) {
     const auto index = static_cast<std::size_t>(id);
+    T* slot = element != nullptr ? element : noElement();
     if (id < 0 || index > 2 * dense.size() + kSlack) {
-      sparse[id] = element;
+      sparse[id] = slot;
       return;
     }
     if (index >= dense.size()) grow(std::max(index + 1, 2 * dense.size()));
-    dense[index] = {element, true};
+    dense[index] = slot;
+  }
+
+  /// Room for ids up to that of the last row.
+  void reserve(std::size_t rows) {
+    if (rows >= dense.size()) grow(rows + 1);
   }
 
   void clear() {
@@ -39,10 +45,6 @@ class IdCache {
   }
 
  private:
-  struct Slot {
-    T* element = nullptr;
-    bool entered = false;
-  };
   static constexpr std::size_t kSlack = 1024;
 
   /// Ids that went to the map before come into the array's reach now.
@@ -57,12 +59,20 @@ class IdCache {
         ++it;
         continue;
       }
-      dense[static_cast<std::size_t>(it->first)] = {it->second, true};
+      dense[static_cast<std::size_t>(it->first)] = it->second;
       it = sparse.erase(it);
     }
   }
 
-  std::vector<Slot> dense;
+  /// In a slot null stands for an id that was never entered, and this for one without an element:
+  /// a slot of two words would halve what the processor's cache holds.
+  static T* noElement() { return reinterpret_cast<T*>(std::uintptr_t{1}); }
+  static std::optional<T*> entered(T* slot) {
+    if (slot == nullptr) return std::nullopt;
+    return slot == noElement() ? nullptr : slot;
+  }
+
+  std::vector<T*> dense;
   boost::unordered_map<long long, T*> sparse;
 };
 

@@ -153,6 +153,9 @@ void TableStatement<T>::build() {
     default:
       break;  // reserved kinds have no SQL
   }
+  for (auto& [column, field] : table->columns) {
+    if (isSelected(kind, column)) selected.push_back(field.get());
+  }
   built = true;
 }
 
@@ -210,9 +213,7 @@ void TableStatement<T>::column(FrontendDatabase& db, sqlite3*, T& element) {
   Debug debug(3, "TableStatement::column()", "fetching column for kind=%d ...",
               static_cast<int>(kind));
   int index = 0;
-  for (auto& [column, field] : table->columns) {
-    if (isSelected(kind, column)) field->column(element, db, handle, index++);
-  }
+  for (GenericDataField<T>* field : selected) field->column(element, db, handle, index++);
   switch (kind) {
     case StatementKind::get_id:
       debug.print("TableStatement::column for get_id done\n");

@@ -32,6 +32,7 @@ class TableStatement : public persistence::DatabaseStatement {
   TableDescription<T>* table;
   StatementKind kind;
   bool built = false;
+  std::vector<GenericDataField<T>*> selected;  ///< owned by the table; what column() fills in
 };
 
 }  // namespace orvalesca::databases_merger

@@ -2,6 +2,14 @@
 
 namespace orvalesca::databases_merger {
 
+namespace {
+
+bool matches(const Localization& stored, const Localization& sought) {
+  return samePosition(stored, sought) || sought.wildcard || stored.wildcard;
+}
+
+}  // namespace
+
 void MacroGroup::append(Macro& macro) {
   macro.group = this;
   inserted.push_back(&macro);
@@ -20,8 +28,7 @@ Macro* MacroGroup::find(const Localization& at) {
 Macro* MacroGroup::findByWalk(const Localization& at) const {
   for (std::size_t step = 0; step < size(); ++step) {
     Macro& macro = (*this)[step];
-    const Localization& stored = macro.getLocalization();
-    if (samePosition(stored, at) || at.wildcard || stored.wildcard) return &macro;
+    if (matches(macro.getLocalization(), at)) return &macro;
   }
   return nullptr;
 }
@@ -40,6 +47,20 @@ void MacroGroup::bringIndexUpToDate() {
   }
 }
 
-MacroGroup& MacroGroups::groupOf(const Macro& macro) { return *macro.group; }
+MacroGroup* MacroGroups::groupOf(const Macro& macro) { return macro.group; }
+
+void MacroGroups::join(Macro& known, Macro& added) {
+  if (known.group == nullptr) groups.emplace_back().append(known);
+  known.group->append(added);
+}
+
+Macro& MacroGroups::first(Macro& known) {
+  return known.group == nullptr ? known : (*known.group)[0];
+}
+
+Macro* MacroGroups::find(Macro& known, const Localization& at) {
+  if (known.group != nullptr) return known.group->find(at);
+  return matches(known.getLocalization(), at) ? &known : nullptr;
+}
 
 }  // namespace orvalesca::databases_merger

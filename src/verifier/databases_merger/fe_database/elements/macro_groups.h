@@ -3,6 +3,8 @@
 #include <boost/container/small_vector.hpp>
 #include <boost/unordered_map.hpp>
 #include <cstddef>
+#include <deque>
+#include <vector>
 
 #include "fe_db/element_keys.h"
 
@@ -41,38 +43,48 @@ class MacroGroup {
     }
   };
 
-  boost::container::small_vector<Macro*, 2> inserted;
+  boost::container::small_vector<Macro*, 4> inserted;
   boost::unordered_map<Localization, Macro*, HashPosition, SamePosition> byPosition;
   std::size_t indexed = 0;  ///< how many of `inserted` are in byPosition
   bool hasWildcard = false;
 };
 
-/// The groups of a dataset, by name. Groups never move: their macros point at them.
+/// The groups of a dataset. Most names have one macro only, and that has no group.
 class MacroGroups {
  public:
-  MacroGroup* find(const Identifier* identifier) {
-    const auto found = groups.find(identifier);
-    return found == groups.end() ? nullptr : &found->second;
-  }
-  MacroGroup& of(const Identifier* identifier) { return groups[identifier]; }
+  /// `known` is any macro of the name that `added` has.
+  void join(Macro& known, Macro& added);
   void clear() { groups.clear(); }
 
-  /// Calls visit(macro) for each macro of the container: group by group in the container's order,
-  /// each group in its own.
-  template <class Macros, class Visit>
-  static void each(Macros& macros, Visit&& visit) {
-    // A group is adjacent in the container, so the walk skips as many members as the group has.
-    for (auto it = macros.begin(); it != macros.end();) {
-      MacroGroup& group = groupOf(*it);
-      for (std::size_t step = 0; step < group.size(); ++step) visit(group[step]);
-      std::advance(it, group.size());
+  /// The first macro of the name that `known` has.
+  static Macro& first(Macro& known);
+  /// Among the macros of that name, as MacroGroup::find.
+  static Macro* find(Macro& known, const Localization& at);
+
+  /// Calls visit(macro) for each macro, names by their first macro's place in `arrivals`, each
+  /// group in its own order.
+  template <class Visit>
+  static void each(const std::vector<Macro*>& arrivals, Visit&& visit) {
+    for (std::size_t i = 0; i < arrivals.size(); ++i) {
+      if (&first(*arrivals[i]) == arrivals[i]) eachOfName(*arrivals[i], visit);
+    }
+  }
+
+  /// Calls visit(macro) for each macro of the name that `known` has, in the group's order.
+  template <class Visit>
+  static void eachOfName(Macro& known, Visit&& visit) {
+    const MacroGroup* group = groupOf(known);
+    if (group == nullptr) {
+      visit(known);
+    } else {
+      for (std::size_t step = 0; step < group->size(); ++step) visit((*group)[step]);
     }
   }
 
  private:
-  static MacroGroup& groupOf(const Macro& macro);
+  static MacroGroup* groupOf(const Macro& macro);
 
-  boost::unordered_map<const Identifier*, MacroGroup> groups;
+  std::deque<MacroGroup> groups;  ///< never move: their macros point at them
 };
 
 }  // namespace orvalesca::databases_merger
