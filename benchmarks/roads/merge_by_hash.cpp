@@ -368,35 +368,17 @@ void give(Statement& insert, int at, const Value& value) {
   }
 }
 
-/// With OR ROLLBACK a statement of many rows needs no journal of its own.
-template <class Row>
-std::string insertText(std::size_t rows) {
-  const std::string_view columns = Row::kStored.columns;
-  std::string marks = "(?";
-  for (const char c : columns) marks += c == ',' ? ",?" : "";
-  marks += ')';
-  std::string text = std::string("INSERT OR ROLLBACK INTO ") + Row::kStored.table + " (" +
-                     Row::kStored.columns + ") VALUES " + marks;
-  while (--rows != 0) text += ',' + marks;
-  return text;
-}
-
-/// The target is empty, so SQLite gives the rows their places as ids. By the batch: each statement
-/// for a table with AUTOINCREMENT also reads and writes the latest id, which is two thirds of what
-/// the insertion of one name costs.
+/// The target is empty, so SQLite gives the rows their places as ids.
 template <class Row>
 void writeTable(Connection& target, std::vector<Row>& rows) {
-  constexpr std::size_t kBatch = 64;
-  Statement many(target, insertText<Row>(kBatch));
-  Statement one(target, insertText<Row>(1));
-  for (std::size_t i = 0; i < rows.size();) {
-    const std::size_t size = rows.size() - i < kBatch ? 1 : kBatch;
-    Statement& insert = size == 1 ? one : many;
+  const std::string_view columns = Row::kStored.columns;
+  std::string marks = "?";
+  for (const char c : columns) marks += c == ',' ? ",?" : "";
+  Statement insert(target, std::string("INSERT INTO ") + Row::kStored.table + " (" +
+                               Row::kStored.columns + ") VALUES (" + marks + ")");
+  for (Row& row : rows) {
     int at = 0;
-    for (const std::size_t end = i + size; i < end; ++i) {
-      std::apply([&](const auto&... values) { (give(insert, ++at, values), ...); },
-                 rows[i].columns());
-    }
+    std::apply([&](const auto&... values) { (give(insert, ++at, values), ...); }, row.columns());
     insert.run();
   }
 }

@@ -9,6 +9,8 @@ cd "$root" || exit 1
 # first is what gets installed.
 build_packages=(g++ cmake make ninja-build libsqlite3-dev "libboost-dev|libboost1.81-dev" libcli11-dev
                 nlohmann-json3-dev libgtest-dev libgmock-dev)
+# What the benchmarks need on top, and the report on instructions at the end of the tests.
+bench_packages=(libbenchmark-dev valgrind python3)
 record_packages=(libclang-19-dev llvm-19-dev)
 record_fallback=(libclang-14-dev)
 

@@ -1,0 +1,104 @@
+#!/usr/bin/env python3
+"""Counts the instructions of the main roads with callgrind, and compares them with the figures
+that are committed in instructions.json.
+
+Instructions do not depend on what else the machine does, so a slow-down shows when it lands. They
+do depend on the compiler and the libraries: figures of another machine are told as what they are.
+A report, not a test: it never fails because of a figure.
+"""
+import argparse
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+COMMITTED = pathlib.Path(__file__).with_name("instructions.json")
+UNITS = 4  # of the merge; callgrind is fifty times slower than the processor
+
+
+MEASURED = "*runMeasured*"
+SAVE = "*CompilationData::saveToCompDB*"
+WHOLE = None
+BY_KEY, BY_NAME = "orvalesca::*", "std::*"  # what the first parameter's type begins with
+SIGHTS = {
+    "type by key": f"*CompilationData::emplaceType({BY_KEY}",
+    "type by name": f"*CompilationData::emplaceType({BY_NAME}",
+    "variable by key": f"*CompilationData::emplaceVariable({BY_KEY}",
+    "macro by key": f"*CompilationData::emplaceMacro({BY_KEY}",
+}
+
+
+def roads(units, work):
+    """Of each road: name, the function that is counted, the command, and what the count is divided
+    by: a figure of what the command prints."""
+    sources = [units / f"unit_{number}.comp.db" for number in range(UNITS)]
+    merged = work / "merged.db"
+    merged.unlink(missing_ok=True)
+    merge = ["fe_db", "merge", "--no-index", "--jobs", "1", merged, *sources]
+    found = [
+        ("save, per row", SAVE, ["bench_roads", "record", work / "saved.db"], "rows"),
+        ("floor_write, per row", MEASURED, ["bench_roads", "floor_write", work / "raw.db", work / "saved.db"], "rows"),
+        ("load, per row", MEASURED, ["bench_roads", "load", *sources], "rows_in"),
+        ("floor_read, per row", MEASURED, ["bench_roads", "floor_read", *sources], "rows"),
+        ("merge, per row read", WHOLE, merge, None),
+        ("alt_hash, per row read", WHOLE, ["bench_roads", "alt_hash", work / "hash.db", *sources], None),
+    ]
+    for sight, operation in SIGHTS.items():
+        command = ["bench_roads", "sights", sight, "--count", 20000]
+        found.append((f"second sight: {sight}", operation, command, "sightings"))
+    return found
+
+
+def count(programs, function, command):
+    """Instructions of one run, and what it printed."""
+    callgrind = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"]
+    if function is not None:
+        callgrind.append(f"--toggle-collect={function}")
+    program, *arguments = command
+    words = [str(word) for word in (*callgrind, programs / program, *arguments)]
+    run = subprocess.run(words, capture_output=True, text=True)
+    collected = re.search(r"Collected : (\d+)", run.stderr)
+    if run.returncode != 0 or collected is None:
+        sys.exit(f"{' '.join(words)} failed: {run.stderr[-500:]}")
+    return int(collected.group(1)), run.stdout
+
+
+def count_all(programs, units, work):
+    found = {}
+    rows_read = None
+    for name, function, command, divisor in roads(units, work):
+        instructions, output = count(programs, function, command)
+        figures = json.loads(output) if divisor else {}
+        rows_read = figures.get("rows_in", rows_read)
+        found[name] = instructions / (figures[divisor] if divisor else rows_read)
+    return found
+
+
+def print_comparison(found):
+    committed = json.loads(COMMITTED.read_text()) if COMMITTED.exists() else {}
+    print(f"{'instructions':32}{'committed':>12}{'now':>12}")
+    for name, now in found.items():
+        before = committed.get(name)
+        change = f"{100 * (now - before) / before:+9.1f} %" if before else "      new"
+        print(f"{name:32}{before or 0:12.0f}{now:12.0f}{change}")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--programs", type=pathlib.Path, required=True)
+    parser.add_argument("--work", type=pathlib.Path, required=True)
+    parser.add_argument("--commit", action="store_true", help="write instructions.json anew")
+    arguments = parser.parse_args()
+    units = arguments.work / "units"
+    units.mkdir(parents=True, exist_ok=True)
+    generate = [arguments.programs / "bench_roads", "generate", units, "--units", str(UNITS)]
+    subprocess.run(generate, check=True, stdout=subprocess.DEVNULL)
+    found = count_all(arguments.programs, units, arguments.work)
+    print_comparison(found)
+    if arguments.commit:
+        COMMITTED.write_text(json.dumps({k: round(v, 1) for k, v in found.items()}, indent=2) + "\n")
+
+
+if __name__ == "__main__":
+    main()
