@@ -17,7 +17,6 @@ import tempfile
 import time
 
 import instructions
-import report
 
 SEED = "1"
 
@@ -216,7 +215,6 @@ def main():
     sources = [units / f"unit_{number}.comp.db" for number in range(max(*sizes, 9))]
 
     results = {
-        "machine": report.describe_machine(),
         "rounds": arguments.rounds,
         "unit": measure_unit(programs, sources, work, arguments.rounds),
         "merge": [measure_merge(programs, sources[:size], work, arguments.rounds) for size in sizes],
@@ -226,6 +224,9 @@ def main():
     if not arguments.skip_instructions:
         results["instructions"] = instructions.count_all(arguments.programs, units, work)
     shutil.rmtree(work)
+    # Not before: a process starts with its parent's peak memory as its own, and plotting takes much.
+    import report
+
     report.write(results, arguments.work)
 
 

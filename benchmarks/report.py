@@ -163,7 +163,7 @@ def plot(results, path):
 
 def markdown(results):
     lines = [
-        f"{results['machine']}; medians of {results['rounds']} rounds. A limit stands in brackets.",
+        f"{describe_machine()}; medians of {results['rounds']} rounds. A limit stands in brackets.",
         "",
         *merge_tables(results["merge"]),
         "",

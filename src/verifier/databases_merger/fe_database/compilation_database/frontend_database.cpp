@@ -300,7 +300,7 @@ Function* FrontendDatabase::getFunction(long long id) {
   return tables->of<Function>().idCache.find(id).value_or(nullptr);
 }
 
-/// False when there is no row; the columns of the element are then 0, NULL or empty.
+/// False when there is no row, which leaves the element as it is.
 template <class T>
 bool FrontendDatabase::readRow(T& element) {
   TableStatement<T>& statement = tables->statement<T>(StatementKind::get_from_id);
@@ -308,16 +308,15 @@ bool FrontendDatabase::readRow(T& element) {
   const bool hasRow = statement.step() == SQLITE_ROW;
   if (hasRow) {
     statement.column(*this, connection, element);
-  } else {
+  } else if (kind != DatabaseKind::Merge || statement.result() != SQLITE_DONE) {
     // A merge tells once per table how many references lead nowhere.
-    const bool isTold = kind == DatabaseKind::Merge && statement.result() == SQLITE_DONE;
-    if (!isTold) reportRead(statement, SQLITE_ROW);
-    readEmptyRow(element);
+    reportRead(statement, SQLITE_ROW);
   }
   statement.reset(connection);
   return hasRow;
 }
 
+/// The columns of an id without a row are 0, NULL or empty.
 template <class T>
 void FrontendDatabase::readEmptyRow(T& element) {
   auto& columns = tables->of<T>().description.columns;
@@ -347,6 +346,7 @@ T* FrontendDatabase::get(long long id) {
   row.setId(id);
   const unsigned long leftOutBefore = leftOutReferences;
   const bool hasRow = readRow(row);
+  if (!hasRow && kind != DatabaseKind::Merge) readEmptyRow(row);
   // An empty element stands for an id without a row. A variable cannot be without a file, and a
   // merge would write the empty element as a row of its own.
   const bool isElement = kind == DatabaseKind::Merge ? hasRow && canBeMerged(row)
@@ -365,7 +365,8 @@ T* FrontendDatabase::get(long long id) {
 template <class T>
 void FrontendDatabase::get(T& element) {
   Debug debug(3, "FrontendDatabase::get()");
-  if (isReadyToRead<T>("FrontendDatabase::get()")) readRow(element);
+  if (!isReadyToRead<T>("FrontendDatabase::get()")) return;
+  if (!readRow(element)) readEmptyRow(element);
 }
 
 // --- Walking a table.
