@@ -28,10 +28,7 @@ TEST_P(DatabaseRefusal, ConnectAnswersFalseWithOneLineNamingPathAndReason) {
   EXPECT_FALSE(db.isConnected());
   EXPECT_EQ(openDescriptors(file), 0);
   EXPECT_EQ(db.prepared, 0);
-  const std::string report = takeReports();
-  EXPECT_EQ(lineCount(report), 1) << report;
-  EXPECT_THAT(report, HasSubstr(file));
-  EXPECT_THAT(report, HasSubstr(GetParam().reason));
+  expectOneLine({file, GetParam().reason});
 }
 
 const auto nothing = [](const std::string&) {};
@@ -91,9 +88,7 @@ TEST_F(DatabaseTest, ReadOnlyConnection_ReadsAndRefusesWrites) {
   EXPECT_THAT(takeReports(), HasSubstr("readonly"));
   EXPECT_TRUE(db.commitTransaction());
   EXPECT_FALSE(db.beginTransaction());
-  const std::string report = takeReports();
-  EXPECT_EQ(lineCount(report), 1) << report;
-  EXPECT_THAT(report, HasSubstr(db.getPath()));
+  expectOneLine({db.getPath()});
   EXPECT_EQ(rows(db.getPath(), "SELECT * FROM T"), "");
 }
 
@@ -114,9 +109,7 @@ TEST_F(DatabaseTest, EveryOperationWithoutConnection_ReportsOnceAndAnswersFalse)
     }
     for (const auto& [name, operation] : operations) {
       EXPECT_EQ(operation(), 0) << name;
-      const std::string report = takeReports();
-      EXPECT_EQ(lineCount(report), 1) << name << ": " << report;
-      EXPECT_THAT(report, HasSubstr(db.getPath())) << name;
+      expectOneLine({db.getPath(), name});
     }
     db.setBusyTimeout(10);
     db.disconnect();
@@ -127,16 +120,16 @@ TEST_F(DatabaseTest, BeginWhileOpenAndEndWithoutBegin_AreRefused) {
   TestDatabase db(databaseWithTable());
   ASSERT_TRUE(db.quick_connect(false));
   EXPECT_FALSE(db.commitTransaction());
-  EXPECT_EQ(lineCount(takeReports()), 1);
+  expectOneLine();
   EXPECT_FALSE(db.rollbackTransaction());
-  EXPECT_EQ(lineCount(takeReports()), 1);
+  expectOneLine();
   ASSERT_TRUE(db.beginTransaction());
   db.add(9);
   EXPECT_TRUE(db.rollbackTransaction());
   ASSERT_TRUE(db.beginTransaction());
   db.add(1);
   EXPECT_FALSE(db.beginTransaction());
-  EXPECT_EQ(lineCount(takeReports()), 1);
+  expectOneLine();
   db.add(2);
   EXPECT_TRUE(db.commitTransaction());
   EXPECT_EQ(rows(db.getPath(), "SELECT A FROM T"), "1\n2\n");
@@ -170,28 +163,6 @@ TEST_F(DatabaseTest, BeginOnAFileWithoutPages_LeavesThePageSizeOpen) {
   EXPECT_EQ(rows(db.getPath(), "PRAGMA page_size"), "32768\n");
 }
 
-// --- Locks.
-
-TEST_F(DatabaseTest, SecondWriter_FailsAfterTheTimeoutAndSucceedsOnceTheFirstIsDone) {
-  const std::string file = databaseWithTable();
-  TestDatabase first(file);
-  TestDatabase second(file);
-  ASSERT_TRUE(first.quick_connect(false));
-  ASSERT_TRUE(second.quick_connect(false));
-  ASSERT_TRUE(first.beginTransaction());
-  first.add(1);
-  second.setBusyTimeout(20);
-  EXPECT_FALSE(second.beginTransaction());
-  const std::string report = takeReports();
-  EXPECT_EQ(lineCount(report), 1) << report;
-  EXPECT_THAT(report, HasSubstr("locked"));
-  EXPECT_TRUE(first.commitTransaction());
-  EXPECT_TRUE(second.beginTransaction());
-  second.add(2);
-  EXPECT_TRUE(second.commitTransaction());
-  EXPECT_EQ(rows(file, "SELECT A FROM T"), "1\n2\n");
-}
-
 /// The environment variable names a lock file for the life of a test.
 class QueueTest : public DatabaseTest {
  protected:
@@ -221,37 +192,30 @@ TEST_F(QueueTest, SharedWriters_ExcludeEachOtherUntilTheFirstEnds) {
     std::optional<Writer> first(std::in_place, *this, std::string(name) + ".db", true);
     ASSERT_TRUE(first->beginTransaction()) << name;
     EXPECT_FALSE(second.beginTransaction()) << name;
-    EXPECT_EQ(lineCount(takeReports()), 1) << name;
+    expectOneLine();
     end(first);
     EXPECT_TRUE(second.beginTransaction()) << name;
     EXPECT_TRUE(second.commitTransaction()) << name;
   }
 }
 
-TEST_F(QueueTest, ReaderAndUnsharedWriter_TakeNoQueueLock) {
+TEST_F(QueueTest, ReaderAndUnsharedWriter_TakeNoQueueLock_NorDoesAnyoneWhenTheVariableIsEmpty) {
   Writer first(*this, "first.db", true);
   Writer reader(*this, "reader.db", true);
   Writer unshared(*this, "unshared.db", false);
+  Writer withoutQueue(*this, "without.db", true);
   ASSERT_TRUE(first.beginTransaction());
   EXPECT_TRUE(reader.beginReading());
   EXPECT_TRUE(unshared.beginTransaction());
-}
-
-TEST_F(QueueTest, EmptyVariable_CountsAsUnset) {
   setQueue("");
-  Writer first(*this, "first.db", true);
-  Writer second(*this, "second.db", true);
-  EXPECT_TRUE(first.beginTransaction());
-  EXPECT_TRUE(second.beginTransaction());
+  EXPECT_TRUE(withoutQueue.beginTransaction());
 }
 
 TEST_F(QueueTest, LockFileThatCannotBeMade_RefusesTheTransaction) {
   setQueue(path("missing/queue.lock"));
   Writer writer(*this, "it.db", true);
   EXPECT_FALSE(writer.beginTransaction());
-  const std::string report = takeReports();
-  EXPECT_EQ(lineCount(report), 1) << report;
-  EXPECT_THAT(report, HasSubstr(path("missing/queue.lock")));
+  expectOneLine({path("missing/queue.lock")});
 }
 
 TEST_F(QueueTest, RefusedWriteLock_GivesTheQueueLockBack) {
@@ -260,7 +224,7 @@ TEST_F(QueueTest, RefusedWriteLock_GivesTheQueueLockBack) {
   RawConnection holder(writer.getPath());
   holder.rows("BEGIN IMMEDIATE");
   EXPECT_FALSE(writer.beginTransaction());
-  EXPECT_EQ(lineCount(takeReports()), 1);
+  expectOneLine();
   EXPECT_TRUE(other.beginTransaction());
 }
 
@@ -285,7 +249,7 @@ TEST_F(QueueTest, QueueLockAndWriteLock_ShareOneTimeout) {
   std::this_thread::sleep_until(start + 2100ms);
   fileHolder.rows("COMMIT");
   EXPECT_FALSE(waiting.get());
-  EXPECT_EQ(lineCount(takeReports()), 1);
+  expectOneLine();
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 namespace fe_db_tests {
 namespace {
 
-using testing::Contains;
 using testing::HasSubstr;
 
 std::vector<std::string> unit(int number) { return {"unit=" + std::to_string(number), "bulk=300"}; }
@@ -26,28 +25,6 @@ class ConcurrentSave : public ProcessTest {
   }
 };
 
-TEST_F(ConcurrentSave, OneAfterTheOther_CountsAddUpAndNothingIsDoubled) {
-  const std::string file = emptyDatabase("it.db");
-  for (const int number : {2, 0, 1}) expectSaved(run(file, unit(number)));
-  EXPECT_EQ(rows(file, "SELECT Path FROM File ORDER BY Path"),
-            "common.h\nunit0.c\nunit1.c\nunit2.c\n");
-  EXPECT_EQ(rows(file,
-                 "SELECT Name, Count FROM Identifier WHERE Name NOT LIKE 'unit%' "
-                 "ORDER BY Name"),
-            "CONSTANT|3\nPREDEFINED|3\nSHARED|3\nfield|3\nlabel|3\nshared|6\nshared_t|3\nt0|1\n"
-            "t1|1\nt2|1\nvariable|6\n");
-  EXPECT_EQ(rows(file, "SELECT DeclLineNum, RefCount FROM Macro ORDER BY DeclLineNum"),
-            "0|1\n0|1\n0|1\n3|6\n")
-      << "a macro without a file is inserted by each process";
-  EXPECT_EQ(rows(file,
-                 "SELECT Effect, RefCount FROM Function WHERE DeclFileId = "
-                 "(SELECT FileId FROM File WHERE Path = 'common.h')"),
-            "1|3\n");
-  EXPECT_THAT(content(file), HasSubstr("TypeReference|shared_t:1|t2:2\n"));
-  EXPECT_EQ(rows(file, "SELECT count(*) FROM Function UNION ALL SELECT count(*) FROM CallPoint"),
-            "904\n903\n");
-}
-
 TEST_F(ConcurrentSave, AtTheSameTime_LeavesTheContentOfSomeOrder) {
   const std::set<std::string> expected = contentOfEachOrder();
   EXPECT_EQ(expected.size(), 6u) << "first and last writer tell in the content";
@@ -64,7 +41,8 @@ TEST_F(ConcurrentSave, AtTheSameTime_LeavesTheContentOfSomeOrder) {
       for (const auto& process : processes) ASSERT_EQ(process->readLine(), "ready");
       for (const auto& process : processes) process->release();
       for (const auto& process : processes) expectSaved(process->wait());
-      EXPECT_THAT(expected, Contains(content(file))) << "queue " << queue << " round " << round;
+      EXPECT_THAT(expected, testing::Contains(content(file)))
+          << "queue " << queue << " round " << round;
       EXPECT_EQ(integrity(file), "ok\n");
     }
   }

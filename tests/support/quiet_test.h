@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/common_interface_defs.h>
@@ -92,6 +93,18 @@ class QuietTest : public testing::Test {
   }
 
   std::string takeReports() { return capture.take(); }
+  /// One line has been written, with all of these in it.
+  void expectOneLine(const std::vector<std::string>& parts = {}) {
+    const std::string report = takeReports();
+    EXPECT_EQ(lineCount(report), 1) << report;
+    for (const std::string& part : parts) EXPECT_THAT(report, testing::HasSubstr(part));
+  }
+  /// SQLite's error has been written once, with these words.
+  void expectOneSqliteError(const std::string& words) {
+    const std::string report = takeReports();
+    EXPECT_THAT(report, testing::HasSubstr(words));
+    EXPECT_EQ(report.find("sqlite error"), report.rfind("sqlite error")) << report;
+  }
   std::string path(const std::string& name) const { return directory / name; }
   std::string fileHolding(const std::string& name, const std::string& bytes) const {
     std::ofstream(path(name), std::ios::binary) << bytes;
