@@ -14,78 +14,74 @@ namespace {
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-struct BadCase {
-  const char* rule;
-  void (*make)(const std::string& path);
-  const char* message;  ///< a regular expression of what follows the file's name
-};
+namespace fs = std::filesystem;
+using Path = const std::string&;
 
-std::string bytesOf(const std::string& path) {
+std::string bytesOf(Path path) {
   std::ostringstream bytes;
-  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  if (fs::is_regular_file(path)) bytes << std::ifstream(path, std::ios::binary).rdbuf();
   return bytes.str();
 }
 
-void nothing(const std::string&) {}
-void directory(const std::string& path) { std::filesystem::create_directory(path); }
-void pipeFile(const std::string& path) { mkfifo(path.c_str(), 0600); }
-void empty(const std::string& path) { std::ofstream{path}; }
-void text(const std::string& path) { std::ofstream(path) << std::string(5000, 'x'); }
-void database(const std::string& path) { compilationFile(path, wholeContent(1, 0)); }
-void cutInHalf(const std::string& path) {
-  database(path);
-  std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
-}
-void cutInTheHeader(const std::string& path) {
-  database(path);
-  std::filesystem::resize_file(path, 50);
-}
-void otherDatabase(const std::string& path) { execute(path, "CREATE TABLE Other (x)"); }
-void oneTableMissing(const std::string& path) { compilationFile(path, "DROP TABLE Field"); }
-void oneColumnMissing(const std::string& path) {
-  compilationFile(path, "ALTER TABLE Variable DROP COLUMN Linkage");
-}
-void keyColumnMissing(const std::string& path) {
-  compilationFile(path, "ALTER TABLE Label RENAME COLUMN LabelId TO Id");
+void database(Path path) { compilationFile(path, wholeContent(1, 0)); }
+
+void leaveOnly(Path path, const std::string& sql) {
+  fs::remove(path);
+  execute(path, sql);
 }
 
+struct BadCase {
+  const char* rule;
+  void (*spoil)(Path path);  ///< a good database
+  const char* message;       ///< a regular expression of what follows the file's name
+};
+
 constexpr BadCase kBadCases[] = {
-    {"Missing", nothing, "No such file or directory"},
-    {"Directory", directory, "it is a directory, not a file"},
-    {"Pipe", pipeFile, "it is no regular file"},
-    {"Empty", empty, "it is empty; make a database with fe_db init"},
-    {"NoDatabase", text, "cannot read it: file is not a database; give a file that .*"},
-    {"CutInHalf", cutInHalf, "cannot read it: database disk image is malformed; the file is .*"},
-    {"CutInTheHeader", cutInTheHeader, "cannot read it: database disk image is malformed; .*"},
-    {"OtherDatabase", otherDatabase, "it has no table File; give a file that .*"},
-    {"OneTableMissing", oneTableMissing, "it has no table Field; give a file that .*"},
-    {"OneColumnMissing", oneColumnMissing, "its table Variable has no column Linkage; give .*"},
-    {"KeyColumnMissing", keyColumnMissing, "its table Label has no column LabelId; give .*"},
+    {"Missing", [](Path path) { fs::remove(path); }, "No such file or directory"},
+    {"Directory", [](Path path) { fs::remove(path), fs::create_directory(path); },
+     "it is a directory, not a file"},
+    {"Pipe", [](Path path) { fs::remove(path), mkfifo(path.c_str(), 0600); },
+     "it is no regular file"},
+    {"Empty", [](Path path) { fs::resize_file(path, 0); },
+     "it is empty; make a database with fe_db init"},
+    {"NoDatabase", [](Path path) { std::ofstream(path) << std::string(5000, 'x'); },
+     "cannot read it: file is not a database; give a file that .*"},
+    {"CutInHalf", [](Path path) { fs::resize_file(path, fs::file_size(path) / 2); },
+     "cannot read it: database disk image is malformed; the file is .*"},
+    {"CutInTheHeader", [](Path path) { fs::resize_file(path, 50); },
+     "cannot read it: database disk image is malformed; .*"},
+    {"OtherDatabase", [](Path path) { leaveOnly(path, "CREATE TABLE Other (x)"); },
+     "it has no table File; give a file that .*"},
+    {"OneTableMissing", [](Path path) { execute(path, "DROP TABLE Field"); },
+     "it has no table Field; give a file that .*"},
+    {"OneColumnMissing",
+     [](Path path) { execute(path, "ALTER TABLE Variable DROP COLUMN Linkage"); },
+     "its table Variable has no column Linkage; give .*"},
+    {"KeyColumnMissing",
+     [](Path path) { execute(path, "ALTER TABLE Label RENAME COLUMN LabelId TO Id"); },
+     "its table Label has no column LabelId; give .*"},
 };
 
 struct BadFile : FeDbProgram, testing::WithParamInterface<BadCase> {};
 
 TEST_P(BadFile, FailsWithItsNameAndReason_AndStaysAsItWas) {
-  GetParam().make(path("x.db"));
-  database(path("good.db"));
-  const bool regular = std::filesystem::is_regular_file(path("x.db"));
-  const bool there = std::filesystem::exists(path("x.db"));
-  const std::string before = regular ? bytesOf(path("x.db")) : "";
-  std::vector<std::vector<std::string>> commands = {{"stats", path("x.db")},
-                                                    {"dump", path("x.db")},
-                                                    {"diff", path("x.db"), path("good.db")},
-                                                    {"diff", path("good.db"), path("x.db")}};
+  const std::string bad = path("x.db"), good = path("good.db");
+  database(bad), database(good);
+  GetParam().spoil(bad);
+  const fs::file_status status = fs::status(bad);
+  const std::string before = bytesOf(bad);
+  std::vector<std::vector<std::string>> commands = {
+      {"stats", bad}, {"dump", bad}, {"diff", bad, good}, {"diff", good, bad}};
   const bool hasGaps = std::string(GetParam().message).find(" has no ") != std::string::npos;
-  if (!hasGaps) commands.push_back({"check", path("x.db")});
+  if (!hasGaps) commands.push_back({"check", bad});
   for (const std::vector<std::string>& command : commands) {
     const ProgramResult result = feDb(command);
     EXPECT_EQ(result.exitCode, 1) << command[0];
     EXPECT_EQ(result.output, "") << command[0];
-    EXPECT_THAT(result.errors,
-                MatchesRegex("fe_db: " + path("x.db") + ": " + GetParam().message + "\n"));
+    EXPECT_THAT(result.errors, MatchesRegex("fe_db: " + bad + ": " + GetParam().message + "\n"));
   }
-  EXPECT_EQ(std::filesystem::exists(path("x.db")), there);
-  EXPECT_EQ(regular ? bytesOf(path("x.db")) : "", before);
+  EXPECT_EQ(fs::status(bad).type(), status.type());
+  EXPECT_TRUE(bytesOf(bad) == before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, BadFile, testing::ValuesIn(kBadCases), kRuleName);
@@ -101,17 +97,17 @@ TEST_F(ReadOnly, NoPermission_IsTheReason) {
 }
 
 TEST_F(ReadOnly, Reading_ChangesAndCreatesNothing) {
-  std::filesystem::create_directory(path("d"));
+  fs::create_directory(path("d"));
   database(path("d/x.db"));
   const std::string before = bytesOf(path("d/x.db"));
   for (const char* command : {"dump", "stats"}) outputOf({command, path("d/x.db")});
   outputOf({"diff", path("d/x.db"), path("d/x.db")});
   EXPECT_EQ(bytesOf(path("d/x.db")), before);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(path("d")), {}), 1);
+  EXPECT_EQ(std::distance(fs::directory_iterator(path("d")), {}), 1);
 }
 
 TEST_F(ReadOnly, NameThatLooksLikeAUri_IsAFileName) {
-  std::filesystem::create_directory(path("d"));
+  fs::create_directory(path("d"));
   database(path("d/file:x.db?mode=memory"));
   const ProgramResult result = feDb({"dump", "file:x.db?mode=memory"}, {.directory = path("d")});
   EXPECT_EQ(result.output, outputOf({"dump", path("d/file:x.db?mode=memory")}));
@@ -121,9 +117,8 @@ TEST_F(ReadOnly, FileThatAWriterHolds_FailsWhenTheWaitIsOver) {
   database(path("x.db"));
   const RawConnection writer(path("x.db"));
   writer.rows("BEGIN EXCLUSIVE");
-  const ProgramResult result = feDb({"dump", "--wait", "0", path("x.db")});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.errors, HasSubstr(path("x.db") + ": cannot read it: database is locked; "));
+  expectRefusal({"dump", "--wait", "0", path("x.db")},
+                path("x.db") + ": cannot read it: database is locked; ");
 }
 
 TEST_F(ReadOnly, FileThatAWriterHolds_IsReadWhenTheWriterIsDone) {
@@ -150,8 +145,8 @@ TEST_F(ReadOnly, HalfDoneWriteOfAKilledWriter_IsNotSeen) {
       "PRAGMA cache_spill=1; BEGIN; DELETE FROM CallPoint; UPDATE File SET Path='gone' || "
       "FileId");
   ASSERT_EQ(sqlite3_db_cacheflush(writer.get()), SQLITE_OK);
-  std::filesystem::copy_file(path("x.db"), path("killed.db"));
-  std::filesystem::copy_file(path("x.db-journal"), path("killed.db-journal"));
+  fs::copy_file(path("x.db"), path("killed.db"));
+  fs::copy_file(path("x.db-journal"), path("killed.db-journal"));
   ASSERT_THAT(bytesOf(path("killed.db")), HasSubstr("gone"));
   EXPECT_EQ(outputOf({"dump", path("killed.db")}), before);
 }

@@ -27,6 +27,15 @@ class FeDbProgram : public QuietTest {
     EXPECT_EQ(result.errors, "");
     return result.output;
   }
+
+  /// It prints nothing but a message that has these words.
+  static void expectRefusal(const std::vector<std::string>& arguments, const std::string& words,
+                            int exitCode = 1) {
+    const ProgramResult result = feDb(arguments);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, testing::HasSubstr(words));
+  }
 };
 
 }  // namespace fe_db_tests

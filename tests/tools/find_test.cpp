@@ -181,23 +181,16 @@ void expectSarif(const json& log) {
   EXPECT_EQ(log.at("version"), "2.1.0");
   EXPECT_THAT(log.at("$schema").get<std::string>(), HasSubstr("sarif-2.1.0"));
   ASSERT_EQ(log.at("runs").size(), 1);
-  const json& driver = log["runs"][0].at("tool").at("driver");
-  EXPECT_TRUE(driver.at("name").is_string());
+  const json& run = log["runs"][0];
   std::set<std::string> rules;
-  for (const json& rule : driver.at("rules")) {
+  for (const json& rule : run.at("tool").at("driver").at("rules")) {
     EXPECT_TRUE(rules.insert(rule.at("id").get<std::string>()).second);
     EXPECT_TRUE(rule.at("shortDescription").at("text").is_string());
   }
-  EXPECT_TRUE(log["runs"][0].at("results").is_array());
-  for (const json& result : log["runs"][0]["results"]) {
+  for (const json& result : run.at("results")) {
     EXPECT_TRUE(rules.contains(result.at("ruleId")));
     EXPECT_THAT(result.at("level"), testing::AnyOf("none", "note", "warning", "error"));
     EXPECT_TRUE(result.at("message").at("text").is_string());
-    for (const json& location : result.value("locations", json::array())) {
-      const json& place = location.at("physicalLocation");
-      EXPECT_TRUE(place.at("artifactLocation").at("uri").is_string());
-      for (const json& number : place.value("region", json::object())) EXPECT_GE(number, 1);
-    }
   }
 }
 
@@ -231,42 +224,35 @@ TEST_F(Find, Sarif_IsOneDocument) {
   EXPECT_EQ(sarif({"unused", "--file", "nowhere"}), json::array());
 }
 
-struct FindUsage : Find, testing::WithParamInterface<FindCase> {};
-
-TEST_P(FindUsage, Wrong_Is2AndSaysWhy) {
-  std::vector<std::string> command = GetParam().question;
-  command.insert(command.begin(), {"find", file()});
-  const ProgramResult result = feDb(command);
-  EXPECT_EQ(result.exitCode, 2);
-  EXPECT_EQ(result.output, "");
-  EXPECT_THAT(result.errors, HasSubstr(GetParam().answer));
-}
-
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(Cases, FindUsage, testing::Values(
-    FindCase{"NoQuestion", {}, "QUESTION is required"},
-    FindCase{"UnknownQuestion", {"function"}, "function is no question"},
-    FindCase{"OptionOfOtherKinds", {"labels", "--ref-count", "1"}, "labels has no --ref-count"},
-    FindCase{"SarifOfWhatIsNoRule", {"functions", "--sarif"}, "functions has no --sarif"},
-    FindCase{"NoName", {"callers"}, "callers needs one NAME"},
-    FindCase{"TwoNames", {"definition", "a", "b"}, "definition needs one NAME"},
-    FindCase{"NameOfAKind", {"macros", "LIMIT"}, "macros does not go with \"LIMIT\""},
-    FindCase{"UnusedOfNoKind", {"unused", "labels"}, "unused does not go with \"labels\""},
-    FindCase{"NoLength", {"long-names"}, "long-names needs --min-length"},
-    FindCase{"UnknownLinkage", {"functions", "--linkage", "weak"}, "--linkage"},
-    FindCase{"NegativeCount", {"macros", "--ref-count", "-1"}, "--ref-count"},
-    FindCase{"TwoForms", {"unused", "--json", "--sarif"}, "--json excludes --sarif"}), kRuleName);
+TEST_F(Find, WrongUsage_Is2AndSaysWhy) {
+  const FindCase cases[] = {
+    {"NoQuestion", {}, "QUESTION is required"},
+    {"UnknownQuestion", {"function"}, "function is no question"},
+    {"OptionOfOtherKinds", {"labels", "--ref-count", "1"}, "labels has no --ref-count"},
+    {"SarifOfWhatIsNoRule", {"functions", "--sarif"}, "functions has no --sarif"},
+    {"NoName", {"callers"}, "callers needs one NAME"},
+    {"TwoNames", {"definition", "a", "b"}, "definition needs one NAME"},
+    {"NameOfAKind", {"macros", "LIMIT"}, "macros does not go with \"LIMIT\""},
+    {"UnusedOfNoKind", {"unused", "labels"}, "unused does not go with \"labels\""},
+    {"NoLength", {"long-names"}, "long-names needs --min-length"},
+    {"UnknownLinkage", {"functions", "--linkage", "weak"}, "--linkage"},
+    {"NegativeCount", {"macros", "--ref-count", "-1"}, "--ref-count"},
+    {"TwoForms", {"unused", "--json", "--sarif"}, "--json excludes --sarif"}};
+  const std::string x = file();
+  for (const auto& [rule, question, message] : cases) {
+    SCOPED_TRACE(rule);
+    std::vector<std::string> command = {"find", x};
+    command.insert(command.end(), question.begin(), question.end());
+    expectRefusal(command, message, /*exitCode=*/2);
+  }
+}
 // clang-format on
 
 TEST_F(Find, WrongFile_Fails) {
-  preprocessingFile(path("pp.db"), "");
-  for (const auto& [name, reason] : {std::pair("pp.db", "it is a preprocessing database"),
-                                     {"none.db", "No such file or directory"}}) {
-    const ProgramResult result = feDb({"find", path(name), "macros"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.output, "");
-    EXPECT_THAT(result.errors, HasSubstr(path(name) + ": " + reason));
-  }
+  const std::string pp = preprocessingFile(path("pp.db"), ""), none = path("none.db");
+  expectRefusal({"find", pp, "macros"}, pp + ": it is a preprocessing database");
+  expectRefusal({"find", none, "macros"}, none + ": No such file or directory");
 }
 
 TEST_F(Find, RowsOfDamagedOnes_AreLeftOutAndTold) {

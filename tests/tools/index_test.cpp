@@ -41,14 +41,10 @@ TEST_F(Index, MakesWhatIsMissing_AndMendsWhatBearsItsName) {
 TEST_F(Index, OfAFileThatIsLocked_OrNoCompilationDatabase_IsRefused) {
   const RawConnection writer(file);
   writer.rows("BEGIN IMMEDIATE");
-  const ProgramResult locked = feDb({"index", "--wait=0", file});
-  EXPECT_EQ(locked.exitCode, 1);
-  EXPECT_THAT(locked.errors, testing::HasSubstr(file + ": cannot be locked for writing"));
+  expectRefusal({"index", "--wait=0", file}, file + ": cannot be locked for writing");
   writer.rows("ROLLBACK");
   EXPECT_EQ(rows(file, kIndexes), "");
-  const ProgramResult wrongKind = feDb({"index", preprocessingFile(path("pp.db"), "")});
-  EXPECT_EQ(wrongKind.exitCode, 1);
-  EXPECT_THAT(wrongKind.errors, testing::HasSubstr("it is a preprocessing database"));
+  expectRefusal({"index", preprocessingFile(path("pp.db"), "")}, "it is a preprocessing database");
 }
 
 }  // namespace

@@ -1,11 +1,8 @@
 #include <sys/stat.h>
 
-#include <fstream>
 #include <future>
-#include <map>
 
 #include "fe_db_fixture.h"
-#include "search_indexes.h"
 
 namespace fe_db_tests {
 namespace {
@@ -89,70 +86,6 @@ TEST_F(Init, SeveralAtOnce_OneMakesTheFile) {
   for (auto& run : runs) succeeded += run.get().exitCode == 0;
   EXPECT_EQ(succeeded, 1);
   EXPECT_EQ(integrity(path("x.db")), "ok\n");
-}
-
-/// The statements that the library runs on each table, and some searches by name and count.
-std::multimap<std::string, std::string> librarySelects() {
-  std::multimap<std::string, std::string> selects = {
-      {"search", "SELECT MacroId FROM Macro WHERE IdentifierId=?"},
-      {"search", "SELECT FunctionId FROM Function WHERE IdentifierId=? AND Linkage=?"},
-      {"search", "SELECT FieldId FROM Field WHERE RefCount=?"},
-      {"search", "SELECT CallPointId FROM CallPoint WHERE CalleeId=?"},
-      {"search",
-       "SELECT ExternalIdentifierId FROM ExternalIdentifier WHERE IdentifierId=? ORDER BY Kind"},
-      {"search",
-       "SELECT Label.LabelId FROM Label JOIN Identifier USING(IdentifierId) WHERE "
-       "length(Identifier.Name) >= ?"}};
-  std::ifstream golden(TABLE_STATEMENTS);
-  for (std::string line; std::getline(golden, line);) {
-    const std::size_t colon = line.find(": SELECT ");
-    if (colon != std::string::npos) selects.emplace(line.substr(0, colon), line.substr(colon + 2));
-  }
-  return selects;
-}
-
-std::string planOf(const RawConnection& connection, const std::string& select) {
-  return connection.rows("EXPLAIN QUERY PLAN " + select);
-}
-
-struct KeyIndexPlans : Init {
-  KeyIndexPlans() {
-    fe_db_tools::createCompilationDatabase(path("plain.db"), fe_db_tools::KeyIndexes::no);
-    fe_db_tools::createCompilationDatabase(path("indexed.db"), fe_db_tools::KeyIndexes::yes);
-  }
-  const std::multimap<std::string, std::string> selects = librarySelects();
-};
-
-TEST_F(KeyIndexPlans, KeyLookup_UsesAllColumnsOfItsIndexByEquality) {
-  const RawConnection indexed(path("indexed.db"));
-  for (const fe_db_tools::SearchIndex& index : fe_db_tools::kKeyIndexes) {
-    const auto select = selects.find(std::string(index.table) + " get_id");
-    ASSERT_NE(select, selects.end()) << index.table;
-    const std::string terms =
-        indexed.rows("SELECT group_concat(name || '=?', ' AND ') FROM pragma_index_info('" +
-                     std::string(index.name) + "')");
-    EXPECT_THAT(planOf(indexed, select->second),
-                HasSubstr("SEARCH " + std::string(index.table) + " USING INDEX " + index.name +
-                          " (" + terms.substr(0, terms.size() - 1) + ")\n"));
-  }
-}
-
-TEST_F(KeyIndexPlans, NoOtherStatement_IsPlannedOtherwiseBecauseOfThem) {
-  const RawConnection plain(path("plain.db")), indexed(path("indexed.db"));
-  ASSERT_GT(selects.size(), 60U);
-  for (const auto& [kind, select] : selects) {
-    if (kind.find(" get_id") == std::string::npos) {
-      EXPECT_EQ(planOf(plain, select), planOf(indexed, select)) << kind << ": " << select;
-    }
-  }
-}
-
-TEST_F(KeyIndexPlans, NoIndex_HoldsAllColumnsOfItsTable) {
-  EXPECT_EQ(rows(path("indexed.db"),
-                 "SELECT i.name FROM sqlite_schema i WHERE i.type = 'index' AND NOT EXISTS (SELECT "
-                 "* FROM pragma_table_info(i.tbl_name) c WHERE c.pk = 0 AND c.name NOT IN (SELECT "
-                 "name FROM pragma_index_info(i.name)))"),
-            "");
 }
 
 }  // namespace
