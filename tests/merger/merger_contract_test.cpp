@@ -96,16 +96,6 @@ TEST_F(Merger, NewIdsAreAboveAllEverGiven_AndMacroUsesStay) {
             "2003\n1001|1001|5|5|5\n");
 }
 
-TEST_F(Merger, Debug_PrintsTheSizesInTheOrderOfWriting) {
-  Loaded merger(target, /*isTarget=*/true);
-  merger.setDebug();
-  testing::internal::CaptureStdout();
-  EXPECT_TRUE(rewrite(merger));
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "File:1\nIdentifiers:1\nFunctions:1\nCallPoints:1\nEnumConstants:1\nType:1\nFields:1\n"
-            "Labels:1\nMacros:1\nTypeReferences:1\nVariables:1\nExternalIdentifier:1\n");
-}
-
 TEST_F(Merger, TablesThatTheProcessHasLoaded_AreReadAgainInEachThread) {
   const auto data = orvalesca::databases_merger::CompilationData::newInstance(source, "");
   data->setDataNeededForDbLink();

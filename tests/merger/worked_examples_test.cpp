@@ -62,11 +62,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, WorkedExample, testing::Values(
          "INSERT INTO ExternalIdentifier VALUES (1,3,1,5),(2,3,7,5),(3,3,-1,5),(4,1,-1,5),"
          "(5,3,0,5)"},
         "SELECT Name, E.Kind, EntityId, I.Kind FROM ExternalIdentifier E JOIN Identifier I "
-        "USING (IdentifierId) ORDER BY 1,2", "|-1|0|16\n|0|1|16\n|1|1|16\nx|7|0|16\n"},
-    Example{"FirstSource_Decides", "",
-        {"INSERT INTO File VALUES (7,'c',7,0,5)", "INSERT INTO File VALUES (8,'c',8,0,0)"},
-        "SELECT Kind, Huge FROM File WHERE Path='c'; SELECT max(Count) FROM Identifier",
-        "7|1\n6\n"}), kRuleName);
+        "USING (IdentifierId) ORDER BY 1,2", "|-1|0|16\n|0|1|16\n|1|1|16\nx|7|0|16\n"}), kRuleName);
 // clang-format on
 
 TEST_F(WorkedExample, MergedFileMergedAgain_CountsItsFieldsAgain) {
