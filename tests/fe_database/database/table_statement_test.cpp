@@ -48,14 +48,6 @@ TEST(TableStatementTexts, OfEveryTableAndKind_AreThoseOfTheGoldenPage) {
   EXPECT_EQ(generatedPage(), golden.str()) << "rewrite with the target update-golden";
 }
 
-TEST(TableStatementTexts, OfReservedKinds_AreEmpty) {
-  TableDescription<File> table;
-  describe(table);
-  for (const int kind : {2, 3, 8, 11}) {
-    EXPECT_EQ(textOf(table, static_cast<StatementKind>(kind)), "") << kind;
-  }
-}
-
 /// The table of fields, with a file that may be absent in the key.
 class OptionColumn : public CompilationTest {
  protected:

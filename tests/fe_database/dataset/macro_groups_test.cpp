@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/check_dataset.h"
 #include "tests/support/test_dataset.h"
 
 namespace fe_db_tests {
@@ -70,7 +69,6 @@ TEST_F(MacroGroups, KeepTheirOrderWhenLargeAndRehashed) {
   }
   EXPECT_EQ(group("M"), expected);
   for (std::uint32_t n = 1; n <= kMacros; ++n) ASSERT_EQ(find("M", line(n))->getLine(), n);
-  checkDataset(*data);
 }
 
 TEST_F(MacroGroups, TheFirstMacroWithAValueIsTheFirstOfTheGroupThatHasOne) {
@@ -97,47 +95,34 @@ TEST_F(MacroGroups, AWildcardSoughtTakesTheFirstAlsoBeforeAnExactMatch) {
   EXPECT_EQ(group("M").size(), 3u);
 }
 
-// In the order 1 N N-1 ... 2, a wildcard at 3 matches whatever is not met at 1 or from N to 4.
+// In the order 1 N N-1 ... 2, a wildcard at 3 matches whatever is not met at 1 or from N to 4. Long
+// groups are searched another way than short ones, which must not show.
 TEST_F(MacroGroups, AStoredWildcardMatchesWhereTheWalkMeetsItBeforeAnExactMatch) {
-  for (const std::uint32_t size : {4u, 40u}) {
-    SCOPED_TRACE(size);
+  using Lines = std::vector<std::uint32_t>;
+  for (const std::uint32_t size : {4u, 100u}) {
     const std::string text = "M" + std::to_string(size);
     for (std::uint32_t n = 1; n <= size; ++n) macro(text, line(n));
     Macro* const stored = find(text, line(3));
-    Macro* const newest = find(text, line(size));
     const auto found = [&] {
-      std::vector<std::uint32_t> lines;
-      for (const std::uint32_t n : {1u, size, 3u, 2u, 99u}) {
+      Lines lines;
+      for (const std::uint32_t n : {1u, size, 3u, 2u, 99999u}) {
         const Macro* const m = find(text, line(n));
         lines.push_back(m == nullptr ? 0 : m->getLine());
       }
       return lines;
     };
-    using Lines = std::vector<std::uint32_t>;
-    EXPECT_EQ(found(), (Lines{1, size, 3, 2, 0}));
+    const Lines exact = {1, size, 3, 2, 0}, withWildcard = {1, size, 3, 3, 3};
+    EXPECT_EQ(found(), exact);
     stored->setLocalization(wildcard(line(3)));
-    EXPECT_EQ(found(), (Lines{1, size, 3, 3, 3}));
-    EXPECT_EQ(&data->emplaceMacro(text, line(99), false, 0), stored) << "no element of its own";
-    EXPECT_NE(&data->emplaceMacro("other" + text, line(99), false, 0), stored);
-    newest->setLocalization(wildcard(line(size)));
-    EXPECT_EQ(found(), (Lines{1, size, size, size, size})) << "the wildcard met first";
-    newest->setLocalization(line(size));
+    EXPECT_EQ(found(), withWildcard);
+    EXPECT_EQ(&data->emplaceMacro(text, line(99999), false, 0), stored) << "no element of its own";
     stored->setLocalization(line(3));
-    EXPECT_EQ(found(), (Lines{1, size, 3, 2, 0}));
     Macro changed = *stored;
     changed.setLocalization(wildcard(line(3)));
-    EXPECT_EQ(found(), (Lines{1, size, 3, 2, 0})) << "a copy is no macro of the dataset";
+    EXPECT_EQ(found(), exact) << "a copy is no macro of the dataset";
     *stored = changed;
-    EXPECT_EQ(found(), (Lines{1, size, 3, 3, 3})) << "assigned to";
+    EXPECT_EQ(found(), withWildcard) << "assigned to";
   }
-}
-
-TEST_F(MacroGroups, AWildcardThatIsInsertedOrIsTheFirstMatchesAtOnce) {
-  Macro& any = data->emplaceMacro("M", wildcard(line(1)), false, 0);
-  EXPECT_EQ(find("M", at("b.c", 5, 5)), &any);
-  EXPECT_EQ(&data->emplaceMacro("M", line(2), false, 0), &any);
-  any.setLocalization(line(1));
-  EXPECT_NE(&data->emplaceMacro("M", line(2), false, 0), &any);
 }
 
 TEST_F(MacroGroups, ACopyOutlivesTheDatasetAndChangesNothingInIt) {
@@ -164,14 +149,14 @@ TEST_F(MacroGroups, TheMacrosOfTheTranslationUnitAreThoseWithAFile) {
   macro("predefined", at("", 0, 3));
   first = true;
   EXPECT_EQ(data->listTranslationUnitMacro(first), nullptr);
-  EXPECT_FALSE(first);
   EXPECT_EQ(data->listTranslationUnitMacro(first), nullptr) << "still at the end";
 
-  std::multiset<const Macro*> expected, listed;
-  for (std::uint32_t n = 1; n <= 20; ++n) expected.insert(macro("M", line(n)));
-  for (const char* text : {"N", "O", "commandLine"}) expected.insert(macro(text, line(1)));
+  std::multiset<const Macro*> expected;
+  for (const char* text : {"M", "N", "commandLine"}) {
+    for (std::uint32_t n = 1; n <= 9; ++n) expected.insert(macro(text, line(n)));
+  }
   for (int walk = 0; walk < 2; ++walk) {
-    listed.clear();
+    std::multiset<const Macro*> listed;
     first = true;
     while (const Macro* const m = data->listTranslationUnitMacro(first)) listed.insert(m);
     EXPECT_EQ(listed, expected);

@@ -7,7 +7,6 @@
 
 #include "fe_db/compilation_database.h"
 #include "library_side.h"
-#include "tests/support/check_dataset.h"
 #include "tests/support/test_dataset.h"
 #include "tools/common/compilation_schema.h"
 
@@ -367,7 +366,6 @@ class Play {
     compareMacros();
     compareLines();
     repeat(10, [this] { compareLookup(); });
-    checkDataset(*library.data);
   }
 
   template <class T>

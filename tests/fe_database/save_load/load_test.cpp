@@ -1,3 +1,5 @@
+#include <map>
+
 #include "tests/fe_database/save_load/save_load_test.h"
 
 namespace fe_db_tests {
@@ -61,7 +63,6 @@ TEST_F(Load, FromCompDbWithTheFlag_ReadsAllButTypeReferencesAndMacroTexts) {
   EXPECT_EQ(call->getCallee()->getSourceName()->getName(), "g_source");
   EXPECT_EQ(data->getVariables().begin()->getType()->getIdentifier()->getName(), "base");
   EXPECT_FALSE(data->isMacroExpansionLoaded());
-  checkDataset(*data);
 }
 
 TEST_F(Load, NamesOfFieldsEnumConstantsAndLabels_AreCountedOnceMoreAndLoseTheirIds) {
@@ -81,11 +82,9 @@ TEST_F(Load, NamesOfFieldsEnumConstantsAndLabels_AreCountedOnceMoreAndLoseTheirI
 TEST_F(Load, SecondLoadOfTheProcess_ReadsNothingWhateverTheDataset) {
   saveBothAndOpenAgain();
   EXPECT_TRUE(loadAll());
-  tablesRead();
-  EXPECT_TRUE(loadAll());
-  EXPECT_THAT(tablesRead(), IsEmpty());
   data = CompilationData::newInstance(compFile, "");
   ASSERT_TRUE(db().quick_connect(false));
+  tablesRead();
   EXPECT_TRUE(loadAll());
   EXPECT_THAT(tablesRead(), IsEmpty());
   EXPECT_EQ(data->getFile("a.c"), nullptr);
@@ -102,34 +101,21 @@ TEST_F(Load, FromPpDb_LinksCodeOriginsByOffsetAndReadsExpansions) {
   EXPECT_THAT(tablesRead(), ElementsAre("File", "Identifier", "Macro", "MacroInvocation",
                                         "MacroInvocationCodeOrigin", "MacroExpansion"));
   const MacroInvocation& use = *data->getMacroInvocationForLine(110).first;
-  EXPECT_NE(use.getId(), 0);
-  EXPECT_EQ(use.getRange().file, data->getFile("a.c"));
-  EXPECT_EQ(use.getMacro()->getValue(), Macro::Value(std::uint64_t{7}));
-  EXPECT_EQ(use.getMacro()->getText(), "7u");
   std::vector<std::string> tokens;
   for (const MacroInvocationCodeOrigin* origin : use.getCodeOrigins()) {
     tokens.push_back(origin->getTokenString());
-    EXPECT_EQ(origin->getId(), 0);
   }
   EXPECT_THAT(tokens, ElementsAre("7u", "between", "equal offset", ";"));
   EXPECT_TRUE(data->loadFromDB(false));
   EXPECT_EQ(use.getCodeOrigins().size(), 8u) << "a second load appends them again";
-  EXPECT_TRUE(data->isMacroExpansionLoaded());
-  const auto [begin, end] = data->getMacroExpansionForLine(110);
-  ASSERT_EQ(std::distance(begin, end), 1);
-  EXPECT_EQ(begin->getMacroCall(), "M");
-  EXPECT_EQ(begin->getId(), 0);
-  int emplaced = 0;
-  data->eachMacroExpansion([&](const MacroExpansion&) { ++emplaced; });
-  EXPECT_EQ(emplaced, 0);
+  EXPECT_EQ(data->getMacroExpansionForLine(110).first->getMacroCall(), "M");
+  data->eachMacroExpansion([](const MacroExpansion&) { FAIL() << "these go by their lines"; });
 }
 
 TEST_F(Load, PartByPart_ReadsEachTableOnceAndTheCodeOriginsEachTime) {
   saveBothAndOpenAgain();
   EXPECT_TRUE(data->preLoadFromDB(true));
   EXPECT_THAT(tablesRead(), ElementsAre("File"));
-  EXPECT_NE(data->getFile("a.c")->getId(), 0);
-  EXPECT_TRUE(File::isLoaded && !File::isPreLoaded);
   EXPECT_TRUE(data->loadFromDB(true));
   EXPECT_THAT(tablesRead(), ElementsAre("Identifier", "Macro", "MacroInvocation"));
   EXPECT_TRUE(data->loadFromDB(false));
@@ -148,62 +134,29 @@ TEST_F(Load, MacroExpansions_AreReadOnceAndThenCostNoTransaction) {
   EXPECT_THAT(trace.take(), IsEmpty());
 }
 
-TEST_F(Load, StoredRowsAndSightsInMemory_FoldTogether) {
+// Two rows of each table, 71 and 72, lack what their element cannot do without.
+TEST_F(Load, DamagedRows_AreLeftOutWithOneLinePerTable) {
   saveBothAndOpenAgain();
-  Identifier* f = data->emplaceIdentifier("f", IdentifierKind::Label, false, 10);
-  Field* field =
-      &data->emplaceField("field", {&data->emplaceFile("a.h", FileKind{}, {}), 1, 20}, true, 2);
+  execute(
+      "INSERT INTO Function (FunctionId, DeclLineNum) VALUES (71, 1), (72, 2);"
+      "INSERT INTO Variable (VariableId, IdentifierId) VALUES (71, 1), (72, 1);"
+      "INSERT INTO EnumConstant (EnumConstantId, DeclLineNum) VALUES (71, 1), (72, 2);"
+      "INSERT INTO Macro (MacroId, DeclLineNum) VALUES (71, 1), (72, 2);"
+      "INSERT INTO Field (FieldId, DeclLineNum) VALUES (71, 1), (72, 2)");
   EXPECT_TRUE(loadAll());
-  EXPECT_EQ(f->getCount(), 13u);
-  EXPECT_EQ(static_cast<unsigned>(f->getKind()), 128u | 18u);
-  EXPECT_EQ(field->getRefCount(), 6u);
-  EXPECT_EQ(field->getId(), 1);
-  EXPECT_EQ(data->getFile("a.h")->getKind(), FileKind{}) << "a known file stays as it is";
-}
-
-struct Damage {
-  const char* name;
-  const char* sql;
-  const char* table;
-  const char* firstId;
-};
-
-class DamagedRows : public Load, public testing::WithParamInterface<Damage> {};
-
-TEST_P(DamagedRows, AreLeftOutWithOneLinePerTable) {
-  saveBothAndOpenAgain();
-  execute(GetParam().sql);
-  EXPECT_TRUE(loadAll());
-  const std::string report = takeReports();
-  EXPECT_EQ(lineCount(report), 1) << report;
-  EXPECT_THAT(report, HasSubstr(GetParam().table));
-  EXPECT_THAT(report, testing::ContainsRegex("[^0-9]2 "));
-  EXPECT_THAT(report, HasSubstr(GetParam().firstId));
-  EXPECT_THAT(db().leftOutRows(), ElementsAre(testing::Pair(GetParam().table, 2u)));
+  std::map<std::string, std::size_t> expected;
+  std::istringstream report(takeReports());
+  for (const char* table : {"Macro", "Variable", "Function", "Field", "EnumConstant"}) {
+    expected[table] = 2;
+    std::string line;
+    std::getline(report, line);
+    EXPECT_THAT(line, testing::ContainsRegex(std::string(table) + ": 2 rows .* id 71$"));
+  }
+  EXPECT_EQ(report.peek(), EOF);
+  EXPECT_EQ(db().leftOutRows(), expected);
   EXPECT_FALSE(db().hasFailed());
   EXPECT_EQ(data->getFunctions().size(), 2u);
-  checkDataset(*data);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Of, DamagedRows,
-    testing::Values(
-        Damage{"FunctionWithoutName",
-               "INSERT INTO Function VALUES (71, NULL, 1, 1, 1, 1, 0, 0, 0, 0, 0), "
-               "(72, 0, 1, 1, 1, 1, 0, 0, 0, 0, 0)",
-               "Function", "71"},
-        Damage{"VariableWithoutFile",
-               "INSERT INTO Variable VALUES (71, 1, NULL, 1, 1, NULL, 0, 0, 0), "
-               "(72, 1, NULL, 1, 1, NULL, 0, 0, 0)",
-               "Variable", "71"},
-        Damage{"EnumConstantWithoutName",
-               "INSERT INTO EnumConstant VALUES (71, NULL, 1, 1, 1), (72, NULL, 1, 2, 1)",
-               "EnumConstant", "71"},
-        Damage{"MacroWithoutName",
-               "INSERT INTO Macro (MacroId, DeclLineNum) VALUES (71, 1), (72, 2)", "Macro", "71"},
-        Damage{"FieldWithoutName",
-               "INSERT INTO Field (FieldId, DeclLineNum) VALUES (71, 1), (72, 2)", "Field", "71"}),
-    caseName);
 
 TEST_F(Load, RowsThatReferToARowLeftOut_AreLeftOutThemselves) {
   saveBothAndOpenAgain();
@@ -240,15 +193,6 @@ TEST_F(Load, RowWithIdZero_EndsTheWalkAndCountsAsAFailedRead) {
   EXPECT_EQ(data->getFile("one"), nullptr);
   EXPECT_TRUE(db().hasFailed());
   takeReports();
-}
-
-TEST_F(Load, WhileAWriterIsAtWork_WaitsForNothing) {
-  saveBothAndOpenAgain();
-  const RawConnection writer(compFile);
-  writer.rows("BEGIN IMMEDIATE; UPDATE File SET Kind = 5");
-  db().setBusyTimeout(0);
-  EXPECT_TRUE(loadAll());
-  writer.rows("ROLLBACK");
 }
 
 }  // namespace

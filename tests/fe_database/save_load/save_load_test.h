@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tests/support/check_dataset.h"
 #include "tests/support/content.h"
 #include "tests/support/database_fixture.h"
 
