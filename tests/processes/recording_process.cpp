@@ -1,6 +1,4 @@
-#include <grp.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -20,7 +18,6 @@
 ///     bulk=N     functions of its own
 ///     timeout=N  busy timeout in milliseconds
 ///     limit=N    size that no file may grow over, in bytes
-///     nobody=1   gives up the rights of the superuser
 ///     wait=1     connects, says "ready", and goes on when its standard input ends
 ///     pp=1       saves into a new preprocessing database instead, then resets the ids
 ///     hold=1     begins a transaction, says "holding", and rolls back when its input ends
@@ -29,12 +26,6 @@ using namespace orvalesca::databases_merger;
 namespace {
 
 using Options = std::map<std::string, long>;
-
-void giveUpRights() {
-  constexpr unsigned kNobody = 65534;
-  if (geteuid() != 0) return;
-  if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0) std::abort();
-}
 
 void limitFileSize(long bytes) {
   const rlimit limit{static_cast<rlim_t>(bytes), static_cast<rlim_t>(bytes)};
@@ -103,7 +94,6 @@ int main(int argc, char** argv) {
     options[option.substr(0, equals)] = std::stol(option.substr(equals + 1));
   }
   if (options["pp"] != 0) return saveToPpDb(argv[1]) ? 0 : 1;
-  if (options["nobody"] != 0) giveUpRights();
   CompilationData data(argv[1], "");
   const auto unit = static_cast<unsigned>(options["unit"]);
   recordShared(data, unit);

@@ -20,34 +20,27 @@ TEST_F(Diff, EqualContentUnderOtherIds_IsNoDifference) {
   EXPECT_EQ(outputOf({"diff", a, b}), "");
 }
 
-struct DiffCase {
-  const char* rule;
-  const char* left;
-  const char* right;
-  const char* difference;  ///< signs and columns
-};
-
-struct DiffRows : Diff, testing::WithParamInterface<DiffCase> {};
-
-TEST_P(DiffRows, Printed) {
-  std::string expected;
-  std::istringstream differences(GetParam().difference);
-  for (std::string one; differences >> one;) expected += one[0] + label(one.substr(1));
-  const ProgramResult result =
-      feDb({"diff", labels("a.db", GetParam().left), labels("b.db", GetParam().right)});
-  EXPECT_EQ(result.output, expected);
-  EXPECT_EQ(result.exitCode, expected.empty() ? 0 : 1);
-  EXPECT_EQ(result.errors, "");
+TEST_F(Diff, Rows_AreThoseThatOneSideHasAlone_SoOftenAsItHasThem) {
+  const struct {
+    const char *rule, *left, *right;
+    const char* difference;  ///< signs and columns
+  } cases[] = {{"OnlyLeft", "(1), (2)", "(1)", "-2"},
+               {"OnlyRight", "(1)", "(0), (1)", "+0"},
+               {"BothSides", "(1), (3), (5)", "(2), (3), (4)", "-1 +2 +4 -5"},
+               {"RepeatedRowsCount", "(1), (1), (1)", "(1)", "-1 -1"},
+               {"RepeatedEqually", "(1), (1)", "(1), (1)", ""}};
+  for (const auto& [rule, left, right, difference] : cases) {
+    SCOPED_TRACE(rule);
+    const std::string a = labels(std::string(rule) + "A.db", left);
+    std::string expected;
+    std::istringstream differences(difference);
+    for (std::string one; differences >> one;) expected += one[0] + label(one.substr(1));
+    const ProgramResult result = feDb({"diff", a, labels(std::string(rule) + "B.db", right)});
+    EXPECT_EQ(result.output, expected);
+    EXPECT_EQ(result.exitCode, expected.empty() ? 0 : 1);
+    EXPECT_EQ(result.errors, "");
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, DiffRows,
-    testing::Values(DiffCase{"OnlyLeft", "(1), (2)", "(1)", "-2"},
-                    DiffCase{"OnlyRight", "(1)", "(0), (1)", "+0"},
-                    DiffCase{"BothSides", "(1), (3), (5)", "(2), (3), (4)", "-1 +2 +4 -5"},
-                    DiffCase{"RepeatedRowsCount", "(1), (1), (1)", "(1)", "-1 -1"},
-                    DiffCase{"RepeatedEqually", "(1), (1)", "(1), (1)", ""}),
-    kRuleName);
 
 TEST_F(Diff, OneTable_LeavesTheOthersOut) {
   const std::string a = compilationFile(path("a.db"), wholeContent(1, 0));

@@ -92,22 +92,6 @@ TEST_F(AddOrUpdate, Macro_TakesAMissingValueFromTheRowAndKeepsItsOwn) {
   EXPECT_EQ(rows("SELECT RefCount, Value, ValueIsSigned, Text FROM Macro"), "4|5|1|\n");
 }
 
-TEST_F(AddOrUpdate, Identifier_FollowsItsOwnCountAndBits) {
-  const struct {
-    unsigned count, kind;
-    bool changed;
-    const char* row;
-  } cases[] = {{0, 1, false, "n|5|1\n"}, {0, 3, true, "n|5|3\n"}, {2, 4, true, "n|7|5\n"}};
-  for (const auto& c : cases) {
-    execute("UPDATE Identifier SET Count = 5, Kind = 1 WHERE IdentifierId = 1");
-    Identifier element("n", static_cast<IdentifierKind>(c.kind), c.count);
-    EXPECT_EQ(db().add_or_update(element), 1);
-    EXPECT_EQ(element.dirty, c.changed) << c.row;
-    EXPECT_EQ(element.getCount(), c.count + 5);
-    EXPECT_EQ(rows("SELECT Name, Count, Kind FROM Identifier WHERE IdentifierId = 1"), c.row);
-  }
-}
-
 TEST_F(AddOrUpdate, Type_MergesWithEachMatchingRowByItselfAndComesOutUnchanged) {
   // Two rows with equal keys, one of another kind.
   execute(

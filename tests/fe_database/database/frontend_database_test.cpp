@@ -100,23 +100,6 @@ TEST_F(FrontendDatabaseTest, GetByIdTwice_GivesOneElementAndRunsNoSqlTheSecondTi
   EXPECT_EQ(db().get<File>(5), found);
 }
 
-TEST_F(FrontendDatabaseTest, GetOfARowWithReferences_LoadsWhatItRefersTo) {
-  insertFiles();
-  execute("INSERT INTO Identifier VALUES (1, 'f', 1, 2), (2, 'src', 1, 2)");
-  execute("INSERT INTO Function VALUES (8, 1, 2, 5, 10, 20, 1, 1, 0, 1, 6)");
-  execute("INSERT INTO CallPoint VALUES (9, 3, 30, 4, 1, 8, NULL)");
-  const CallPoint* call = db().get<CallPoint>(9);
-  ASSERT_NE(call, nullptr);
-  ASSERT_NE(call->getCaller(), nullptr);
-  EXPECT_EQ(call->getFile(), data->getFile("c.c"));
-  EXPECT_EQ(call->getCallee(), nullptr);
-  const Function* caller = data->getFunction("f", {data->getFile("e.c"), 10, 20});
-  EXPECT_EQ(call->getCaller(), caller);
-  EXPECT_EQ(caller->getId(), 8);
-  EXPECT_EQ(caller->getSourceName()->getName(), "src");
-  EXPECT_EQ(caller->getRefCount(), 0u) << "a function's count is not taken from its row";
-}
-
 TEST_F(FrontendDatabaseTest, GetOfAnIdWithoutRow_ReportsAndGivesZeros) {
   const char* const noRow = "rc=101 (expected rc=100)";
   const Identifier* identifier = db().get<Identifier>(9);

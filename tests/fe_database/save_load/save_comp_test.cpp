@@ -102,19 +102,6 @@ TEST_F(SaveToCompDb, FilledFile_IsExtendedAndNotDoubled) {
   EXPECT_EQ(data->getFile("elsewhere.c")->getId(), 9);
 }
 
-TEST_F(SaveToCompDb, RepeatedUnchanged_ChangesNothing) {
-  for (const bool intoAFilledFile : {false, true}) {
-    if (intoAFilledFile) openAgain();
-    fill();
-    ASSERT_TRUE(saveToCompDb());
-    const std::string before = dump(compFile);
-    for (int repeat = 0; repeat < 2; ++repeat) {
-      EXPECT_TRUE(saveToCompDb());
-      EXPECT_EQ(dump(compFile), before) << intoAFilledFile << ' ' << repeat;
-    }
-  }
-}
-
 TEST_F(SaveToCompDb, Repeated_LeavesTheRowsThatTheFirstSaveLeft) {
   fill();
   ASSERT_TRUE(saveToCompDb());

@@ -71,31 +71,6 @@ TEST_F(SaveToPpDb, SixTables_AreWrittenInTheirOrderWithTheirReferences) {
   data->eachMacroExpansion([](const MacroExpansion& e) { EXPECT_EQ(e.getId(), 1); });
 }
 
-TEST_F(SaveToPpDb, RepeatedUnchanged_InsertsNothingAndNoExpansionsLater) {
-  connectPp();
-  fill();
-  ASSERT_TRUE(data->saveToPpDB());
-  const std::string before = dump(ppFile);
-  EXPECT_TRUE(data->saveToPpDB());
-  EXPECT_EQ(dump(ppFile), before);
-  EXPECT_FALSE(data->isMacroExpansionLoaded());
-  data->emplaceMacroExpansion({}, "late", "L", 1, 1);
-  EXPECT_TRUE(data->saveToPpDB());
-  EXPECT_EQ(ppRows("SELECT MacroCall FROM MacroExpansion"), "M\n");
-}
-
-TEST_F(SaveToPpDb, NameSeenAgain_TakesItsRowAndBringsItsCountThere) {
-  connectPp();
-  fill();
-  ASSERT_TRUE(data->saveToPpDB());
-  const long long id = data->getIdentifier("M")->getId();
-  data->emplaceIdentifier("M", IdentifierKind::Type, /*accumulate=*/true, 2);
-  EXPECT_EQ(data->getIdentifier("M")->getId(), 0);
-  EXPECT_TRUE(data->saveToPpDB());
-  EXPECT_EQ(data->getIdentifier("M")->getId(), id);
-  EXPECT_EQ(ppRows("SELECT Count, Kind FROM Identifier WHERE Name = 'M'"), "3|9\n");
-}
-
 TEST_F(SaveToPpDb, FailedCommit_LeavesTheExpansionsMarkedAsSaved) {
   connectPp();
   const RawConnection other(ppFile);
