@@ -55,13 +55,6 @@ TEST_F(Init, WhatIsThere_IsNeverOverwritten) {
   EXPECT_FALSE(std::filesystem::exists(path("nowhere")));
 }
 
-TEST_F(Init, LeftoverOfAKilledRun_IsOverwritten) {
-  fileHolding("x.db.new", "half a database");
-  outputOf({"init", path("x.db")});
-  EXPECT_EQ(integrity(path("x.db")), "ok\n");
-  EXPECT_FALSE(std::filesystem::exists(path("x.db.new")));
-}
-
 TEST_F(Init, NoSuchDirectory_IsNamed) {
   const ProgramResult result = feDb({"init", path("missing/x.db")});
   EXPECT_EQ(result.exitCode, 1);

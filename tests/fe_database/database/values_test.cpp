@@ -21,24 +21,15 @@ class ValueTest : public CompilationTest {
 };
 
 TEST_F(ValueTest, Unsigned_IsStoredAsItsBitsTakenAsSignedAndReadsBack) {
-  const std::pair<std::uint32_t, const char*> cases[] = {
-      {0, "0"},
-      {2147483647, "2147483647"},
-      {2147483648, "-2147483648"},
-      {4294967295, "-1"},
-  };
-  for (const auto& [value, stored] : cases) {
-    Type type(nullptr, false, {nullptr, value, value}, static_cast<TypeKind>(value), value, value,
-              false, false);
-    const std::string id = std::to_string(db().add(type));
-    for (const char* column : {"DeclLineNum", "DeclColNum", "Kind", "RefCount", "RefTagCount"}) {
-      EXPECT_EQ(rows("SELECT "s + column + " FROM Type WHERE TypeId=" + id), stored + "\n"s);
-    }
-    const Type read = readBack<Type>(type.getId());
-    EXPECT_EQ(read.getLine(), value);
-    EXPECT_EQ(static_cast<std::uint32_t>(read.getKind()), value);
-    EXPECT_EQ(read.getRefTagCount(), value);
-  }
+  constexpr std::uint32_t kLargest = 4294967295, kLargestSigned = 2147483647;
+  Type type(nullptr, false, {nullptr, kLargest, kLargestSigned}, TypeKind{kLargest}, 0,
+            kLargestSigned + 1, false, false);
+  const Type read = readBack<Type>(db().add(type));
+  EXPECT_EQ(rows("SELECT DeclLineNum, DeclColNum, Kind, RefCount, RefTagCount FROM Type"),
+            "-1|2147483647|-1|0|-2147483648\n");
+  EXPECT_EQ(read.getLine(), kLargest);
+  EXPECT_EQ(read.getKind(), TypeKind{kLargest});
+  EXPECT_EQ(read.getRefTagCount(), kLargestSigned + 1);
 }
 
 TEST_F(ValueTest, Text_IsStoredUpToTheFirstNulWhateverItsLengthAndBytes) {
@@ -78,33 +69,30 @@ TEST_F(ValueTest, MacroValue_StoresItsBitsAndItsSignedness) {
 
 TEST_F(ValueTest, Pointer_IsNullForNoneZeroForAnUnsavedElementAndElseTheRowId) {
   File unsaved("unsaved.c");
-  File* saved = file("saved.c");
+  File* const saved = file("saved.c");
   db().add(*saved);
-  const std::tuple<File*, const char*, const char*> cases[] = {
-      {nullptr, "NULL\n", ""}, {&unsaved, "0\n", ""}, {saved, "1\n", "saved.c"}};
-  for (const auto& [pointer, stored, path] : cases) {
+  for (File* const pointer : {static_cast<File*>(nullptr), &unsaved, saved}) {
     Field field(name("f"), {pointer, 1, 1});
-    const std::string id = std::to_string(db().add(field));
-    EXPECT_EQ(rows("SELECT DeclFileId FROM Field WHERE FieldId=" + id), stored);
-    const File* read = readBack<Field>(field.getId()).getFile();
-    EXPECT_EQ(read != nullptr ? read->getPath() : "", path) << stored;
+    EXPECT_EQ(readBack<Field>(db().add(field)).getFile(), pointer == saved ? saved : nullptr);
   }
+  EXPECT_EQ(rows("SELECT DeclFileId FROM Field"), "NULL\n0\n1\n");
 }
 
 TEST_F(ValueTest, Entity_IsTheRowOfItsKindAndZeroForOtherKinds) {
-  Variable* variable = this->variable("v", at("a.c", 1, 1));
-  Function* function = this->function("f", at("a.c", 2, 1));
+  Variable* const variable = this->variable("v", at("a.c", 1, 1));
+  Function* const function = this->function("f", at("a.c", 2, 1));
   variable->setId(5);
   function->setId(6);
-  const std::tuple<int, LinkedElement*, const char*> cases[] = {
-      {-1, nullptr, "-1|0\n"}, {-1, variable, "-1|0\n"}, {0, variable, "0|5\n"},
-      {0, nullptr, "0|0\n"},   {1, function, "1|6\n"},   {7, function, "7|0\n"}};
-  for (const auto& [kind, entity, stored] : cases) {
-    ExternalIdentifier external(name("e"), {static_cast<EntityKind>(kind), entity});
-    const std::string id = std::to_string(db().add(external));
-    const std::string where = " FROM ExternalIdentifier WHERE ExternalIdentifierId=" + id;
-    EXPECT_EQ(rows("SELECT Kind, EntityId" + where), stored);
+  const EntityDescription descriptions[] = {
+      {EntityKind::None, nullptr},      {EntityKind::None, variable},
+      {EntityKind{7}, function},        {EntityKind::Variable, nullptr},
+      {EntityKind::Variable, variable}, {EntityKind::Function, function}};
+  for (const EntityDescription& description : descriptions) {
+    ExternalIdentifier external(name("e"), description);
+    db().add(external);
   }
+  EXPECT_EQ(rows("SELECT Kind, EntityId FROM ExternalIdentifier ORDER BY rowid"),
+            "-1|0\n-1|0\n7|0\n0|0\n0|5\n1|6\n");
 }
 
 TEST_F(ValueTest, EntityOfAReusedRow_StaysWhereTheKindHasNone) {
