@@ -7,13 +7,23 @@ namespace fe_db_tests {
 namespace {
 
 using persistence::DatabaseStatement;
-using testing::HasSubstr;
 
 class StatementTest : public DatabaseTest {
  protected:
   StatementTest() : db(databaseWithTable()) { EXPECT_TRUE(db.quick_connect(false)); }
   ~StatementTest() override {
     for (DatabaseStatement* statement : {&insert, &select, &broken}) statement->finalize(db.raw());
+  }
+  template <class... Values>
+  void bind(DatabaseStatement& statement, const Values&... values) {
+    (statement.bind(db.raw(), values), ...);
+  }
+  /// Inserts a row.
+  template <class Value>
+  void run(DatabaseStatement& statement, const Value& value) {
+    statement.prepare(db.raw());
+    bind(statement, value);
+    statement.exec(db.raw());
   }
   std::string content() const { return rows(db.getPath(), "SELECT A FROM T ORDER BY A"); }
 
@@ -27,8 +37,7 @@ TEST_F(StatementTest, PreparedAgainBetweenTwoRows_GoesOnWithTheNextRow) {
   execute(db.getPath(), "INSERT INTO T VALUES (1), (2)");
   select.prepare(db.raw());
   select.prepare(db.raw());
-  select.bind(db.raw(), 1);
-  select.bind(db.raw(), 2);
+  bind(select, 1, 2);
   for (const long long expected : {1, 2}) {
     ASSERT_EQ(select.step(), SQLITE_ROW);
     select.prepare(db.raw());
@@ -41,28 +50,21 @@ TEST_F(StatementTest, PreparedAgainBetweenTwoRows_GoesOnWithTheNextRow) {
 
 TEST_F(StatementTest, ExecAgainWithNewBindings_InsertsARowEachTimeWithTheWholeNumber) {
   const long long least = std::numeric_limits<long long>::min();
-  insert.prepare(db.raw());
-  insert.bind(db.raw(), least);
-  insert.exec(db.raw());
+  run(insert, least);
   EXPECT_EQ(insert.result(), SQLITE_DONE);
-  insert.bind(db.raw(), 1ULL << 62);
-  insert.exec(db.raw());
+  run(insert, 1ULL << 62);
   insert.finalize(db.raw());
-  insert.prepare(db.raw());
-  insert.bind(db.raw(), -1);
-  insert.exec(db.raw());
+  run(insert, -1);
   EXPECT_EQ(content(), "-9223372036854775808\n-1\n4611686018427387904\n");
 }
 
 TEST_F(StatementTest, BindAfterReset_FillsTheParametersFromTheFirstOn) {
   execute(db.getPath(), "INSERT INTO T VALUES (1), (5), (9)");
   select.prepare(db.raw());
-  select.bind(db.raw(), 1);
-  select.bind(db.raw(), 1);
+  bind(select, 1, 1);
   ASSERT_EQ(select.step(), SQLITE_ROW);
   select.reset(db.raw());
-  select.bind(db.raw(), 4);
-  select.bind(db.raw(), 6);
+  bind(select, 4, 6);
   ASSERT_EQ(select.step(), SQLITE_ROW);
   long long value = 0;
   select.column(value);
@@ -72,8 +74,7 @@ TEST_F(StatementTest, BindAfterReset_FillsTheParametersFromTheFirstOn) {
 
 TEST_F(StatementTest, BindBeyondTheLastParameter_IsReportedWithTheStatement) {
   insert.prepare(db.raw());
-  insert.bind(db.raw(), 3);
-  insert.bind(db.raw(), 4);
+  bind(insert, 3, 4);
   EXPECT_THAT(takeReports(), isReport(SQLITE_RANGE, SQLITE_OK, ".*",
                                       "While executing INSERT INTO T \\(A\\) VALUES \\(3\\)\n"));
   insert.exec(db.raw());
@@ -82,14 +83,12 @@ TEST_F(StatementTest, BindBeyondTheLastParameter_IsReportedWithTheStatement) {
 
 TEST_F(StatementTest, Copy_HasTheTextAndIsNotCompiled) {
   insert.prepare(db.raw());
-  insert.bind(db.raw(), 1);
+  bind(insert, 1);
   std::vector<DatabaseStatement> copies(1, insert);
   EXPECT_EQ(copies[0].getText(), insert.getText());
   EXPECT_EQ(copies[0].step(), SQLITE_MISUSE);
   insert.finalize(db.raw());
-  copies[0].prepare(db.raw());
-  copies[0].bind(db.raw(), 2);
-  copies[0].exec(db.raw());
+  run(copies[0], 2);
   copies[0].finalize(db.raw());
   EXPECT_EQ(content(), "2\n");
 }
@@ -109,17 +108,14 @@ TEST_F(StatementTest, FailedCompilation_IsReportedOnceUntilFinalize) {
 
 TEST_F(StatementTest, ExecOfARefusedRow_ReportsOnceAndIsReadyForTheNext) {
   execute(db.getPath(), "INSERT INTO T VALUES (1)");
-  insert.prepare(db.raw());
-  insert.bind(db.raw(), 1);
-  insert.exec(db.raw());
+  run(insert, 1);
   EXPECT_EQ(insert.result(), SQLITE_CONSTRAINT);
   expectOneSqliteError("rc=19 (expected rc=101) UNIQUE constraint failed: T.A\n");
-  insert.bind(db.raw(), 2);
-  insert.exec(db.raw());
+  run(insert, 2);
   EXPECT_EQ(insert.result(), SQLITE_DONE);
   EXPECT_EQ(content(), "1\n2\n");
   // The caller of step() reports; reset says nothing a second time.
-  insert.bind(db.raw(), 1);
+  bind(insert, 1);
   EXPECT_EQ(insert.step(), SQLITE_CONSTRAINT);
   insert.reset(db.raw());
   EXPECT_EQ(takeReports(), "");

@@ -39,8 +39,9 @@ TEST_F(ValueTest, Text_IsStoredUpToTheFirstNulWhateverItsLengthAndBytes) {
   for (const auto& [value, stored] : cases) {
     File file(value);
     const std::string id = std::to_string(db().add(file));
-    EXPECT_EQ(rows("SELECT typeof(Path), Path FROM File WHERE FileId=" + id),
-              "text|" + stored + "\n");
+    EXPECT_EQ(
+        rows("SELECT typeof(Path), length(CAST(Path AS BLOB)), Path FROM File WHERE FileId=" + id),
+        "text|" + std::to_string(stored.size()) + "|" + stored + "\n");
     EXPECT_EQ(readBack<File>(file.getId()).getPath(), stored);
   }
 }

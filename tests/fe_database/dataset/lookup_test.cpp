@@ -18,22 +18,22 @@ TEST_F(Lookup, FindsByPositionAndNameWhateverTheWildcardAndMakesNothing) {
   Function* const caller = function("f", here);
   // Each looks for the element that was emplaced at `here` as "x" (of the caller f).
   using Get = std::function<const void*(const Localization&, Identifier*)>;
+  const auto by = [this](auto get) -> Get {
+    return [=, this](const auto& at, Identifier* x) { return (data.get()->*get)(at, x); };
+  };
   const struct {
     const char* what;
     const void* element;
     Get get;
   } lookups[] = {
-      {"Type", type("x", here), [&](auto& at, auto* x) { return data->getType(at, x); }},
-      {"Variable", variable("x", here),
-       [&](auto& at, auto* x) { return data->getVariable(at, x); }},
+      {"Type", type("x", here), by(&CompilationData::getType)},
+      {"Variable", variable("x", here), by(&CompilationData::getVariable)},
       {"Function", function("x", here),
        [&](auto& at, auto* x) { return data->getFunction(x->getName(), at); }},
-      {"Field", &data->emplaceField("x", here, false, 0),
-       [&](auto& at, auto* x) { return data->getField(at, x); }},
+      {"Field", &data->emplaceField("x", here, false, 0), by(&CompilationData::getField)},
       {"EnumConstant", data->emplaceEnumConstant("x", here, false),
-       [&](auto& at, auto* x) { return data->getEnumConstant(at, x); }},
-      {"Label", data->emplaceLabel("x", here, false),
-       [&](auto& at, auto* x) { return data->getLabel(at, x); }},
+       by(&CompilationData::getEnumConstant)},
+      {"Label", data->emplaceLabel("x", here, false), by(&CompilationData::getLabel)},
       {"CallPoint", data->emplaceCallPoint(caller, caller, here, false, false),
        [&](auto& at, auto* x) {
          return data->getCallPoint(at, x == name("x") ? caller : function("x", here));

@@ -12,7 +12,7 @@ INSERT INTO Identifier (IdentifierId, Name, Count, Kind) VALUES
   (7, 'out', 1, 128), (8, 'rather_long', 1, 6), (9, '', 1, 32);
 INSERT INTO Macro VALUES (1, 3, 1, 1, 9, 0, NULL, 0, 1, 0, 0, 0, ''), (2, 3, 2, 2, 9, 7, 1, 1, 1, 0, 0, 0, '1');
 INSERT INTO Type VALUES (1, 4, 0, 0, 0, 1, 3, 1, 512, 0, 0), (2, 4, 1, 0, 0, 1, 4, 1, 64, 0, 0),
-  (3, 4, 0, 0, 0, 1, 5, 1, 64, 2, 0), (4, 4, 0, 0, 0, 1, 6, 1, 0, 0, 0);
+  (3, 4, 0, 0, 0, 1, 5, 1, 256, 2, 0), (4, 4, 0, 0, 0, 1, 6, 1, 0, 0, 0);
 INSERT INTO TypeReference VALUES (1, 3), (3, NULL);
 INSERT INTO Variable VALUES (1, 2, 1, 7, 1, 1, 0, 1, 2), (2, 2, 2, 8, 1, 1, 1, 1, 3), (3, 8, 2, 9, 1, NULL, 1, 0, 5);
 INSERT INTO Function VALUES (1, 1, 1, 1, 10, 1, 0, 0, 2, 1, 4), (2, 1, 1, 2, 11, 1, 1, 0, 0, 1, 4),
@@ -21,7 +21,7 @@ INSERT INTO ExternalIdentifier VALUES (1, 1, 1, 2), (2, 1, -1, 0), (3, 1, 0, 1);
 INSERT INTO Field VALUES (1, 6, 1, 13, 1, 0), (2, 6, 1, 14, 1, 1);
 INSERT INTO EnumConstant VALUES (1, 5, 1, 15, 1), (2, 5, 1, 16, 1), (3, 9, 1, 17, 1);
 INSERT INTO Label VALUES (1, 7, 2, 18, 1);
-INSERT INTO CallPoint VALUES (1, 2, 30, 1, 0, 2, 1), (2, 2, 20, 1, 1, 2, 3), (3, 2, 21, 1, 0, 2, 3);
+INSERT INTO CallPoint VALUES (1, 2, 30, 1, 0, 2, 1), (2, 2, 20, 1, 1, 2, 1), (3, 2, 21, 1, 0, 2, 3);
 )sql";
 
 // What an answer is called: the line that it stands on, or what there is instead.
@@ -58,7 +58,10 @@ using Data = CompilationData;
 /// Every cursor: its whole answer; the same again with `first` still false, and again with true;
 /// and that it leaves `first` false.
 TEST_F(Search, EveryCursor_AnswersWholeAndAgain) {
-  const auto expect = [this](const char* expected, auto&& find) {
+  const auto expect = [this](const char* expected, auto cursor, auto... arguments) {
+    const auto find = [&](Data& dataset, bool& first) {
+      return (dataset.*cursor)(arguments..., first);
+    };
     bool first = true;
     EXPECT_EQ(walk(find, first), expected);
     EXPECT_FALSE(first);
@@ -66,49 +69,36 @@ TEST_F(Search, EveryCursor_AnswersWholeAndAgain) {
     first = true;
     EXPECT_EQ(walk(find, first), expected) << "begun anew";
   };
-  const auto External = LinkageKind::External;
-  expect("20 21 30 ", [](Data& d, bool& b) { return d.findCallPoint(b); });
-  expect("30 ", [](Data& d, bool& b) { return d.findCallPointWithNoEffect(b); });
-  expect("15 16 ", [this](Data& d, bool& b) { return d.findEnumConstantFromIdentifier(&E, b); });
-  expect("-1 0 1 ",
-         [this](Data& d, bool& b) { return d.findExternalIdentifierFromIdentifier(&f, b); });
-  expect("13 14 ", [this](Data& d, bool& b) { return d.findFieldFromIdentifier(&fld, b); });
-  expect("13 ", [](Data& d, bool& b) { return d.findFieldFromRefCount(0, b); });
-  expect("10 11 ", [this](Data& d, bool& b) { return d.findFunctionFromIdentifier(&f, b); });
-  expect("10 11 ",
-         [&](Data& d, bool& b) { return d.findFunctionFromIdentifierAndLinkage(&f, External, b); });
-  expect("f x rather_long ", [](Data& d, bool& b) {
-    return d.findIdentifierFromKind(IdentifierKind::Function | IdentifierKind::Variable, b);
-  });
-  expect("f x ", [](Data& d, bool& b) {
-    return d.findIdentifierFromKindAndCount(IdentifierKind::Function | IdentifierKind::Variable, 2,
-                                            persistence::OperationKind{9}, b);
-  });
-  expect("18 ", [this](Data& d, bool& b) { return d.findLabelFromIdentifier(&out, b); });
-  expect("1 2 ", [](Data& d, bool& b) { return d.findMacro(b); });
-  expect("1 2 ", [this](Data& d, bool& b) { return d.findMacroFromIdentifier(&M, b); });
-  expect("1 ", [](Data& d, bool& b) { return d.findMacroFromRefCount(0, b); });
-  expect("3 4 5 6 ", [this](Data& d, bool& b) { return d.findTypeFromIdentifier(&T, b); });
-  expect("3 5 ", [this](Data& d, bool& b) {
-    return d.findTypeFromIdentifierAndKind(&T, TypeKind::NamedMask, b);
-  });
-  expect("3 ", [](Data& d, bool& b) { return d.findTypeFromRefCount(0, b); });
-  expect("5 ", [](Data& d, bool& b) { return d.findTypeFromRefTagCount(0, b); });
-  expect("7 8 ", [this](Data& d, bool& b) { return d.findVariableFromIdentifier(&x, b); });
-  expect("7 8 ",
-         [&](Data& d, bool& b) { return d.findVariableFromIdentifierAndLinkage(&x, External, b); });
-  expect("7 8 ",
-         [&](Data& d, bool& b) { return d.findVariableFromRefCountAndLinkage(5, External, b); });
-  expect("",
-         [&](Data& d, bool& b) { return d.findVariableFromRefCountAndLinkage(2, External, b); });
-  expect("9 ", [](Data& d, bool& b) {
-    return d.findVariableFromRefCountAndLinkage(5, LinkageKind::None, b);
-  });
+  const auto none = LinkageKind::None, external = LinkageKind::External;
+  const auto functionOrVariable = IdentifierKind::Function | IdentifierKind::Variable;
+  expect("20 21 30 ", &Data::findCallPoint);
+  expect("30 ", &Data::findCallPointWithNoEffect);
+  expect("15 16 ", &Data::findEnumConstantFromIdentifier, &E);
+  expect("-1 0 1 ", &Data::findExternalIdentifierFromIdentifier, &f);
+  expect("13 14 ", &Data::findFieldFromIdentifier, &fld);
+  expect("13 ", &Data::findFieldFromRefCount, 0);
+  expect("10 11 ", &Data::findFunctionFromIdentifier, &f);
+  expect("10 11 ", &Data::findFunctionFromIdentifierAndLinkage, &f, external);
+  expect("f x rather_long ", &Data::findIdentifierFromKind, functionOrVariable);
+  expect("f x ", &Data::findIdentifierFromKindAndCount, functionOrVariable, 2,
+         persistence::OperationKind{9});
+  expect("18 ", &Data::findLabelFromIdentifier, &out);
+  expect("1 2 ", &Data::findMacro);
+  expect("1 2 ", &Data::findMacroFromIdentifier, &M);
+  expect("1 ", &Data::findMacroFromRefCount, 0);
+  expect("3 4 5 6 ", &Data::findTypeFromIdentifier, &T);
+  expect("3 5 ", &Data::findTypeFromIdentifierAndKind, &T, TypeKind::NamedMask);
+  expect("3 ", &Data::findTypeFromRefCount, 0);
+  expect("5 ", &Data::findTypeFromRefTagCount, 0);
+  expect("7 8 ", &Data::findVariableFromIdentifier, &x);
+  expect("7 8 ", &Data::findVariableFromIdentifierAndLinkage, &x, external);
+  expect("7 8 ", &Data::findVariableFromRefCountAndLinkage, 5, external);
+  expect("", &Data::findVariableFromRefCountAndLinkage, 2, external);
+  expect("9 ", &Data::findVariableFromRefCountAndLinkage, 5, none);
   bool first = true;
-  Type* declared = data->findTypeFromRefCount(2, first);
-  expect("5 ", [&](Data& d, bool& b) { return d.findTypeReferenceFromType(declared, b); });
-  Type unstored;
-  expect("", [&](Data& d, bool& b) { return d.findTypeReferenceFromType(&unstored, b); });
+  Type unstored, *const declared = data->findTypeFromRefCount(2, first);
+  expect("5 ", &Data::findTypeReferenceFromType, declared);
+  expect("", &Data::findTypeReferenceFromType, &unstored);
 }
 
 TEST_F(Search, Identifiers_ComeWithAllOfThem) {
@@ -201,6 +191,10 @@ class Reports : public Search {
     return n;
   }
   using List = std::function<long long(CompilationDatabase&, bool&)>;
+  static List listing(auto list, auto... arguments) {
+    return [=](CompilationDatabase& db, bool& first) { return (db.*list)(arguments..., first); };
+  }
+  using Db = CompilationDatabase;
 };
 
 TEST_F(Reports, BegunWhileOpen_IsRefusedBySqlite_AndTheOldRowsGoOn) {
@@ -209,19 +203,15 @@ TEST_F(Reports, BegunWhileOpen_IsRefusedBySqlite_AndTheOldRowsGoOn) {
     List list;
     int told;
   } cases[] = {
-      {"kind", [](auto& d, bool& b) { return d.listIdentifierIdFromKind(6, b); }, 1},
-      {"kind and count",
-       [](auto& d, bool& b) { return d.listIdentifierIdFromKindAndCount(6, 1, 0, b); }, 2},
-      {"macro", [&](auto& d, bool& b) { return d.listMacroIdFromIdentifier(&M, b); }, 1},
+      {"kind", listing(&Db::listIdentifierIdFromKind, 6), 1},
+      {"kind and count", listing(&Db::listIdentifierIdFromKindAndCount, 6, 1, 0), 2},
+      {"macro", listing(&Db::listMacroIdFromIdentifier, &M), 1},
       {"function", [&](auto& d, bool& b) { return d.listEntityIdFromIdentifier(1, &f, b); }, 0},
-      {"type", [&](auto& d, bool& b) { return d.listTypeIdFromIdentifier(&T, b); }, 0},
-      {"external", [&](auto& d, bool& b) { return d.listExternalIdentifierFromIdentifier(&f, b); },
-       1},
-      {"enum constant", [&](auto& d, bool& b) { return d.listEnumConstantIdFromIdentifier(&E, b); },
-       1},
-      {"sum", [](auto& d, bool& b) { return d.listVariableIdFromRefCountAndLinkage(5, 1, b); }, 0},
-      {"length", [](auto& d, bool& b) { return d.template listIdFromMinLength<Function>(1, b); },
-       1},
+      {"type", listing(&Db::listTypeIdFromIdentifier, &T), 0},
+      {"external", listing(&Db::listExternalIdentifierFromIdentifier, &f), 1},
+      {"enum constant", listing(&Db::listEnumConstantIdFromIdentifier, &E), 1},
+      {"sum", listing(&Db::listVariableIdFromRefCountAndLinkage, 5, 1), 0},
+      {"length", listing(&Db::listIdFromMinLength<Function>, 1), 1},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
@@ -248,13 +238,11 @@ TEST_F(Reports, FailedStep_IsTheEnd_AndIsRemembered) {
     int lines;
     int told;
   } cases[] = {
-      {"Label", [&](auto& d, bool& b) { return d.listLabelIdFromIdentifier(&out, b); }, 2, 2},
-      {"Field", [](auto& d, bool& b) { return d.listFieldIdFromRefCount(0, b); }, 2, 1},
-      {"ExternalIdentifier",
-       [&](auto& d, bool& b) { return d.listExternalIdentifierFromIdentifier(&f, b); }, 2, 0},
-      {"Type", [](auto& d, bool& b) { return d.listTypeIdFromRefCount(0, b); }, 2, 0},
-      {"Variable", [](auto& d, bool& b) { return d.listVariableIdFromRefCountAndLinkage(5, 1, b); },
-       1, 0},
+      {"Label", listing(&Db::listLabelIdFromIdentifier, &out), 2, 2},
+      {"Field", listing(&Db::listFieldIdFromRefCount, 0), 2, 1},
+      {"ExternalIdentifier", listing(&Db::listExternalIdentifierFromIdentifier, &f), 2, 0},
+      {"Type", listing(&Db::listTypeIdFromRefCount, 0), 2, 0},
+      {"Variable", listing(&Db::listVariableIdFromRefCountAndLinkage, 5, 1), 1, 0},
   };
   EXPECT_FALSE(db().hasFailed());
   for (const auto& test : cases) {
