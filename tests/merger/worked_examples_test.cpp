@@ -40,6 +40,11 @@ INSTANTIATE_TEST_SUITE_P(Cases, WorkedExample, testing::Values(
          "INSERT INTO Label VALUES (1,1,1,1,1),(2,1,1,1,1)"},
         "SELECT Count, Kind, (SELECT max(RefCount) FROM Field) FROM Identifier WHERE Name='x'",
         "7|192|5\n"},
+    Example{"RowIdsFarApart_AreIdsLikeAnyOther", "",
+        {"INSERT INTO Identifier VALUES (9223372036854775807,'far',1,0);"
+         "INSERT INTO Field VALUES (-7,9223372036854775807,1,1,1,3),(4611686018427387904,1,1,2,1,4)"},
+        "SELECT Name, RefCount FROM Field JOIN Identifier USING (IdentifierId) ORDER BY Name",
+        "far|3\nx|4\n"},
     Example{"EmptyName_MayBeThatOfAFieldAlone", "",
         {"INSERT INTO Field VALUES (1,3,1,1,1,0); INSERT INTO Label VALUES (1,3,1,1,1);"
          "INSERT INTO EnumConstant VALUES (1,3,1,1,1)"},

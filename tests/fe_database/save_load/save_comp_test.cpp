@@ -31,6 +31,26 @@ TEST_F(SaveToCompDb, AllTables_AreWrittenWithTheirReferencesButNoMacroUses) {
   EXPECT_EQ(content(compFile), kFilledContent);
 }
 
+// Equal facts give equal files, and what was seen together lies together.
+TEST_F(SaveToCompDb, Rows_StandInTheOrderOfFirstSights_MacrosOfANameTogether_VariablesSorted) {
+  File* file = &data->emplaceFile("z.h", {}, {});
+  for (const char* name : {"m", "b", "z", "a", "b", "k"}) {
+    const std::uint32_t line = static_cast<std::uint32_t>(100 - name[0] % 32);
+    data->emplaceField(name, {file, line, 1}, true, 0);
+    data->emplaceVariable(name, {file, line, 9}, nullptr, false, LinkageKind::None, true);
+  }
+  for (const std::uint32_t line : {1, 2, 3}) data->emplaceMacro("b", {file, line, 1}, true, 0);
+  data->emplaceMacro("a", {file, 4, 1}, true, 0);
+  data->emplaceMacro("b", {file, 5, 1}, true, 0);
+  EXPECT_TRUE(saveToCompDb());
+  EXPECT_EQ(rows("SELECT Name FROM Identifier ORDER BY IdentifierId"), "m\nb\nz\na\nk\n");
+  const std::string inOrder = " JOIN Identifier USING (IdentifierId) ORDER BY ";
+  EXPECT_EQ(rows("SELECT Name FROM Field" + inOrder + "FieldId"), "m\nb\nz\na\nk\n");
+  EXPECT_EQ(rows("SELECT Name FROM Variable" + inOrder + "VariableId"), "z\nm\nk\nb\na\n");
+  EXPECT_EQ(rows("SELECT Name, DeclLineNum FROM Macro" + inOrder + "MacroId"),
+            "b|1\nb|5\nb|3\nb|2\na|4\n");
+}
+
 TEST_F(SaveToCompDb, WithMacroInfoOnly_WritesThreeTablesAndReadsTheTypes) {
   execute("INSERT INTO Identifier VALUES (1, 'stored', 1, 1)");
   execute("INSERT INTO Type VALUES (1, 1, 0, 0, 0, NULL, 1, 2, 4, 3, 0)");
