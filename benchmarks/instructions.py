@@ -45,7 +45,7 @@ def roads(units, work):
         ("alt_hash, per row read", WHOLE, ["bench_roads", "alt_hash", work / "hash.db", *sources], None),
     ]
     for sight, operation in SIGHTS.items():
-        command = ["bench_roads", "sights", sight, "--count", 20000]
+        command = ["bench_roads", "sights", sight, "--count", 200000]
         found.append((f"second sight: {sight}", operation, command, "sightings"))
     return found
 

@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include <exception>
 #include <iostream>
 
@@ -53,6 +55,9 @@ int run(int argc, char** argv) {
 }  // namespace fe_db_tools
 
 int main(int argc, char** argv) {
+  // Nobody asks SQLite how much memory it has; counting takes a lock at each allocation, of which
+  // there are several for a row. Only a program may say so, and before anything else.
+  sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
   try {
     const int code = fe_db_tools::run(argc, argv);
     fe_db_tools::finishOutput();

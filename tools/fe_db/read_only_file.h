@@ -3,7 +3,9 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
+#include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -62,6 +64,7 @@ class ReadOnlyFile {
  private:
   void open(int flags, int waitSeconds);
   bool begin();
+  void readColumns();
   bool tableExists(std::string_view name) const;
   [[noreturn]] void fail(const std::string& what) const;
   [[noreturn]] void failWithReason() const;
@@ -71,6 +74,7 @@ class ReadOnlyFile {
   };
   std::string path_;
   std::unique_ptr<sqlite3, Closer> connection_;
+  std::map<std::string, std::set<std::string>> columns_;  ///< of our tables; in lower case
   bool isCompilation_ = false;
 };
 
