@@ -202,6 +202,7 @@ def main():
     parser.add_argument("--work", type=pathlib.Path, required=True, help="folder for generated files and results")
     parser.add_argument("--units", default="8,32,128", help="sizes of merges (default: %(default)s; 512 takes 3 GB)")
     parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--docs", action="store_true", help="put the figures into docs/performance.md too")
     parser.add_argument("--skip-operations", action="store_true")
     parser.add_argument("--skip-instructions", action="store_true")
     arguments = parser.parse_args()
@@ -227,7 +228,8 @@ def main():
     # Not before: a process starts with its parent's peak memory as its own, and plotting takes much.
     import report
 
-    report.write(results, arguments.work)
+    page = pathlib.Path(__file__).parents[1] / "docs" / "performance.md"
+    report.write(results, arguments.work, page if arguments.docs else None)
 
 
 if __name__ == "__main__":

@@ -177,10 +177,22 @@ def markdown(results):
     return "\n".join(lines) + "\n"
 
 
-def write(results, directory):
+def put_into_page(text, figure, page):
+    """Replaces what stands between the page's two marks, and the plot beside it."""
+    begin, end = "<!-- figures -->\n", "<!-- end of figures -->"
+    before, rest = page.read_text().split(begin)
+    behind = rest.split(end)[1]
+    plot_beside = page.with_suffix(".svg")
+    plot_beside.write_bytes(figure.read_bytes())
+    page.write_text(f"{before}{begin}{text}\n![plot]({plot_beside.name})\n{end}{behind}")
+
+
+def write(results, directory, page=None):
     (directory / "results.json").write_text(json.dumps(results, indent=2) + "\n")
     text = markdown(results)
     (directory / "results.md").write_text(text)
     plot(results, directory / "results.svg")
+    if page is not None:
+        put_into_page(text, directory / "results.svg", page)
     print(text)
     print(f"written: {directory}/results.md, results.json, results.svg")

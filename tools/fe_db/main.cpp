@@ -1,3 +1,4 @@
+#include <malloc.h>
 #include <sqlite3.h>
 
 #include <exception>
@@ -58,6 +59,10 @@ int main(int argc, char** argv) {
   // Nobody asks SQLite how much memory it has; counting takes a lock at each allocation, of which
   // there are several for a row. Only a program may say so, and before anything else.
   sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  // The memory of one source serves the next. Given back and fetched again in between, it costs a
+  // twentieth of a merge in page faults.
+  mallopt(M_TRIM_THRESHOLD, 1 << 30);
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
   try {
     const int code = fe_db_tools::run(argc, argv);
     fe_db_tools::finishOutput();

@@ -1,5 +1,7 @@
 #include "fe_database/elements/macro_groups.h"
 
+#include <bit>
+
 namespace orvalesca::databases_merger {
 
 namespace {
@@ -9,6 +11,21 @@ bool matches(const Localization& stored, const Localization& sought) {
 }
 
 }  // namespace
+
+Macro*& MacroPositions::slotOf(const Localization& at) {
+  // The upper bits of a product depend on all bits of what is multiplied.
+  std::size_t i = (hashPosition(at) * 0x9e3779b97f4a7c15u) >> shift;
+  while (slots[i] != nullptr && !samePosition(slots[i]->getLocalization(), at)) {
+    i = (i + 1) & (slots.size() - 1);
+  }
+  return slots[i];
+}
+
+void MacroPositions::clear(std::size_t macros) {
+  // Twice what is needed, so that growing is rare.
+  slots.assign(std::bit_ceil(4 * macros), nullptr);
+  shift = 64 - std::countr_zero(slots.size());
+}
 
 void MacroGroup::append(Macro& macro) {
   macro.group = this;
@@ -21,8 +38,7 @@ Macro* MacroGroup::find(const Localization& at) {
   if (inserted.size() <= kLongestWalk || at.wildcard) return findByWalk(at);
   bringIndexUpToDate();
   if (hasWildcard) return findByWalk(at);
-  const auto found = byPosition.find(at);
-  return found == byPosition.end() ? nullptr : found->second;
+  return positions.slotOf(at);
 }
 
 Macro* MacroGroup::findByWalk(const Localization& at) const {
@@ -34,16 +50,17 @@ Macro* MacroGroup::findByWalk(const Localization& at) const {
 }
 
 void MacroGroup::bringIndexUpToDate() {
+  if (!positions.hasRoomFor(inserted.size())) indexed = 0;
   if (indexed == 0) {
-    byPosition.clear();
+    positions.clear(inserted.size());
     hasWildcard = false;
   }
   for (; indexed < inserted.size(); ++indexed) {
     Macro* macro = inserted[indexed];
     hasWildcard = hasWildcard || macro->getLocalization().wildcard;
     // Of several at one position the walk meets the first inserted or else the newest first.
-    const auto [place, isNew] = byPosition.emplace(macro->getLocalization(), macro);
-    if (!isNew && place->second != inserted[0]) place->second = macro;
+    Macro*& slot = positions.slotOf(macro->getLocalization());
+    if (slot == nullptr || slot != inserted[0]) slot = macro;
   }
 }
 

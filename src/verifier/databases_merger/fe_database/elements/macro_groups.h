@@ -1,7 +1,6 @@
 #pragma once
 
 #include <boost/container/small_vector.hpp>
-#include <boost/unordered_map.hpp>
 #include <cstddef>
 #include <deque>
 #include <vector>
@@ -9,6 +8,22 @@
 #include "fe_db/element_keys.h"
 
 namespace orvalesca::databases_merger {
+
+/// Macros of one name by their positions: open addressing, so that a search in a name of tens of
+/// thousands of macros reads one slot and one macro, and nothing else that is not in the cache.
+class MacroPositions {
+ public:
+  /// The slot of the macro at the position; it holds null when there is none. REQUIRES: room for
+  /// one more.
+  Macro*& slotOf(const Localization& at);
+  /// Room for so many macros; what was there is forgotten.
+  void clear(std::size_t macros);
+  bool hasRoomFor(std::size_t macros) const { return 2 * macros <= slots.size(); }
+
+ private:
+  std::vector<Macro*> slots;  ///< a power of two, at most half of them taken
+  int shift = 0;
+};
 
 /// The macros of one name, in the order that everything which walks a group sees: the one inserted
 /// first, then the others from the newest to the oldest. Kept here because a rehash of the
@@ -34,18 +49,9 @@ class MacroGroup {
   Macro* findByWalk(const Localization& at) const;
   void bringIndexUpToDate();
 
-  struct HashPosition {
-    std::size_t operator()(const Localization& at) const { return hashPosition(at); }
-  };
-  struct SamePosition {
-    bool operator()(const Localization& a, const Localization& b) const {
-      return samePosition(a, b);
-    }
-  };
-
   boost::container::small_vector<Macro*, 4> inserted;
-  boost::unordered_map<Localization, Macro*, HashPosition, SamePosition> byPosition;
-  std::size_t indexed = 0;  ///< how many of `inserted` are in byPosition
+  MacroPositions positions;
+  std::size_t indexed = 0;  ///< how many of `inserted` are in `positions`
   bool hasWildcard = false;
 };
 
