@@ -24,6 +24,14 @@ class Arrivals {
     return std::get<std::vector<T*>>(orders);
   }
 
+  /// Before an element goes into its container: where there is no memory left for noting it, it
+  /// shall not be there either, known and never saved.
+  template <class T>
+  void makeRoom() {
+    std::vector<T*>& order = of<T>();
+    if (order.size() == order.capacity()) order.reserve(2 * order.size() + 16);
+  }
+
   template <class T>
   T& note(T& element) {
     of<T>().push_back(&element);

@@ -33,6 +33,7 @@ auto& CompilationData::elementsOf() {
 /// A first sight: the key is known not to be there.
 template <class T, class... Arguments>
 T& CompilationData::addElement(Arguments&&... arguments) {
+  arrivals->makeRoom<T>();
   const auto place = elementsOf<T>().emplace(std::forward<Arguments>(arguments)...).first;
   return arrivals->note(mutableElement(*place));
 }
@@ -49,6 +50,7 @@ void CompilationData::reserveElements(std::size_t count) {
 /// An element as it is, unless there is one with its key.
 template <class T>
 T& CompilationData::takeElement(const T& element) {
+  arrivals->makeRoom<T>();
   const auto [place, isNew] = elementsOf<T>().insert(element);
   return isNew ? arrivals->note(mutableElement(*place)) : mutableElement(*place);
 }

@@ -74,6 +74,7 @@ Macro& CompilationData::emplaceMacro(Identifier* identifier, const Localization&
       return *known;
     }
   }
+  arrivals->makeRoom<Macro>();
   Macro& macro =
       arrivals->note(mutableElement(*macros.emplace(identifier, localization, refCount)));
   if (ofName != nullptr) macroGroups->join(*ofName, macro);
