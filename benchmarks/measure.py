@@ -196,19 +196,31 @@ def measure_operations(programs):
     return found
 
 
+def positive(text):
+    """An argument that counts something."""
+    number = int(text)
+    if number < 1:
+        raise ValueError
+    return number
+
+
+def sizes_of(text):
+    return sorted(positive(size) for size in text.split(","))
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--programs", type=pathlib.Path, required=True, help="folder of the build's programs")
     parser.add_argument("--work", type=pathlib.Path, required=True, help="folder for generated files and results")
-    parser.add_argument("--units", default="8,32,128", help="sizes of merges (default: %(default)s; 512 takes 3 GB)")
-    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--units", type=sizes_of, default="8,32,128", help="sizes of merges (default: %(default)s; 512 takes 3 GB)")
+    parser.add_argument("--rounds", type=positive, default=5)
     parser.add_argument("--docs", action="store_true", help="put the figures into docs/performance.md too")
     parser.add_argument("--skip-operations", action="store_true")
     parser.add_argument("--skip-instructions", action="store_true")
     arguments = parser.parse_args()
 
     programs = Programs(arguments.programs)
-    sizes = sorted(int(size) for size in arguments.units.split(","))
+    sizes = arguments.units
     units, work = arguments.work / f"units-{SEED}", arguments.work / "scratch"
     work.mkdir(parents=True, exist_ok=True)
     note(f"generating {max(*sizes, 9)} units in {units}")
