@@ -67,7 +67,7 @@ FileFacts makeFile(Random random, const std::string& path, const std::string& pr
     FileFacts::MacroFact macro{
         ownName(random, std::string("M_").append(prefix), i), {}, std::nullopt};
     if (random.chance(60)) macro.value = static_cast<std::int64_t>(random.below(1u << 16));
-    macro.text = macro.value ? std::to_string(*macro.value) : "(" + commonName(random) + ")";
+    macro.text = macro.value ? std::to_string(*macro.value) : commonName(random) + "()";
     file.macros.push_back(std::move(macro));
   }
   for (std::size_t i = 0; i < kTypes; ++i) {
