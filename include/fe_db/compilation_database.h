@@ -92,8 +92,10 @@ class FrontendDatabase : public persistence::Database {
   long long listALL(bool& first, T& row);
   template <class T>
   void truncate();
-  /// About as many rows as the table has, in no time: its largest row id, as long as the file has
-  /// room for so many. 0 when nothing can be read. Says nothing: whoever reads the rows will.
+  /// About as many rows as the table has, in no time: the span of its row ids, as long as the file
+  /// has room for so many. (Not the largest: in a table that is rewritten again and again with
+  /// AUTOINCREMENT, ids begin far above 1.) 0 when nothing can be read. Says nothing: whoever reads
+  /// the rows will.
   template <class T>
   std::size_t guessRowCount() const;
 

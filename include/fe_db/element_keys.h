@@ -16,8 +16,8 @@
 namespace orvalesca::databases_merger {
 
 /// Hashes of addresses and small numbers. The containers spread what they get over their buckets
-/// themselves, so that one multiplication a field is enough: a fifth off a second sight, against
-/// boost::hash_combine, which spreads each field by itself.
+/// themselves, so that one multiplication a field is enough; boost::hash_combine spreads each
+/// field by itself.
 inline std::uint64_t hashAddress(const void* address) {
   return reinterpret_cast<std::uintptr_t>(address);
 }

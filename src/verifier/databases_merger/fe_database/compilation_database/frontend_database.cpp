@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 
 #include "fe_database/compilation_database/named_queries.h"
 #include "fe_database/compilation_database/rollback_guard.h"
@@ -408,17 +409,26 @@ long long FrontendDatabase::listALL(bool& first, T& row) {
 
 template <class T>
 std::size_t FrontendDatabase::guessRowCount() const {
-  sqlite3_stmt* statement = nullptr;
-  const std::string sql = std::string("SELECT max(rowid) FROM ") + tableName<T>();
-  sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
-  const bool hasRow = statement != nullptr && sqlite3_step(statement) == SQLITE_ROW;
-  const long long largestId = hasRow ? sqlite3_column_int64(statement, 0) : 0;
-  sqlite3_finalize(statement);
+  // Each by itself is one search; together in one SELECT they would read the table. Unsigned: the
+  // ids of a damaged file may lie further apart than a signed number tells.
+  const auto outermostId = [this](const char* which) -> std::optional<std::uint64_t> {
+    sqlite3_stmt* statement = nullptr;
+    const std::string sql = std::string("SELECT ") + which + "(rowid) FROM " + tableName<T>();
+    sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
+    std::optional<std::uint64_t> id;
+    if (sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_type(statement, 0) != SQLITE_NULL) {
+      id = static_cast<std::uint64_t>(sqlite3_column_int64(statement, 0));
+    }
+    sqlite3_finalize(statement);
+    return id;
+  };
+  const auto smallest = outermostId("min");
+  const auto largest = outermostId("max");
   std::error_code error;
-  const auto bytes = std::filesystem::file_size(getPath(), error);
-  if (error || largestId <= 0) return 0;
-  constexpr std::uintmax_t kShortestRow = 8;
-  return std::min(static_cast<std::uintmax_t>(largestId), bytes / kShortestRow);
+  const std::uint64_t bytes = std::filesystem::file_size(getPath(), error);
+  if (error || !smallest || !largest) return 0;
+  constexpr std::uint64_t kShortestRow = 8;
+  return std::min(*largest - *smallest + 1, bytes / kShortestRow);
 }
 
 // --- Row ids of elements.
