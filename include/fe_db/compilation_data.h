@@ -304,6 +304,8 @@ class CompilationData {
 
  private:
   friend class mergerImpl;
+  class RestoredIds;
+  class FlagsBefore;
 
   void clear();
 
@@ -328,6 +330,9 @@ class CompilationData {
   void saveTable(FrontendDatabase& db);
   template <class T>
   void saveTableAndRemember(FrontendDatabase& db, SavedRows& saved);
+  bool saveCompilationTables(FrontendDatabase& db, SavedRows& saved);
+  bool isRefusedAfterFailure(const FrontendDatabase& db) const;
+  static void failTransactionAfterFailedRead(FrontendDatabase& db, unsigned long failedReadsBefore);
   template <class T>
   auto& elementsOf();
   template <class T, class... Arguments>
@@ -368,6 +373,7 @@ class CompilationData {
   bool propagateMacroInfo = false;
   std::unique_ptr<Arrivals> arrivals;        ///< order of saving and merging
   std::unique_ptr<MacroGroups> macroGroups;  ///< order and positions of the macros of one name
+  bool hasSaveToCompDbFailed = false;        ///< and a further one would add stored counts twice
   std::unique_ptr<SavedRows> savedRows;      ///< null until the first saveToCompDB is committed
 };
 

@@ -15,6 +15,8 @@ class NamedQueries;
 enum class RawQuery : std::size_t;
 struct Tables;
 template <class T>
+class IdCache;
+template <class T>
 class TableStatement;
 
 /// What a statement of a table does; the values index a table's statements. 2, 3, 8 and 11 are
@@ -82,6 +84,10 @@ class FrontendDatabase : public persistence::Database {
   /// databases are merged.
   template <class T>
   T* get(long long id);
+  /// The same for an id that a search of this database has found: null, and counted as left out,
+  /// also when the id has no row.
+  template <class T>
+  T* getFound(long long id);
   /// Fills the element from the row of its id, past the dataset.
   template <class T>
   void get(T& element);
@@ -92,6 +98,10 @@ class FrontendDatabase : public persistence::Database {
   long long listALL(bool& first, T& row);
   template <class T>
   void truncate();
+  /// Whether the table has as many rows as were written into it when it was empty, each with its
+  /// id. A definition of the owner's (a conflict clause, an id that is no row id) can be otherwise.
+  template <class T>
+  bool holdsJust(std::size_t rows);
   /// About as many rows as the table has, in no time: the span of its row ids, as long as the file
   /// has room for so many. (Not the largest: in a table that is rewritten again and again with
   /// AUTOINCREMENT, ids begin far above 1.) 0 when nothing can be read. Says nothing: whoever reads
@@ -141,12 +151,18 @@ class FrontendDatabase : public persistence::Database {
   bool isInIdCache(long long id) const;
   template <class T>
   void reserveIdCache(std::size_t rows);
+  template <class T>
+  const IdCache<T>& idCacheOf() const;
   void clearIdCaches();
 
-  /// Rows inserted, updated and deleted on this connection so far.
-  int countChanges() const;
+  /// For an owner that sees to it that a transaction commits the whole of what it was meant to.
+  using persistence::Database::countFailedReads;
+  using persistence::Database::failTransaction;
+  using persistence::Database::hasTransactionFailed;
   /// Rows that listALL has given so far, all tables together.
   unsigned long long countRowsListed() const { return rowsListed; }
+  /// Rows whose values have come into memory so far: those of listALL, and those found by key.
+  unsigned long long countRowsRead() const { return rowsListed + rowsFound; }
   /// Rows that add has inserted so far, all tables together.
   unsigned long long countRowsAdded() const { return rowsAdded; }
   /// How often get has answered null for a row that cannot become an element.
@@ -174,6 +190,8 @@ class FrontendDatabase : public persistence::Database {
   template <class T>
   void reportWrite(const TableStatement<T>& statement, int line = __builtin_LINE());
   template <class T>
+  T* getElement(long long id, bool isFound);
+  template <class T>
   bool readRow(T& element);
   template <class T>
   void readEmptyRow(T& element);
@@ -194,6 +212,7 @@ class FrontendDatabase : public persistence::Database {
   std::unique_ptr<NamedQueries> namedQueries;
   unsigned long leftOutReferences = 0;
   unsigned long long rowsListed = 0;
+  unsigned long long rowsFound = 0;
   unsigned long long rowsAdded = 0;
 };
 

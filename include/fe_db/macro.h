@@ -64,9 +64,6 @@ class FE_DB_EXPORT Macro : public NamedElement {
   bool getIsPredefined() const { return isPredefined; }
   void setIsPredefined(bool on) { isPredefined = on; }
 
-  /// May be called on a macro of a dataset to set or clear `wildcard`.
-  void setLocalization(const Localization& position);
-
   /// The column Value: the 64 bits of the value taken as signed, empty without a value. Signedness
   /// is a column of its own, read after this one.
   std::optional<std::int64_t> getIntegralValueForDB() const;
@@ -93,6 +90,7 @@ class FE_DB_EXPORT Macro : public NamedElement {
 
  private:
   friend class CompilationData;
+  friend class LocatedElement;
   friend class MacroGroup;
   friend class MacroGroups;
   friend class mergerImpl;
@@ -107,8 +105,8 @@ class FE_DB_EXPORT Macro : public NamedElement {
   bool isVariadic = false;
   bool isCommandLineDefinition = false;
   bool isPredefined = false;
-  /// The other macros of the name in the dataset that owns this one, if there are any; not copied.
-  MacroGroup* group = nullptr;
+  /// The other macros of the name in the dataset that owns this one, if there are any.
+  NotCopied<MacroGroup*> group;
 };
 
 }  // namespace orvalesca::databases_merger

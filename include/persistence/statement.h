@@ -19,10 +19,14 @@ struct ConnectionState;
 /// Indexes:  bind() fills the parameters in turn, from 1; reset() and exec() start over.
 /// Errors:   bind, exec, reset and prepare report on standard error and return nothing; result()
 ///           tells the code of the last run. step() reports nothing, its caller does.
-/// Lifetime: finalize() before the connection closes; destruction needs no connection. A copy has
-///           the text and is not compiled.
-/// In a transaction that SQLite has rolled back by itself, step() and exec() do nothing and the
-/// result is SQLITE_ABORT.
+/// Lifetime: destruction finalizes, and so does closing the Database that the statement was
+/// compiled
+///           on. On any other connection call finalize() before that closes. A copy has the text
+///           and is not compiled.
+/// In a transaction: exec() and run() are writes. One that fails for any reason but the refusal of
+///           its own row (a constraint, a type mismatch, a value that is too big) fails the
+///           transaction. In a failed transaction step(), exec() and run() do nothing and the
+///           result is SQLITE_ABORT.
 class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
  public:
   /// The flag is reserved; pass false.
@@ -48,7 +52,7 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
   /// Runs a statement without rows to its end and makes it ready to be bound again.
   void exec(sqlite3* connection);
   /// As exec, and leaves the report to the caller; the result code, SQLITE_DONE when all is well.
-  int run();
+  int run(sqlite3* connection);
   /// Says nothing of a code that the last step has already answered.
   void reset(sqlite3* connection);
   void finalize(sqlite3* connection);

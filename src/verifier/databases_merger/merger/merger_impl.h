@@ -40,6 +40,7 @@ class mergerImpl {
   void foldTable(mergerImpl& other);
   template <class T>
   void writeTable();
+  void checkWhatWasWritten();
   template <class T>
   T* takeRow(T& row);
   template <class T, class Key>

@@ -125,7 +125,7 @@ long long FrontendDatabase::add(T& element) {
   statement.bind(*this, connection, element);
   statement.exec(connection);
   if (statement.result() == SQLITE_DONE && sqlite3_changes(connection) == 0) {
-    constexpr char kDropped[] = "a trigger has dropped a row";
+    constexpr char kDropped[] = "a constraint of the table has dropped a row";
     noteFailedWrite(tableName<T>(), kDropped);
     persistence::reportMessage("%s: table %s: %s", getPath().c_str(), tableName<T>(), kDropped);
   } else if (statement.result() == SQLITE_DONE) {
@@ -145,7 +145,7 @@ long long FrontendDatabase::addOrTakeRow(T& element) {
   if (!isReadyFor<T>("FrontendDatabase::add()")) return 0;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::add);
   statement.bind(*this, connection, element);
-  if (statement.run() == SQLITE_DONE) {
+  if (statement.run(connection) == SQLITE_DONE) {
     element.setId(lastInsertRowID());
     return element.getId();
   }
@@ -187,14 +187,49 @@ void FrontendDatabase::truncate() {
   T element;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::delete_all);
   statement.bind(*this, connection, element);
-  if (statement.step() != SQLITE_DONE) {
+  if (statement.run(connection) != SQLITE_DONE) {
     noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
     reportWrite(statement);
   }
-  statement.reset(connection);
 }
 
-int FrontendDatabase::countChanges() const { return sqlite3_total_changes(connection); }
+namespace {
+
+/// The column whose values are the row ids; tables without one have those of SQLite.
+template <class T>
+std::string rowIdColumn(const TableDescription<T>& table) {
+  for (const auto& [column, field] : table.columns) {
+    if (column.isPrimaryKey()) return column.getName();
+  }
+  return "rowid";
+}
+
+}  // namespace
+
+template <class T>
+bool FrontendDatabase::holdsJust(std::size_t rows) {
+  const TableDescription<T>& description = tables->of<T>().description;
+  // A column that is no alias of the row id was given no value by any insert.
+  const std::string sql = "SELECT (SELECT count(*) FROM " + description.name +
+                          "), EXISTS (SELECT 1 FROM " + description.name + " WHERE " +
+                          rowIdColumn(description) + " IS NULL)";
+  sqlite3_stmt* statement = nullptr;
+  sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
+  std::string reason;
+  if (sqlite3_step(statement) != SQLITE_ROW) {
+    reason = sqlite3_errmsg(connection);
+  } else if (const auto found = static_cast<std::size_t>(sqlite3_column_int64(statement, 0));
+             found != rows) {
+    reason = std::to_string(rows) + " rows were written and it holds " + std::to_string(found);
+  } else if (sqlite3_column_int(statement, 1) != 0) {
+    reason = rowIdColumn(description) + " is no INTEGER PRIMARY KEY: the ids are lost";
+  }
+  sqlite3_finalize(statement);
+  if (reason.empty()) return true;
+  noteFailedWrite(description.name, reason);
+  persistence::reportMessage("%s: table %s: %s", getPath().c_str(), tableName<T>(), reason.c_str());
+  return false;
+}
 
 // --- Finding a row by its key.
 
@@ -211,6 +246,7 @@ long long FrontendDatabase::getId(T& element) {
     debug.print("calling column");
     statement.column(*this, connection, element);
     id = element.getId();
+    ++rowsFound;
   } else if (statement.result() != SQLITE_DONE) {
     reportRead(statement, SQLITE_DONE);
   }
@@ -231,6 +267,7 @@ long long FrontendDatabase::getId(bool& first, Type& row) {
   if (statement.step() == SQLITE_ROW) {
     debug.print("calling column");
     statement.column(*this, connection, row);
+    ++rowsFound;
     return row.getId();
   }
   if (statement.result() != SQLITE_DONE) reportRead(statement, SQLITE_DONE);
@@ -335,11 +372,27 @@ void FrontendDatabase::readEmptyRow(T& element) {
 
 template <class T>
 T* FrontendDatabase::get(long long id) {
+  return getElement<T>(id, /*isFound=*/false);
+}
+
+template <class T>
+T* FrontendDatabase::getFound(long long id) {
+  T* element = getElement<T>(id, /*isFound=*/true);
+  if (element == nullptr) noteLeftOutRow<T>();
+  return element;
+}
+
+/// An id that a search has found but that has no row, as the index of a damaged file can have one,
+/// makes no element; in a reference it stands for an empty one.
+template <class T>
+T* FrontendDatabase::getElement(long long id, bool isFound) {
   if (id == 0) return nullptr;
   IdCache<T>& idCache = tables->of<T>().idCache;
+  std::set<long long>& idsWithoutRow = tables->of<T>().idsWithoutRow;
   if (const std::optional<T*> known = idCache.find(id)) {
-    if (*known == nullptr) ++leftOutReferences;
-    return *known;
+    const bool isLeftOut = *known == nullptr || (isFound && idsWithoutRow.count(id) != 0);
+    if (isLeftOut) ++leftOutReferences;
+    return isLeftOut ? nullptr : *known;
   }
   Debug debug(3, "FrontendDatabase::get()");
   if (!isReadyToRead<T>("FrontendDatabase::get()")) return nullptr;
@@ -347,6 +400,11 @@ T* FrontendDatabase::get(long long id) {
   row.setId(id);
   const unsigned long leftOutBefore = leftOutReferences;
   const bool hasRow = readRow(row);
+  if (!hasRow && isFound) {
+    ++leftOutReferences;
+    return nullptr;
+  }
+  if (!hasRow) idsWithoutRow.insert(id);
   if (!hasRow && kind != DatabaseKind::Merge) readEmptyRow(row);
   // An empty element stands for an id without a row. A variable cannot be without a file, and a
   // merge would write the empty element as a row of its own.
@@ -448,8 +506,16 @@ bool FrontendDatabase::isInIdCache(long long id) const {
   return tables->of<T>().idCache.find(id).has_value();
 }
 
+template <class T>
+const IdCache<T>& FrontendDatabase::idCacheOf() const {
+  return tables->of<T>().idCache;
+}
+
 void FrontendDatabase::clearIdCaches() {
-  Elements::each([this]<class T>() { tables->of<T>().idCache.clear(); });
+  Elements::each([this]<class T>() {
+    tables->of<T>().idCache.clear();
+    tables->of<T>().idsWithoutRow.clear();
+  });
 }
 
 // --- Every operation for every class. The addresses make the compiler emit what the other source
@@ -460,15 +526,15 @@ namespace {
 template <class T>
 auto operationsOf() {
   using Database = FrontendDatabase;
-  return std::make_tuple(&Database::add<T>, &Database::addOrTakeRow<T>, &Database::update<T>,
-                         &Database::add_or_update<T>, &Database::getIdOrAdd<T>,
-                         static_cast<long long (Database::*)(T&)>(&Database::getId<T>),
-                         static_cast<T* (Database::*)(long long)>(&Database::get<T>),
-                         static_cast<void (Database::*)(T&)>(&Database::get<T>),
-                         &Database::listId<T>, &Database::listALL<T>, &Database::truncate<T>,
-                         &Database::enterInIdCache<T>, &Database::isInIdCache<T>,
-                         &Database::guessRowCount<T>, &Database::reserveIdCache<T>,
-                         &Database::tableName<T>);
+  return std::make_tuple(
+      &Database::add<T>, &Database::addOrTakeRow<T>, &Database::update<T>,
+      &Database::add_or_update<T>, &Database::getIdOrAdd<T>,
+      static_cast<long long (Database::*)(T&)>(&Database::getId<T>),
+      static_cast<T* (Database::*)(long long)>(&Database::get<T>), &Database::getFound<T>,
+      static_cast<void (Database::*)(T&)>(&Database::get<T>), &Database::listId<T>,
+      &Database::listALL<T>, &Database::truncate<T>, &Database::enterInIdCache<T>,
+      &Database::isInIdCache<T>, &Database::guessRowCount<T>, &Database::holdsJust<T>,
+      &Database::idCacheOf<T>, &Database::reserveIdCache<T>, &Database::tableName<T>);
 }
 
 template <class... T>

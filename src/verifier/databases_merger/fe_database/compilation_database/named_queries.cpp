@@ -94,6 +94,10 @@ NamedQueries::NamedQueries()
 }
 // clang-format on
 
+NamedQueries::~NamedQueries() {
+  for (sqlite3_stmt* statement : raw) sqlite3_finalize(statement);
+}
+
 persistence::Failure NamedQueries::compile(sqlite3* connection, std::size_t count) {
   finalizeRaw(connection);
   persistence::Failure first;

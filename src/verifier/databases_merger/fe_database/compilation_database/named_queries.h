@@ -61,6 +61,10 @@ extern const std::array<RawQueryText, kRawQueries> kRawQueryTexts;
 class NamedQueries {
  public:
   NamedQueries();
+  /// REQUIRES: the connection is still open, or finalize() ran before it closed.
+  ~NamedQueries();
+  NamedQueries(const NamedQueries&) = delete;
+  NamedQueries& operator=(const NamedQueries&) = delete;
 
   sqlite3_stmt*& handle(RawQuery query) { return raw[static_cast<std::size_t>(query)]; }
   /// Compiles the first `count` raw queries; what does not compile is reported and stays null.

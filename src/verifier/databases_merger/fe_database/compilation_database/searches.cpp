@@ -67,14 +67,19 @@ long long FrontendDatabase::nextId(RawQuery query, const char* operation, bool& 
     }
     first = false;
   }
-  int rc = sqlite3_step(statement);
+  const int rc = sqlite3_step(statement);
   if (rc == SQLITE_ROW) return sqlite3_column_int64(statement, 0);
   if (rc != SQLITE_DONE) {
     noteFailedRead(text.table, sqlite3_errmsg(connection));
     reportSqlite(rc, SQLITE_DONE, connection, told(text.tells.atStep));
   }
-  rc = sqlite3_reset(statement);
-  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, told(text.tells.atReset));
+  const int resetRc = sqlite3_reset(statement);
+  // The reset of a failed step answers with the step's code. Walks report it again; a search for
+  // one answer does not.
+  const bool isReported = query == RawQuery::definedFunctionId && resetRc == rc;
+  if (resetRc != SQLITE_OK && !isReported) {
+    reportSqlite(resetRc, SQLITE_OK, connection, told(text.tells.atReset));
+  }
   return 0;
 }
 
