@@ -293,11 +293,16 @@ class CompilationData {
   FE_DB_EXPORT bool loadFromDB(bool fromCompDb);
   FE_DB_EXPORT bool loadMacroExpansionFromPbDB(PreprocessingDatabase& db);
 
-  // --- Saving: each in one transaction. REQUIRES a connected database.
+  // --- Saving: each in one transaction. REQUIRES a connected database. True: all of it is in the
+  // file, except rows that were refused for themselves, which are reported. False: nothing is, and
+  // elements have the row ids that they had before.
 
   /// Does nothing unless setPropagateMacroInfo or setDataNeededForDbLink was called. Rows that the
-  /// file already has are extended, not doubled.
+  /// file already has are extended, not doubled. A further save writes elements that are new or have
+  /// counted something since the last one. After a failure it may be tried again, unless stored
+  /// counts had been read: then every further save is refused with a report.
   FE_DB_EXPORT bool saveToCompDB();
+  /// After a failure it may be tried again.
   FE_DB_EXPORT bool saveToPpDB();
   /// Between the saves to two databases: all elements are without a row again.
   FE_DB_EXPORT void resetIds(FrontendDatabase& db);
