@@ -84,7 +84,10 @@ void handleStale(const CommandLine& line, const std::set<std::string>& current) 
   const std::vector<std::string> stale = staleUnits(directory, current);
   if (stale.empty()) return;
   for (const std::string& name : stale) {
-    if (line.prune) UnitOutput(directory, name, false).removePublished();
+    if (!line.prune) continue;
+    const UnitOutput output(directory, name, false);
+    output.removePublished();
+    output.removeLeftover();
   }
   std::printf("%zu units in %s are not in the compile_commands.json (%s%s); %s\n", stale.size(),
               directory.c_str(), stale.front().c_str(), stale.size() == 1 ? "" : ", ...",
