@@ -63,6 +63,20 @@ bool UnitOutput::isPublished() const {
          (!keepPreprocessed || isThere(stem + ".i"));
 }
 
+/// A power failure can undo or keep each of several changes of names, unless the directory is
+/// synchronised between them. So the old manifest is gone for good before the first of the files
+/// that it answers for is touched, also when a run that was killed had removed it.
+void UnitOutput::withdraw() const {
+  if (!isThere(manifest()) && !isThere(stem + ".pp.db") && !isThere(stem + ".comp.db")) return;
+  remove(manifest());
+  sync();
+}
+
+void UnitOutput::sync() const {
+  const std::string directory = directoryOf(stem);
+  if (!syncDirectory(directory)) fail(directory, "synchronised", std::strerror(errno));
+}
+
 void UnitOutput::replace(const std::string& ending) const {
   std::error_code error;
   std::filesystem::rename(temporary(ending), stem + ending, error);
@@ -71,16 +85,22 @@ void UnitOutput::replace(const std::string& ending) const {
 
 void UnitOutput::publish() {
   const bool hasManifest = isThere(temporary(kManifest));
-  remove(manifest());
+  for (const char* ending : {".i", ".pp.db", ".comp.db", kManifest}) {
+    if (!isThere(temporary(ending)) || syncFile(temporary(ending))) continue;
+    fail(stem + ending, "synchronised", std::strerror(errno));
+  }
+  withdraw();
   for (const char* ending : kEndings) {
     // An earlier run may have kept the text.
     isThere(temporary(ending)) ? replace(ending) : remove(stem + ending);
   }
-  if (hasManifest) replace(kManifest);
+  if (!hasManifest) return;
+  sync();
+  replace(kManifest);
 }
 
 void UnitOutput::removePublished() const {
-  remove(manifest());
+  withdraw();
   for (const char* ending : kEndings) remove(stem + ending);
 }
 

@@ -10,7 +10,8 @@ namespace fe_db_tools {
 class WorkDirectory;
 
 /// The files of one unit. They are built in a WorkDirectory, and get their own names when all of
-/// them are whole. The manifest comes last: where it is, the rest is whole and of the same run.
+/// them are whole. The manifest comes last: where it is, the rest is whole and of the same run,
+/// also after a power failure.
 class UnitOutput {
  public:
   /// The directory exists.
@@ -31,7 +32,7 @@ class UnitOutput {
   void removeLeftover() const;
   /// The file with this ending. Throws std::runtime_error when it cannot be written.
   void write(const std::string& ending, const std::string& bytes) const;
-  /// Throws std::runtime_error when a file cannot be renamed.
+  /// Throws std::runtime_error when a file cannot be synchronised or renamed.
   void publish();
   /// Removes what an earlier run published, which describes another state of the source. Throws
   /// std::runtime_error.
@@ -40,6 +41,8 @@ class UnitOutput {
 
  private:
   std::string temporary(const std::string& ending) const;
+  void withdraw() const;
+  void sync() const;
   void replace(const std::string& ending) const;
 
   std::string stem;

@@ -25,12 +25,19 @@ void check(bool isDone, const persistence::Database& database) {
   if (!isDone || database.hasFailed() || !database.lastFailure().reason.empty()) fail(database);
 }
 
+/// Nobody gets to see the files before they are whole and synchronised, once, in the end. Until
+/// then there is nothing that SQLite would have to bring back after a power failure.
+void leaveSyncingToTheEnd(persistence::Database& database) {
+  check(database.execute("PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY"), database);
+}
+
 void save(dm::CompilationData& data, const UnitOutput& output) {
   dm::PreprocessingDatabase& preprocessing = data.getPpDb();
   dm::CompilationDatabase& compilation = data.getCompDb();
   data.setDataNeededForDbLink();
   data.setPropagateMacroInfo();
   check(preprocessing.quick_connect(/*readOnly=*/false), preprocessing);
+  leaveSyncingToTheEnd(preprocessing);
   check(preprocessing.addTables(), preprocessing);
   check(data.saveToPpDB(), preprocessing);
   preprocessing.disconnect();
@@ -38,6 +45,7 @@ void save(dm::CompilationData& data, const UnitOutput& output) {
   data.resetIds(preprocessing);
   output.write(".comp.db", emptyCompilationDatabase(KeyIndexes::no));
   check(compilation.quick_connect(/*readOnly=*/false), compilation);
+  leaveSyncingToTheEnd(compilation);
   check(data.saveToCompDB(), compilation);
   compilation.disconnect();
 }
