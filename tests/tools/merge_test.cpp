@@ -92,8 +92,7 @@ constexpr UsageCase kUsageCases[] = {{"NoTarget", "", ""},
                                      {"TargetIsASymbolicLinkToASource", "soft a", "soft and a "}};
 INSTANTIATE_TEST_SUITE_P(Cases, MergeUsage, testing::ValuesIn(kUsageCases), kRuleName);
 
-TEST_F(Merge, TargetThatIsNotThere_IsMadeInTheStoredFormat_ALeftoverIsOverwritten) {
-  fileHolding("t.new", "half a database");
+TEST_F(Merge, TargetThatIsNotThere_IsMadeInTheStoredFormat) {
   unit("a"), merged({"t", "a"});
   EXPECT_EQ(rows(path("t"), "PRAGMA page_size; PRAGMA user_version"), "32768\n1\n");
   EXPECT_EQ(entries("."), 2);

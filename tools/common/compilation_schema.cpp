@@ -62,15 +62,14 @@ class SchemaBuilder {
     if (sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
   }
 
-  /// Calls write(bytes).
-  template <class Write>
-  void commitAndWrite(Write&& write) {
+  /// The bytes of the file.
+  std::string commit() {
     run("COMMIT");
     sqlite3_int64 size = 0;
     const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> image(
         sqlite3_serialize(connection_.get(), "main", &size, 0), sqlite3_free);
     if (!image) throw std::bad_alloc();
-    write(std::span<const unsigned char>(image.get(), static_cast<std::size_t>(size)));
+    return {reinterpret_cast<const char*>(image.get()), static_cast<std::size_t>(size)};
   }
 
  private:
@@ -82,31 +81,26 @@ class SchemaBuilder {
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection_{nullptr, sqlite3_close};
 };
 
-template <class Write>
-void buildCompilationDatabase(KeyIndexes indexes, Write&& write) {
+}  // namespace
+
+std::string emptyCompilationDatabase(KeyIndexes indexes) {
   SchemaBuilder builder;
   for (const char* table : kCompilationTables) builder.run(table);
   if (indexes == KeyIndexes::yes) {
     for (const SearchIndex& index : kKeyIndexes) builder.run(index.sql);
   }
   builder.run("PRAGMA user_version=1");
-  builder.commitAndWrite(write);
+  return builder.commit();
 }
-
-}  // namespace
 
 void createCompilationDatabase(const std::string& path, KeyIndexes indexes) {
-  buildCompilationDatabase(indexes, [&](auto bytes) { writeNewFile(path, bytes); });
-}
-
-void writeCompilationDatabase(const NewFile& file, KeyIndexes indexes) {
-  buildCompilationDatabase(indexes, [&](auto bytes) { file.write(bytes); });
+  writeNewFile(path, emptyCompilationDatabase(indexes));
 }
 
 void createPreprocessingDatabase(const std::string& path) {
   SchemaBuilder builder;
   for (const char* sql : schema::kPreprocessingIndexesAndViews) builder.run(sql);
-  builder.commitAndWrite([&](auto bytes) { writeNewFile(path, bytes); });
+  writeNewFile(path, builder.commit());
 }
 
 std::size_t countRows(const std::string& path) {

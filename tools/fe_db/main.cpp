@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "output.h"
+#include "standard_streams.h"
 #include "subcommands.h"
 #include "tables.h"
 
@@ -24,6 +25,17 @@ void addWaitOption(CLI::App& command, int& waitSeconds) {
 }
 
 namespace {
+
+/// Results that cannot be written are a failure. What a merge prints is only about the file that it
+/// has written by then: to call that a failure would ask for a repetition, which counts twice.
+void endOutput(bool isResult) {
+  try {
+    finishOutput();
+  } catch (const std::runtime_error& error) {
+    if (isResult) throw;
+    std::cerr << "fe_db: " << error.what() << "; the merge itself is done\n";
+  }
+}
 
 int run(int argc, char** argv) {
   CLI::App program("Makes, shows, compares and merges the database files of a code base's facts.",
@@ -47,26 +59,29 @@ int run(int argc, char** argv) {
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? kDone : kWrongUsage;
+    const int code = program.exit(error) == 0 ? kDone : kWrongUsage;
+    endOutput(/*isResult=*/true);
+    return code;
   }
-  return action();
+  const int code = action();
+  endOutput(/*isResult=*/!program.got_subcommand("merge"));
+  return code;
 }
 
 }  // namespace
 }  // namespace fe_db_tools
 
 int main(int argc, char** argv) {
-  // Nobody asks SQLite how much memory it has; counting takes a lock at each allocation, of which
-  // there are several for a row. Only a program may say so, and before anything else.
-  sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
-  // The memory of one source serves the next. Given back and fetched again in between, it costs a
-  // twentieth of a merge in page faults.
-  mallopt(M_TRIM_THRESHOLD, 1 << 30);
-  mallopt(M_MMAP_THRESHOLD, 32 << 20);
   try {
-    const int code = fe_db_tools::run(argc, argv);
-    fe_db_tools::finishOutput();
-    return code;
+    fe_db_tools::openStandardStreams();
+    // Nobody asks SQLite how much memory it has; counting takes a lock at each allocation, of which
+    // there are several for a row. Only a program may say so, before SQLite is used.
+    sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    // The memory of one source serves the next. Given back and fetched again in between, it costs a
+    // twentieth of a merge in page faults.
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    return fe_db_tools::run(argc, argv);
   } catch (const fe_db_tools::OutputClosed&) {
     return fe_db_tools::kFailed;
   } catch (const std::exception& error) {
