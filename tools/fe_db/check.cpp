@@ -1,6 +1,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "canonical_text.h"
 #include "check_rules.h"
 #include "check_text.h"
 #include "output.h"
@@ -19,7 +20,7 @@ struct CheckOptions {
 /// `table` is null for the file as a whole.
 std::string textOf(const Remark& remark, const std::string& file, const Table* table) {
   std::string line = remark.isNote ? "note: " : "";
-  line += table != nullptr ? table->name : file;
+  line += table != nullptr ? std::string(table->name) : printable(file);
   if (remark.row) line += " row " + std::to_string(*remark.row);
   return line + ": " + remark.reason + "\n";
 }

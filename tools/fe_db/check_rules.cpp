@@ -39,7 +39,8 @@ std::optional<Remark> damageMetBy(Read&& read) {
     const int code = error.code & 0xff;
     // A plain error is a table of another make, for instance without row ids.
     if (code != SQLITE_CORRUPT && code != SQLITE_ERROR && code != SQLITE_TOOBIG) throw;
-    return Remark{false, std::nullopt, "not all of it could be checked: " + error.reason};
+    return Remark{false, std::nullopt,
+                  "not all of it could be checked: " + printable(error.reason)};
   }
 }
 

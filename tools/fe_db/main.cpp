@@ -2,8 +2,11 @@
 #include <sqlite3.h>
 
 #include <exception>
-#include <iostream>
+#include <new>
+#include <stdexcept>
+#include <utility>
 
+#include "canonical_text.h"
 #include "output.h"
 #include "subcommands.h"
 #include "tables.h"
@@ -33,7 +36,7 @@ int run(int argc, char** argv) {
       "`fe_db SUBCOMMAND --help` tells more.\n"
       "Exit codes: 0 done, 1 a file failed, or a difference or damage was found, 2 wrong usage.");
   program.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return std::string("fe_db: ") + error.what() + "; see fe_db --help\n";
+    return "fe_db: " + printable(error.what()) + "; see fe_db --help\n";
   });
   Action action;
   addInit(program, action);
@@ -70,7 +73,7 @@ int main(int argc, char** argv) {
   } catch (const fe_db_tools::OutputClosed&) {
     return fe_db_tools::kFailed;
   } catch (const std::exception& error) {
-    std::cerr << "fe_db: " << error.what() << '\n';
+    fe_db_tools::report(error.what());
     return fe_db_tools::kFailed;
   }
 }
