@@ -102,10 +102,12 @@ TEST_F(Merge, TargetThatIsNotThere_IsMadeInTheStoredFormat_ALeftoverIsOverwritte
 TEST_F(Merge, ListsAndNames_AreMergedInTheOrderGiven_WhatTheTargetHoldsFirst) {
   unit("a b", 5), unit("c", 6), unit("d", 7), unit("t4", 8);
   const std::string list = fileHolding("list", "\na b\n\n./c");  // no newline at its end
+  const std::string windows = fileHolding("windows", "\r\na b\r\n./c\r\n");
   merged({"t1", "@list", "d"}), merged({"t2", "-", "d"}, list), merged({"t3", "d", "@list"});
   merged({"t4", "c"});
   EXPECT_EQ(files("t1"), "a b.c|2\nc.c|2\nd.c|2\nh.h|5\n3\n");
-  EXPECT_EQ(files("t2"), files("t1"));
+  merged({"t5", "@windows", "d"}), merged({"t6", "-", "d"}, windows);
+  for (const char* same : {"t2", "t5", "t6"}) EXPECT_EQ(files(same), files("t1"));
   EXPECT_EQ(files("t3"), "a b.c|2\nc.c|2\nd.c|2\nh.h|7\n3\n");
   EXPECT_EQ(files("t4"), "c.c|2\nh.h|8\nt4.c|2\n2\n");
 }
