@@ -227,5 +227,32 @@ TEST_P(MergeBadFile, AsASource_StopsTheMergeOrIsPassedOver_AsATarget_StaysAsItIs
 
 INSTANTIATE_TEST_SUITE_P(Cases, MergeBadFile, testing::ValuesIn(kBadCases), kRuleName);
 
+/// Whatever the limit: the program says what has no room, and the target is whole or as it was.
+TEST_F(Merge, WithoutMemory_NamesTheFile) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the sanitizer needs more address space than any limit here";
+#endif
+  unit("t");
+  compilationFile(path("a"),
+                  "INSERT INTO Identifier (Name) VALUES ('x'); WITH RECURSIVE n(i) AS (SELECT 1 "
+                  "UNION ALL SELECT i + 1 FROM n LIMIT 200000) INSERT INTO Label "
+                  "(IdentifierId, DeclLineNum, DeclColNum) SELECT 1, i, i FROM n");
+  const std::string before = bytesOf("t");
+  int refused = 0;
+  for (int megabytes = 24; refused == 0 || megabytes < 64; megabytes += 4) {
+    const ProgramResult result = runProgram(
+        {"bash", "-c", "ulimit -v " + std::to_string(megabytes * 1024) + "; exec \"$0\" merge t a",
+         FE_DB_PROGRAM},
+        {.directory = path(".")});
+    ASSERT_EQ(result.signal, 0) << megabytes;
+    if (result.exitCode == 127) continue;  // not even the libraries had room
+    if (result.exitCode == 0) break;
+    ++refused;
+    EXPECT_TRUE(bytesOf("t") == before) << megabytes;
+    EXPECT_THAT(result.errors, MatchesRegex("(orvalesca: [^\n]*\n|fe_db: [at]: [^\n]*\n)+"));
+  }
+  EXPECT_GT(refused, 0);
+}
+
 }  // namespace
 }  // namespace fe_db_tests

@@ -72,7 +72,9 @@ void addCheck(CLI::App& program, Action& action) {
   command->add_flag("--json", options->json,
                     "One JSON object a line: severity, table, row, reason");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return check(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return check(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

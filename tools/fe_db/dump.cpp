@@ -85,7 +85,9 @@ void addDump(CLI::App& program, Action& action) {
   command->add_flag("--json", options->json,
                     "One JSON object a line; texts and keys as they are printed without --json");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return dump(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return dump(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

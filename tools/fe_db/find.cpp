@@ -135,9 +135,8 @@ void addFind(CLI::App& program, Action& action) {
   json->excludes(sarif);
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, command, &action] {
-    action = [options, &question = checkedQuestion(*command, *options)] {
-      return find(*options, question);
-    };
+    const Question& question = checkedQuestion(*command, *options);
+    action = namingFiles(options->file, [options, &question] { return find(*options, question); });
   });
 }
 

@@ -13,6 +13,16 @@
 
 namespace fe_db_tools {
 
+Action namingFiles(std::string files, Action action) {
+  return [files = std::move(files), action = std::move(action)] {
+    try {
+      return action();
+    } catch (const std::bad_alloc&) {
+      throw std::runtime_error(files + ": not enough memory; run it where there is more");
+    }
+  };
+}
+
 void addTableOption(CLI::App& command, std::string& table) {
   std::vector<std::string> names;
   for (const Table& known : kTables) names.emplace_back(known.name);

@@ -150,7 +150,9 @@ void addMerge(CLI::App& program, Action& action) {
                     "Exit with 1 when rows or references of a source had to be left out");
   command->add_flag("--debug", options->debug, "Print the number of rows of each table");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return merge(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->target, [options] { return merge(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -85,7 +85,9 @@ void addStats(CLI::App& program, Action& action) {
   command->add_option("FILE", options->file, "The database file")->required();
   command->add_flag("--json", options->json, "One JSON object a line");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return showStats(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return showStats(*options); });
+  });
 }
 
 }  // namespace fe_db_tools
