@@ -227,6 +227,114 @@ TEST_P(MergeBadFile, AsASource_StopsTheMergeOrIsPassedOver_AsATarget_StaysAsItIs
 
 INSTANTIATE_TEST_SUITE_P(Cases, MergeBadFile, testing::ValuesIn(kBadCases), kRuleName);
 
+/// The tables are emptied and written anew, and what they are made as decides what is left.
+struct LossCase {
+  std::string rule;  ///< the table, before a '_' if there is one
+  std::string sql;
+  const char* reason;
+};
+
+constexpr char kNoRowId[] = "Id is not the row id \\(not declared INTEGER PRIMARY KEY\\)";
+
+LossCase copied(const std::string& table) {
+  return {table,
+          "CREATE TABLE T AS SELECT * FROM " + table + "; DROP TABLE " + table +
+              "; ALTER TABLE T RENAME TO " + table,
+          kNoRowId};
+}
+
+LossCase label(const std::string& rule, const std::string& id, const std::string& end,
+               const char* reason = kNoRowId) {
+  return {"Label_" + rule,
+          "DROP TABLE Label; CREATE " + id + ", IdentifierId, DeclFileId, DeclLineNum, DeclColNum" +
+              end,
+          reason};
+}
+
+struct MergeLoss : Merge, testing::WithParamInterface<LossCase> {};
+
+TEST_P(MergeLoss, IsRefusedBeforeAnyWork_AsIsAnIndex) {
+  const auto& [rule, sql, reason] = GetParam();
+  const std::string table = rule.substr(0, rule.find('_'));
+  unit("a"), unit("t");
+  execute(path("t"), sql);
+  const std::string before = bytesOf("t");
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"merge", "t", "a"}, {"index", "t"}}) {
+    const ProgramResult result = feDb(words, {.directory = path(".")});
+    EXPECT_EQ(result.exitCode, 1) << words[0];
+    EXPECT_THAT(result.errors, MatchesRegex("fe_db: t: its table " + table +
+                                            " cannot be written without loss: [^\n]*" + reason +
+                                            "; merge the file into a new one instead\n"));
+    EXPECT_TRUE(bytesOf("t") == before);
+    EXPECT_EQ(entries("."), 2);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, MergeLoss,
+    testing::Values(
+        copied("File"), copied("Identifier"), copied("Macro"), copied("MacroInvocation"),
+        copied("Type"), copied("Variable"), copied("Function"), copied("ExternalIdentifier"),
+        copied("Field"), copied("EnumConstant"), copied("Label"), copied("CallPoint"),
+        label("Int", "TABLE Label (LabelId INT PRIMARY KEY", ")"),
+        label("Descending", "TABLE \"LABEL\" (labelID INTEGER PRIMARY KEY DESC", ")"),
+        label("OfSeveral", "TABLE Label (LabelId INTEGER",
+              ", PRIMARY KEY (LabelId, IdentifierId))"),
+        label("OtherKey", "TABLE Label (LabelId INTEGER, Key INTEGER PRIMARY KEY", ")"),
+        label("WithoutRowId", "TABLE Label (LabelId INTEGER PRIMARY KEY", ") WITHOUT ROWID"),
+        label("Virtual", "VIRTUAL TABLE Label USING fts5 (LabelId", ")", "it is a virtual table"),
+        LossCase{"TypeReference_OwnRowId", "ALTER TABLE TypeReference ADD COLUMN \"ROWID\" INTEGER",
+                 "rowid is not the .*"}),
+    kRuleName);
+
+TEST_F(Merge, SourceWhoseTablesHaveNoRowIds_IsReadAllTheSame) {
+  unit("a");
+  for (const char* table : {"File", "Identifier", "Function", "Label"}) {
+    execute(path("a"), copied(table).sql);
+  }
+  merged({"new", "a"});
+  EXPECT_EQ(files("new"), files("a"));
+}
+
+struct MergeKeeps : Merge, testing::WithParamInterface<LossCase> {};
+
+TEST_P(MergeKeeps, WhatHasRowIds_HoweverItIsDeclared) {
+  unit("a"), unit("t");
+  fs::copy_file(path("t"), path("plain"));
+  execute(path("t"), GetParam().sql);
+  for (const char* target : {"t", "plain"}) {
+    execute(path(target), "INSERT INTO Label VALUES (7, 1, 1, 2, 3)");
+    merged({target, "a"});
+  }
+  EXPECT_EQ(dumpOf("t"), dumpOf("plain"));
+  EXPECT_EQ(rows(path("t"), "SELECT typeof(LabelId) FROM Label"), "integer\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, MergeKeeps,
+    testing::Values(
+        label("QuotedNames", "TABLE \"label\" (\"LABELID\" \"INTEGER\" PRIMARY KEY", ")"),
+        label("TableConstraint", "TABLE Label (LabelId INTEGER", ", PRIMARY KEY (LabelId DESC))"),
+        LossCase{"TypeReference_NamedRowId",
+                 "DROP TABLE TypeReference; CREATE TABLE TypeReference (rowid INTEGER "
+                 "PRIMARY KEY, DeclaredType, ReferencedType)",
+                 ""}),
+    kRuleName);
+
+TEST_F(Merge, TriggersOfATarget_AreReportedOnce) {
+  unit("a"), unit("t");
+  for (const char* event : {"INSERT", "DELETE"}) {
+    execute(path("t"), std::string("CREATE TRIGGER ") + event + "_T AFTER " + event +
+                           " ON Label BEGIN DELETE FROM Field; END");
+  }
+  const ProgramResult result = merge({"t", "a"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.errors, MatchesRegex("fe_db: t: triggers that do not run in a merge: 2; "
+                                          "what they keep up to date, [^\n]*\n"));
+  EXPECT_EQ(merged({"t2", "t"}).find("trigger"), std::string::npos);  // sources are only read
+}
+
 /// Whatever the limit: the program says what has no room, and the target is whole or as it was.
 TEST_F(Merge, WithoutMemory_NamesTheFile) {
 #if defined(__SANITIZE_ADDRESS__)

@@ -33,7 +33,7 @@ std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
 }
 
 int makeIndexes(const IndexOptions& options) {
-  checkMergeInput(options.file, options.waitSeconds);
+  checkWritable(options.file, options.waitSeconds);
   const std::set<std::string> known = indexTexts(options.file, options.waitSeconds);
   CompilationData data(options.file, "");
   CompilationDatabase& db = data.getCompDb();

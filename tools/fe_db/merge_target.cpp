@@ -70,7 +70,7 @@ MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(pa
     removeOnSignal(newFile_->temporaryPath());
     writeCompilationDatabase(*newFile_, KeyIndexes::no);
   } else {
-    checkMergeInput(path_, waitSeconds);
+    checkMergeTarget(path_, waitSeconds);
   }
   merger_.emplace(isNew() ? newFile_->temporaryPath() : path_);
   db_ = &openMergeInput(*merger_, path_, waitSeconds);

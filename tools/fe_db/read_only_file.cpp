@@ -33,9 +33,6 @@ std::string lowerCase(std::string_view name) {
 }
 
 constexpr char kNotOurs[] = "; give a file that fe_db init or fe_db_record made";
-
-std::string lacksTable(const Table& table) { return "it has no table " + std::string(table.name); }
-
 const char* adviceFor(int code) {
   switch (code & 0xff) {
     case SQLITE_NOTADB:
@@ -99,18 +96,60 @@ std::vector<std::string> ReadOnlyFile::findGaps() const {
   std::vector<std::string> gaps;
   for (const Table& table : tables()) {
     if (!tableExists(table.name)) {
-      gaps.push_back(lacksTable(table));
+      gaps.push_back(missing(table));
       continue;
     }
-    const auto look = [&](std::string_view column) {
-      if (hasColumn(table, column)) return;
-      gaps.push_back("its table " + std::string(table.name) + " has no column " +
-                     std::string(column));
-    };
-    look(table.rowId);
-    for (const Column& column : table.columns) look(column.name);
+    if (!hasColumn(table, table.rowId)) gaps.push_back(missing(table, table.rowId));
+    for (const Column& column : table.columns) {
+      if (!hasColumn(table, column.name)) gaps.push_back(missing(table, column.name));
+    }
   }
   return gaps;
+}
+
+std::string ReadOnlyFile::missing(const Table& table) const {
+  const std::string name(table.name);
+  const bool isView = number("SELECT count(*) FROM sqlite_schema WHERE type='view' AND name='" +
+                             name + "' COLLATE NOCASE") != 0;
+  return isView ? "its " + name + " is a view, not a table" : "it has no table " + name;
+}
+
+std::string ReadOnlyFile::missing(const Table& table, std::string_view column) const {
+  const std::string name(table.name), of = std::string(column) + " of its table " + name;
+  if (column == "rowid") return "its table " + name + " has no row ids";
+  const bool isGenerated =
+      number("SELECT count(*) FROM pragma_table_xinfo('" + name + "') WHERE name='" +
+             std::string(column) + "' COLLATE NOCASE") != 0;
+  return isGenerated ? "the column " + of + " is generated, not stored"
+                     : "its table " + name + " has no column " + std::string(column);
+}
+
+std::string ReadOnlyFile::reasonNotToWrite(const Table& table) const {
+  const std::string name(table.name), id(table.rowId);
+  const auto count = [&](const std::string& rows) {
+    return number("SELECT count(*) FROM " + rows);
+  };
+  if (count("sqlite_schema WHERE type='table' AND rootpage=0 AND name='" + name +
+            "' COLLATE NOCASE") != 0) {
+    return "it is a virtual table";
+  }
+  // A column stands for the row id if it alone is the primary key and SQLite needs no index for it.
+  const bool isDeclared =
+      count("pragma_table_info('" + name + "') WHERE name='" + id + "' COLLATE NOCASE") != 0;
+  const bool isKey = count("pragma_table_info('" + name + "') WHERE pk<>0 AND name='" + id +
+                           "' COLLATE NOCASE") != 0 &&
+                     count("pragma_index_list('" + name + "') WHERE origin='pk'") == 0;
+  const bool needsNone = id == "rowid" && !isDeclared;
+  return isKey || needsNone ? "" : id + " is not the row id (not declared INTEGER PRIMARY KEY)";
+}
+
+void ReadOnlyFile::requireWritable() const {
+  for (const Table& table : tables()) {
+    const std::string reason = reasonNotToWrite(table);
+    if (reason.empty()) continue;
+    fail("its table " + std::string(table.name) + " cannot be written without loss: " + reason +
+         "; merge the file into a new one instead");
+  }
 }
 
 std::span<const Table> ReadOnlyFile::tables() const {
@@ -122,7 +161,7 @@ std::span<const Table> ReadOnlyFile::tables() const {
 }
 
 void ReadOnlyFile::require(const Table& table) const {
-  if (!tableExists(table.name)) fail(lacksTable(table) + kNotOurs);
+  if (!tableExists(table.name)) fail(missing(table) + kNotOurs);
 }
 
 /// All at once: asked column by column it would take a fortieth of a merge.
@@ -139,6 +178,12 @@ void ReadOnlyFile::readColumns() {
     return reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
   };
   while (step(statement)) columns_[textOf(0)].insert(textOf(1));
+  for (auto& [table, columns] : columns_) {
+    if (sqlite3_table_column_metadata(connection(), "main", table.c_str(), "rowid", nullptr,
+                                      nullptr, nullptr, nullptr, nullptr) == SQLITE_OK) {
+      columns.insert("rowid");
+    }
+  }
 }
 
 bool ReadOnlyFile::tableExists(std::string_view name) const {
@@ -147,8 +192,7 @@ bool ReadOnlyFile::tableExists(std::string_view name) const {
 
 bool ReadOnlyFile::hasColumn(const Table& table, std::string_view column) const {
   const auto found = columns_.find(lowerCase(table.name));
-  return found != columns_.end() &&
-         (column == "rowid" || found->second.contains(lowerCase(column)));
+  return found != columns_.end() && found->second.contains(lowerCase(column));
 }
 
 Statement ReadOnlyFile::prepare(const std::string& sql) const {
