@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <future>
+#include <map>
 #include <thread>
 
 #include "fe_db_fixture.h"
@@ -107,6 +108,80 @@ TEST_P(BadFile, FailsWithItsNameAndReason_AndStaysAsItWas) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, BadFile, testing::ValuesIn(kBadCases), kRuleName);
+
+/// Files that SQLite would read with their write-ahead log: files, and the log's index, change then
+/// although nobody writes. `f` is a folder with a good database x.db.
+struct WalCase {
+  const char* rule;
+  void (*make)(Path f);
+  const char* message;
+};
+
+constexpr char kLogBeside[] = "it has a write-ahead log beside it \\([^\n]*/x.db-wal\\), .*";
+
+void setWal(Path f) { rows(f + "/x.db", "PRAGMA journal_mode=WAL"); }
+
+/// As a killed writer leaves it.
+void killWriter(Path f) {
+  setWal(f);
+  const RawConnection writer(f + "/x.db");
+  writer.rows("DELETE FROM CallPoint");
+  fs::copy(f, f + "2");
+  fs::remove_all(f);
+  fs::rename(f + "2", f);
+}
+
+constexpr WalCase kWalCases[] = {
+    {"AtRest", setWal, "it is in WAL mode, .*"},
+    {"Killed", killWriter, kLogBeside},
+    {"KilledAndItsIndexLost", [](Path f) { killWriter(f), fs::remove(f + "/x.db-shm"); },
+     kLogBeside},
+    {"LogOfAFileOfAnotherMode",
+     [](Path f) {
+       killWriter(f);
+       std::fstream(f + "/x.db", std::ios::in | std::ios::out).seekp(18).write("\1\1", 2);
+     },
+     kLogBeside},
+    {"LogThatIsNone", [](Path f) { std::ofstream(f + "/x.db-wal") << 'x'; }, kLogBeside},
+};
+
+struct WalFile : FeDbProgram, testing::WithParamInterface<WalCase> {
+  std::map<std::string, std::string> filesBeside() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::directory_iterator(path("f"))) {
+      files[entry.path().filename()] = bytesOf(entry.path());
+    }
+    return files;
+  }
+};
+
+TEST_P(WalFile, IsRefusedWithWhatToDo_AndNothingChanges) {
+  const std::string x = path("f/x.db"), good = path("good.db");
+  fs::create_directory(path("f"));
+  database(x), database(good);
+  GetParam().make(path("f"));
+  const auto before = filesBeside();
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{"stats", x},
+                                             {"dump", x},
+                                             {"check", x},
+                                             {"find", x, "types"},
+                                             {"diff", x, good},
+                                             {"diff", good, x},
+                                             {"merge", path("new.db"), x},
+                                             {"merge", x, good},
+                                             {"index", x}}) {
+    const ProgramResult result = feDb(command);
+    EXPECT_EQ(result.exitCode, 1) << command[0];
+    EXPECT_THAT(result.errors, MatchesRegex("fe_db: " + x + ": " + GetParam().message +
+                                            "sqlite3 FILE 'PRAGMA journal_mode=DELETE'.*\n"));
+    EXPECT_TRUE(filesBeside() == before) << command[0];
+  }
+  rows(x, "PRAGMA journal_mode=DELETE");  // what the message says
+  outputOf({"stats", x});
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, WalFile, testing::ValuesIn(kWalCases), kRuleName);
 
 struct ReadOnly : FeDbProgram {};
 

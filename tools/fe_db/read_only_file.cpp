@@ -33,6 +33,34 @@ std::string lowerCase(std::string_view name) {
 }
 
 constexpr char kNotOurs[] = "; give a file that fe_db init or fe_db_record made";
+constexpr char kLeaveWal[] =
+    "; close it everywhere and run: sqlite3 FILE 'PRAGMA journal_mode=DELETE', on a copy if the "
+    "file must stay as it is";
+
+/// A connection to a file in WAL mode writes even where it only reads: it makes or changes the
+/// files beside it, and the last one that closes moves the log into the file. SQLite also takes up
+/// a log that lies beside a file of another mode. Reads through the connection's own handle, before
+/// the first statement: closing a second one would give up this process's locks on the file.
+std::string reasonNotToRead(sqlite3* connection) {
+  const std::string log = sqlite3_filename_wal(sqlite3_db_filename(connection, "main"));
+  struct stat status {};
+  if (stat(log.c_str(), &status) == 0 && status.st_size > 0) {
+    return "it has a write-ahead log beside it (" + log + "), which reading would change";
+  }
+  constexpr std::string_view kMagic("SQLite format 3", 16);
+  constexpr std::size_t kReadVersion = 19;
+  constexpr char kWal = 2;
+  char header[kReadVersion + 1];
+  sqlite3_file* file = nullptr;
+  const bool isRead =
+      sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK &&
+      file->pMethods != nullptr &&
+      file->pMethods->xRead(file, header, sizeof header, 0) == SQLITE_OK;
+  const bool isWal =
+      isRead && std::string_view(header, kMagic.size()) == kMagic && header[kReadVersion] == kWal;
+  return isWal ? "it is in WAL mode, and even reading would change it" : "";
+}
+
 const char* adviceFor(int code) {
   switch (code & 0xff) {
     case SQLITE_NOTADB:
@@ -81,6 +109,7 @@ void ReadOnlyFile::open(int flags, int waitSeconds) {
   const int code = sqlite3_open_v2(absolute.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   connection_.reset(opened);
   if (code != SQLITE_OK) failWithReason();
+  if (const std::string reason = reasonNotToRead(opened); !reason.empty()) fail(reason + kLeaveWal);
   sqlite3_extended_result_codes(opened, 1);
   sqlite3_busy_timeout(opened, busyTimeoutOf(waitSeconds));
 }
