@@ -183,6 +183,44 @@ TEST_P(WalFile, IsRefusedWithWhatToDo_AndNothingChanges) {
 
 INSTANTIATE_TEST_SUITE_P(Cases, WalFile, testing::ValuesIn(kWalCases), kRuleName);
 
+/// What SQLite would find out when all sources are read and the first page is written.
+struct NoPermission : FeDbProgram, testing::WithParamInterface<const char*> {
+  /// As a user whom permissions hold.
+  static ProgramResult asUser(std::vector<std::string> command) {
+    if (geteuid() == 0) {
+      command.insert(command.begin(),
+                     {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});
+    }
+    return runProgram(command);
+  }
+};
+
+TEST_P(NoPermission, ToWrite_IsARefusalBeforeAnyWork) {
+  const bool isFile = GetParam() == std::string("File");
+  fs::create_directory(path("f"));
+  const std::string x = path("f/x.db"), good = path("good.db");
+  database(x), database(good);
+  chmod(path(".").c_str(), 0755), chmod(good.c_str(), 0644);
+  chmod(x.c_str(), isFile ? 0444 : 0666), chmod(path("f").c_str(), isFile ? 0777 : 0555);
+  if (asUser({FE_DB_PROGRAM, "--help"}).exitCode != 0) GTEST_SKIP() << "others may not run it";
+  const std::string before = bytesOf(x);
+  for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+           {FE_DB_PROGRAM, "merge", x, good}, {FE_DB_PROGRAM, "index", x}}) {
+    const ProgramResult result = asUser(command);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.errors, MatchesRegex("fe_db: " + x +
+                                            ": it[^\n]* cannot be written[^\n]*: "
+                                            "Permission denied; [^\n]*\n"));
+    EXPECT_TRUE(bytesOf(x) == before);
+    EXPECT_EQ(std::distance(fs::directory_iterator(path("f")), {}), 1);
+  }
+  EXPECT_EQ(asUser({FE_DB_PROGRAM, "stats", x}).exitCode, 0);
+  chmod(path("f").c_str(), 0755);  // so that it can be removed
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, NoPermission, testing::Values("File", "Directory"),
+                         [](const auto& test) { return test.param; });
+
 struct ReadOnly : FeDbProgram {};
 
 TEST_F(ReadOnly, NoPermission_IsTheReason) {

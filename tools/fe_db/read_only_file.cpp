@@ -173,6 +173,7 @@ std::string ReadOnlyFile::reasonNotToWrite(const Table& table) const {
 }
 
 void ReadOnlyFile::requireWritable() const {
+  requirePermission();
   for (const Table& table : tables()) {
     const std::string reason = reasonNotToWrite(table);
     if (reason.empty()) continue;
@@ -187,6 +188,22 @@ std::span<const Table> ReadOnlyFile::tables() const {
                        : std::find_if(kTables.begin(), kTables.end(),
                                       [](const Table& t) { return t.onlyInCompilation; });
   return {kTables.begin(), end};
+}
+
+/// SQLite would find out at the first write, when all else is done. The journal lies in the real
+/// directory of a file that a symbolic link leads to.
+void ReadOnlyFile::requirePermission() const {
+  constexpr char kAdvice[] = "; change the permissions, or write to a copy elsewhere";
+  const auto mayWrite = [](const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+  };
+  const char* file = sqlite3_db_filename(connection(), "main");
+  if (!mayWrite(file)) fail(std::string("it cannot be written: ") + std::strerror(errno) + kAdvice);
+  const std::filesystem::path journal = sqlite3_filename_journal(file);
+  if (!mayWrite(std::filesystem::exists(journal) ? journal : journal.parent_path())) {
+    fail(std::string("its directory cannot be written, where SQLite needs a journal: ") +
+         std::strerror(errno) + kAdvice);
+  }
 }
 
 void ReadOnlyFile::require(const Table& table) const {

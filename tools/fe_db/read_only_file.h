@@ -59,7 +59,7 @@ class ReadOnlyFile {
   /// Why a program that rewrites the table would lose what it holds, the ids above all; or empty.
   /// REQUIRES: the table has no gap.
   std::string reasonNotToWrite(const Table& table) const;
-  /// Throws when there is such a reason for one of the tables.
+  /// Throws when there is such a reason for one of the tables, or no permission to write.
   void requireWritable() const;
 
   Statement prepare(const std::string& sql) const;
@@ -72,6 +72,7 @@ class ReadOnlyFile {
   bool begin();
   void readColumns();
   bool tableExists(std::string_view name) const;
+  void requirePermission() const;
   std::string missing(const Table& table) const;
   std::string missing(const Table& table, std::string_view column) const;
   [[noreturn]] void fail(const std::string& what) const;
