@@ -87,8 +87,8 @@ constexpr DamageCase kDamages[] = {
      "ExternalIdentifier row 4: EntityId is 0 and has to lead to a row of Variable\n"
      "ExternalIdentifier row 5: EntityId is NULL, not an integer\n"},
     {"NoRowIdsBehindIds", "CREATE TABLE T AS SELECT * FROM Field; DROP TABLE Field; ALTER TABLE T "
-     "RENAME TO Field; DROP TABLE Label; CREATE TABLE Label (LabelId INT PRIMARY KEY, IdentifierId, "
-     "DeclFileId, DeclLineNum, DeclColNum); INSERT INTO Label VALUES (1, 1, 1, 10, 1);"
+     "RENAME TO Field; DROP TABLE Label; CREATE TABLE Label (LabelId INT PRIMARY KEY, "
+     "IdentifierId, DeclFileId, DeclLineNum, DeclColNum); INSERT INTO Label VALUES (1, 1, 1, 10, 1);"
      "DROP TABLE EnumConstant; CREATE VIRTUAL TABLE EnumConstant USING rtree_i32 (EnumConstantId, "
      "IdentifierId, DeclFileId, DeclLineNum, DeclColNum);"
      "INSERT INTO EnumConstant VALUES (1, 1, 2, 7, 9);"

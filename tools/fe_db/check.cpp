@@ -58,8 +58,9 @@ void addCheck(CLI::App& program, Action& action) {
   command->footer(
       "Prints one finding a line, `TABLE row ID: reason`, or `FILE: reason` of the whole file;\n"
       "nothing for a good file. Findings: whatever SQLite's integrity check finds, missing tables\n"
-      "and columns, another page size than 32768, values of a wrong type, ids that lead to no row\n"
-      "or are missing, rows with equal keys, row id 0. Lines that begin with `note: ` are no\n"
+      "and columns, tables whose ids are not the row ids, so that fe_db merge would lose them,\n"
+      "virtual tables, another page size than 32768, values of a wrong type, ids that lead to no\n"
+      "row or are missing, rows with equal keys, row id 0. Lines that begin with `note: ` are no\n"
       "findings: bits of Identifier.Kind that differ from what the tables hold, unknown kinds of\n"
       "external identifiers, and macro uses in a compilation file whose ids a merge has outdated.\n"
       "Exit code 1 when there is a finding.");

@@ -132,9 +132,9 @@ void addMerge(CLI::App& program, Action& action) {
   command->footer(
       "SOURCE is a file, @LISTFILE for a file that lists one path a line, or - for a list on\n"
       "standard input. Sources are folded in the order given; where two disagree, what is there\n"
-      "first stays, and counts add up. TARGET is made when it is not there; otherwise what it "
-      "holds\n"
-      "comes first. Whatever goes wrong, TARGET then holds the whole merge or is what it was.");
+      "first stays, and counts add up. TARGET is made when it is not there; otherwise what it\n"
+      "holds comes first, and its triggers do not run. Whatever goes wrong, TARGET then holds the\n"
+      "whole merge or is what it was.");
   command->add_option("TARGET", options->target, "The file to fold into")->required();
   command->add_option("SOURCE", options->sources, "The files to fold, or lists of them")
       ->required();
