@@ -86,6 +86,17 @@ constexpr DamageCase kDamages[] = {
      "ExternalIdentifier row 2: EntityId 8 leads to no row of Function\n"
      "ExternalIdentifier row 4: EntityId is 0 and has to lead to a row of Variable\n"
      "ExternalIdentifier row 5: EntityId is NULL, not an integer\n"},
+    {"NoRowIdsBehindIds", "CREATE TABLE T AS SELECT * FROM Field; DROP TABLE Field; ALTER TABLE T "
+     "RENAME TO Field; DROP TABLE Label; CREATE TABLE Label (LabelId INT PRIMARY KEY, "
+     "IdentifierId, DeclFileId, DeclLineNum, DeclColNum); INSERT INTO Label VALUES (1, 1, 1, 10, 1);"
+     "DROP TABLE EnumConstant; CREATE VIRTUAL TABLE EnumConstant USING rtree_i32 (EnumConstantId, "
+     "IdentifierId, DeclFileId, DeclLineNum, DeclColNum);"
+     "INSERT INTO EnumConstant VALUES (1, 1, 2, 7, 9);"
+     "DROP TABLE TypeReference; CREATE TABLE TypeReference (RowId, DeclaredType, ReferencedType)",
+     "TypeReference: rowid is not the row id (not declared INTEGER PRIMARY KEY)\n"
+     "Field: FieldId is not the row id (not declared INTEGER PRIMARY KEY)\n"
+     "EnumConstant: it is a virtual table\n"
+     "Label: LabelId is not the row id (not declared INTEGER PRIMARY KEY)\n"},
     {"EqualPathsAndNames", "CREATE TABLE T (FileId INTEGER PRIMARY KEY, Path, Kind, Lang, Huge);"
      "INSERT INTO T SELECT * FROM File; INSERT INTO T VALUES (7, 'a.c', 0, 0, 0), (9, 'A.C', 0, 0, "
      "0), (8, 'a.c', 1, 2, 0); DROP TABLE File; ALTER TABLE T RENAME TO File;"

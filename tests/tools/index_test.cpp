@@ -47,5 +47,17 @@ TEST_F(Index, OfAFileThatIsLocked_OrNoCompilationDatabase_IsRefused) {
   expectRefusal({"index", preprocessingFile(path("pp.db"), "")}, "it is a preprocessing database");
 }
 
+TEST_F(Index, ThatCannotBeMade_IsOneReport_AndTheFileStaysAsItIs) {
+  execute(file, "CREATE TABLE Macro_Key_Index (x); CREATE TABLE Type_Key_Index (x)");
+  const std::string before = rows(file, kIndexes);
+  const ProgramResult result = feDb({"index", file});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors,
+              testing::MatchesRegex("orvalesca: [^\n]*\nfe_db: " + file +
+                                    ": it was left as it was: there is already a table named "
+                                    "Macro_Key_Index\n"));
+  EXPECT_EQ(rows(file, kIndexes), before);
+}
+
 }  // namespace
 }  // namespace fe_db_tests

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 
 /// The indexes that a compilation database may have, for searching only: a file without them gives
@@ -111,11 +112,17 @@ inline constexpr char kLengthIndexHint[] =
     "DELETE FROM sqlite_stat1 WHERE idx = 'Identifier_Length_Index';"
     "INSERT INTO sqlite_stat1 VALUES ('Identifier', 'Identifier_Length_Index', '1000 10')";
 
+/// Calls visit(index) for each index of either list until one answers false; true when none does.
+template <class Visit>
+bool everySearchIndex(Visit&& visit) {
+  return std::all_of(kKeyIndexes.begin(), kKeyIndexes.end(), visit) &&
+         std::all_of(kQueryIndexes.begin(), kQueryIndexes.end(), visit);
+}
+
 /// Calls visit(index) for each index of either list.
 template <class Visit>
 void eachSearchIndex(Visit&& visit) {
-  for (const SearchIndex& index : kKeyIndexes) visit(index);
-  for (const SearchIndex& index : kQueryIndexes) visit(index);
+  everySearchIndex([&](const SearchIndex& index) { return visit(index), true; });
 }
 
 }  // namespace fe_db_tools

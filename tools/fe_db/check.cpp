@@ -1,6 +1,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "canonical_text.h"
 #include "check_rules.h"
 #include "check_text.h"
 #include "output.h"
@@ -19,7 +20,7 @@ struct CheckOptions {
 /// `table` is null for the file as a whole.
 std::string textOf(const Remark& remark, const std::string& file, const Table* table) {
   std::string line = remark.isNote ? "note: " : "";
-  line += table != nullptr ? table->name : file;
+  line += table != nullptr ? std::string(table->name) : printable(file);
   if (remark.row) line += " row " + std::to_string(*remark.row);
   return line + ": " + remark.reason + "\n";
 }
@@ -57,8 +58,9 @@ void addCheck(CLI::App& program, Action& action) {
   command->footer(
       "Prints one finding a line, `TABLE row ID: reason`, or `FILE: reason` of the whole file;\n"
       "nothing for a good file. Findings: whatever SQLite's integrity check finds, missing tables\n"
-      "and columns, another page size than 32768, values of a wrong type, ids that lead to no row\n"
-      "or are missing, rows with equal keys, row id 0. Lines that begin with `note: ` are no\n"
+      "and columns, tables whose ids are not the row ids, so that fe_db merge would lose them,\n"
+      "virtual tables, another page size than 32768, values of a wrong type, ids that lead to no\n"
+      "row or are missing, rows with equal keys, row id 0. Lines that begin with `note: ` are no\n"
       "findings: bits of Identifier.Kind that differ from what the tables hold, unknown kinds of\n"
       "external identifiers, and macro uses in a compilation file whose ids a merge has outdated.\n"
       "Exit code 1 when there is a finding.");
@@ -71,7 +73,9 @@ void addCheck(CLI::App& program, Action& action) {
   command->add_flag("--json", options->json,
                     "One JSON object a line: severity, table, row, reason");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return check(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return check(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -39,7 +39,8 @@ std::optional<Remark> damageMetBy(Read&& read) {
     const int code = error.code & 0xff;
     // A plain error is a table of another make, for instance without row ids.
     if (code != SQLITE_CORRUPT && code != SQLITE_ERROR && code != SQLITE_TOOBIG) throw;
-    return Remark{false, std::nullopt, "not all of it could be checked: " + error.reason};
+    return Remark{false, std::nullopt,
+                  "not all of it could be checked: " + printable(error.reason)};
   }
 }
 
@@ -92,6 +93,7 @@ class TableCheck {
     remarks_.push_back({isNote, row, std::move(reason)});
   }
   const RowIds* idsOf(TableId id);
+  void checkLayout();
   void checkRows();
   void checkCell(const Column& column, int cell);
   void checkEntity(const Column& column, int cell);
@@ -114,8 +116,9 @@ class TableCheck {
 };
 
 std::vector<Remark> TableCheck::run() {
-  if (!file_.hasColumn(table_, "rowid")) return {};
-  std::optional<Remark> damage = damageMetBy([&] { checkRows(); });
+  if (!file_.hasColumn(table_, rowId_)) return {};
+  std::optional<Remark> damage = damageMetBy([&] { checkLayout(); });
+  if (auto more = damageMetBy([&] { checkRows(); }); !damage) damage = std::move(more);
   if (auto more = damageMetBy([&] { checkKeys(); }); !damage) damage = std::move(more);
   if (auto more = damageMetBy([&] { checkNameBits(); }); !damage) damage = std::move(more);
   if (damage) remarks_.push_back(*damage);
@@ -137,6 +140,13 @@ const RowIds* TableCheck::idsOf(TableId id) {
     damageMetBy([&] { ids.emplace(file_, table); });  // told when that table is checked
   }
   return ids ? &*ids : nullptr;
+}
+
+void TableCheck::checkLayout() {
+  if (!file_.hasColumn(table_, table_.rowId)) return;
+  if (const std::string reason = file_.reasonNotToWrite(table_); !reason.empty()) {
+    remarks_.push_back({/*isNote=*/false, std::nullopt, reason});
+  }
 }
 
 /// Without indexes: what they hold may differ from the table in a damaged file.

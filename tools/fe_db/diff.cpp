@@ -68,7 +68,10 @@ void addDiff(CLI::App& program, Action& action) {
   command->add_option("B", options->right, "Another one")->required();
   addTableOption(*command, options->table);
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return diff(*options); }; });
+  command->callback([options, &action] {
+    action =
+        namingFiles(options->left + " and " + options->right, [options] { return diff(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -77,15 +77,18 @@ void addDump(CLI::App& program, Action& action) {
   command->footer(
       "Prints one row a line: the table, then name=value, separated by tabs, sorted by bytes. A\n"
       "reference is printed as the key that it leads to (path:line:column:name), one that leads\n"
-      "nowhere as !id. Control characters, backslashes and bytes that are no UTF-8 are printed as\n"
-      "\\xNN, and so is a ':' within a part of a key, or the first byte of a text that could be\n"
-      "taken for something else. `!integer 5` is a value of another type than its column has.");
+      "nowhere as !id. Control characters, those that turn text around or end a line, backslashes\n"
+      "and bytes that are no UTF-8 are printed as \\xNN, and so is a ':' within a part of a key,\n"
+      "or the first byte of a text that could be taken for something else. `!integer 5` is a\n"
+      "value of another type than its column has.");
   command->add_option("FILE", options->file, "The database file")->required();
   addTableOption(*command, options->table);
   command->add_flag("--json", options->json,
                     "One JSON object a line; texts and keys as they are printed without --json");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return dump(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return dump(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

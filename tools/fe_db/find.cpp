@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iostream>
 #include <limits>
 #include <memory>
 
@@ -70,9 +69,9 @@ int find(const FindOptions& options, const Question& question) {
     throw std::runtime_error(options.file + ": cannot be read to its end: " + failureOf(db) +
                              "; make the file anew or take a copy");
   }
-  if (db.getLeftOutReferences() != 0) {
-    std::cerr << "fe_db: " << options.file
-              << ": rows that lead to damaged ones were left out; fe_db check names them\n";
+  if (const unsigned long count = db.getLeftOutReferences() + search.passedOver; count != 0) {
+    report(options.file + ": damaged rows or references to them that were passed over: " +
+           std::to_string(count) + "; fe_db check names them");
   }
   std::vector<Finding>& findings = search.findings;
   std::stable_sort(findings.begin(), findings.end(), isBefore);
@@ -136,9 +135,8 @@ void addFind(CLI::App& program, Action& action) {
   json->excludes(sarif);
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, command, &action] {
-    action = [options, &question = checkedQuestion(*command, *options)] {
-      return find(*options, question);
-    };
+    const Question& question = checkedQuestion(*command, *options);
+    action = namingFiles(options->file, [options, &question] { return find(*options, question); });
   });
 }
 

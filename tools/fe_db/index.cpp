@@ -33,7 +33,7 @@ std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
 }
 
 int makeIndexes(const IndexOptions& options) {
-  checkMergeInput(options.file, options.waitSeconds);
+  checkWritable(options.file, options.waitSeconds);
   const std::set<std::string> known = indexTexts(options.file, options.waitSeconds);
   CompilationData data(options.file, "");
   CompilationDatabase& db = data.getCompDb();
@@ -62,7 +62,9 @@ void addIndex(CLI::App& program, Action& action) {
   command->add_option("FILE", options->file, "The database file")->required();
   command->add_flag("--drop", options->drop, "Remove them instead");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return makeIndexes(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return makeIndexes(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -2,14 +2,27 @@
 #include <sqlite3.h>
 
 #include <exception>
-#include <iostream>
+#include <new>
+#include <stdexcept>
+#include <utility>
 
+#include "canonical_text.h"
 #include "output.h"
 #include "standard_streams.h"
 #include "subcommands.h"
 #include "tables.h"
 
 namespace fe_db_tools {
+
+Action namingFiles(std::string files, Action action) {
+  return [files = std::move(files), action = std::move(action)] {
+    try {
+      return action();
+    } catch (const std::bad_alloc&) {
+      throw std::runtime_error(files + ": not enough memory; run it where there is more");
+    }
+  };
+}
 
 void addTableOption(CLI::App& command, std::string& table) {
   std::vector<std::string> names;
@@ -45,7 +58,7 @@ int run(int argc, char** argv) {
       "`fe_db SUBCOMMAND --help` tells more.\n"
       "Exit codes: 0 done, 1 a file failed, or a difference or damage was found, 2 wrong usage.");
   program.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return std::string("fe_db: ") + error.what() + "; see fe_db --help\n";
+    return "fe_db: " + printable(error.what()) + "; see fe_db --help\n";
   });
   Action action;
   addInit(program, action);
@@ -85,7 +98,7 @@ int main(int argc, char** argv) {
   } catch (const fe_db_tools::OutputClosed&) {
     return fe_db_tools::kFailed;
   } catch (const std::exception& error) {
-    std::cerr << "fe_db: " << error.what() << '\n';
+    fe_db_tools::report(error.what());
     return fe_db_tools::kFailed;
   }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "output.h"
 #include "read_only_file.h"
 
 namespace fe_db_tools {
@@ -10,10 +11,33 @@ namespace fe_db_tools {
 using orvalesca::databases_merger::CompilationDatabase;
 using orvalesca::databases_merger::CompilationDataMerger;
 
-void checkMergeInput(const std::string& path, int waitSeconds) {
-  const ReadOnlyFile file(path, waitSeconds);
-  if (!file.has(tableOf(TableId::type))) {
+namespace {
+
+ReadOnlyFile openCompilation(const std::string& path, int waitSeconds) {
+  ReadOnlyFile file(path, waitSeconds);
+  if (!file.isCompilation()) {
     throw std::runtime_error(path + ": it is a preprocessing database; give compilation databases");
+  }
+  return file;
+}
+
+}  // namespace
+
+void checkMergeInput(const std::string& path, int waitSeconds) {
+  openCompilation(path, waitSeconds);
+}
+
+void checkWritable(const std::string& path, int waitSeconds) {
+  openCompilation(path, waitSeconds).requireWritable();
+}
+
+void checkMergeTarget(const std::string& path, int waitSeconds) {
+  const ReadOnlyFile file = openCompilation(path, waitSeconds);
+  file.requireWritable();
+  if (const auto triggers =
+          file.number("SELECT count(*) FROM sqlite_schema WHERE type='trigger'")) {
+    report(path + ": triggers that do not run in a merge: " + std::to_string(triggers) +
+           "; what they keep up to date, a full-text index for instance, its owner has to rebuild");
   }
 }
 

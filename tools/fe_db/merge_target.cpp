@@ -36,7 +36,7 @@ MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(pa
     removedOnSignal_.emplace(newFile_->temporaryNames());
     newFile_->write(emptyCompilationDatabase(KeyIndexes::no));
   } else {
-    checkMergeInput(path_, waitSeconds);
+    checkMergeTarget(path_, waitSeconds);
   }
   merger_.emplace(isNew() ? newFile_->temporaryPath() : path_);
   db_ = &openMergeInput(*merger_, path_, waitSeconds);
