@@ -168,11 +168,10 @@ def read_options():
     parser.add_argument("--seed", type=int, default=1, help="of the first mutated database; each adds one")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="programs at a time")
     parser.add_argument("--keep", metavar="DIR", help="work there, and leave what the points left")
-    parser.add_argument("--programs", metavar="DIR", default="build/release/bin", help="programs to disturb")
-    parser.add_argument("--preload", type=pathlib.Path, default="build/release/lib/libfe_db_fault_points.so",
-                        help=argparse.SUPPRESS)
-    parser.add_argument("--sanitized", metavar="DIR", default="build/dev/bin",
-                        help="programs that get mutated databases")
+    parser.add_argument("--programs", metavar="DIR", type=pathlib.Path, default="build/release/bin",
+                        help="programs to disturb (default: build/release/bin)")
+    parser.add_argument("--sanitized", metavar="DIR", type=pathlib.Path, default="build/dev/bin",
+                        help="programs that get mutated databases (default: build/dev/bin)")
     # An option for the saving process, that plants a fault in it.
     parser.add_argument("--plant", nargs="*", default=[], help=argparse.SUPPRESS)
     options = parser.parse_args()
@@ -182,7 +181,10 @@ def read_options():
         parser.error("--every and --jobs begin at 1")
     if options.keep and pathlib.Path(options.keep).exists():
         parser.error(f"{options.keep} exists; give --keep a new name")
-    options.preload = options.preload.absolute()
+    options.preload = options.programs.absolute().parent / "lib/libfe_db_fault_points.so"
+    for needed in (options.preload, options.sanitized / "fe_db" if "mutants" in options.only else options.programs):
+        if not needed.exists():
+            parser.error(f"{needed} is missing; scripts/faults builds it")
     return options
 
 
