@@ -32,6 +32,8 @@ def spoil_bytes(path, chance):
     data = bytearray(path.read_bytes())
     page = chance.choice((1, 512, 32768))
     for _ in range(chance.choice((1, 1, 2, 8, 64))):
+        if not data:
+            break
         at = min(len(data) - 1, chance.randrange(len(data)) // page * page + chance.randrange(0, 120))
         kind = chance.randrange(6)
         if kind == 0:
@@ -106,14 +108,15 @@ def spoil(path, chance):
         spoil_bytes(path, chance)
 
 
-def is_sound(path):
+def health(programs, path):
+    """0 of a damaged file, 1 of one that SQLite finds nothing wrong with, 2 if `fe_db check` does not either."""
+    connection = sqlite3.connect(path)
     try:
-        connection = sqlite3.connect(path)
-        return connection.execute("PRAGMA integrity_check").fetchall() == [("ok",)]
+        is_sound = connection.execute("PRAGMA integrity_check").fetchall() == [("ok",)]
     except (sqlite3.Error, UnicodeError):
-        return False
-    finally:
-        connection.close()
+        is_sound = False
+    connection.close()
+    return is_sound + (is_sound and programs.run("fe_db", "check", path).code == 0)
 
 
 def commands_for(bad, good, new, chance):
@@ -128,7 +131,7 @@ def commands_for(bad, good, new, chance):
     return [(command, None) for command in reading] + writing
 
 
-def judge(command, result, before, after, written, was_sound):
+def judge(command, result, before, after, written):
     text = result.output + result.errors
     report = SANITIZER.search(text)
     if report:
@@ -136,15 +139,13 @@ def judge(command, result, before, after, written, was_sound):
     if result.code not in (0, 1):
         return f"ended with {result.code}: {result.errors.strip()[-300:]}"
     if UNPRINTABLE.search(text):
-        return f"prints {UNPRINTABLE.search(text).group(0)!r}: {UNPRINTABLE.split(text)[0][-200:]!r}"
+        return f"prints {UNPRINTABLE.search(text).group(0)!r} after {UNPRINTABLE.split(text)[0][-40:]!r}"
     if result.code == 1 and not text.strip():
         return "failed without a message"
     may_change = written is not None and (result.code == 0 or "--keep-going" in command or "tries=1" in command)
     if before != after and not may_change:
         changed = [name for name in before.keys() | after.keys() if before.get(name) != after.get(name)]
         return f"ended with {result.code} and changed {' '.join(sorted(os.path.basename(name) for name in changed))}"
-    if written is not None and result.code == 0 and was_sound and not is_sound(written):
-        return "ended with 0, and what it wrote is damaged"
     return None
 
 
@@ -157,14 +158,16 @@ def try_mutant(kit, programs, bases, seed):
     spoil(mutant, chance)
     place = directory / "try"
     found = {}  # what is wrong: the commands
+    health_before = health(programs, mutant)
     for command, written in commands_for(place / "bad.db", good, place / "new.db", chance):
         shutil.rmtree(place, ignore_errors=True)
         place.mkdir()
         shutil.copy(mutant, place / "bad.db")
-        was_sound = written is not None and (written.name == "new.db" or is_sound(place / "bad.db"))
         before = crash_model.contents_of(place)
         result = programs.run(*command, environment={"UBSAN_OPTIONS": "print_stacktrace=1"})
-        fault = judge(command, result, before, crash_model.contents_of(place), written, was_sound)
+        fault = judge(command, result, before, crash_model.contents_of(place), written)
+        if not fault and written and result.code == 0 and health(programs, written) < health_before:
+            fault = "ended with 0, and what it wrote is worse than what it was given"
         if fault:
             found.setdefault(fault.replace(f"{place}/", ""), []).append(" ".join(map(str, command[1:])))
     for fault, commands in found.items():
