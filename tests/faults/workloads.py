@@ -9,12 +9,12 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import sqlite3
 import subprocess
 import tempfile
-import threading
 
-KILLED = -9
+KILLED = -signal.SIGKILL
 ABSENT = "not there"
 
 
@@ -28,20 +28,21 @@ class Result:
 class Programs:
     def __init__(self, directory, scratch, plant):
         self.bin, self.scratch, self.plant = pathlib.Path(directory).absolute(), scratch, plant
-        self.states = {}
-        self.lock = threading.Lock()
+        self.states = {}  # by a hash of the file
 
-    def run(self, name, *arguments, cwd=None, environment=None):
+    def run(self, name, *arguments, environment=None):
         process = subprocess.Popen(
-            [str(self.bin / name), *map(str, arguments)], cwd=cwd, env=os.environ | (environment or {}),
+            [str(self.bin / name), *map(str, arguments)], env=os.environ | (environment or {}),
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
+        code = None
         try:
             output, errors = process.communicate(timeout=120)
+            code = process.returncode
         except subprocess.TimeoutExpired:
-            os.killpg(process.pid, 9)
+            os.killpg(process.pid, signal.SIGKILL)
             output, errors = process.communicate()
-            errors += b"\nthe kit: hung for two minutes"
-        return Result(process.returncode, output.decode(errors="replace"), errors.decode(errors="replace"))
+            errors += b" hung for two minutes"
+        return Result(code, output.decode(errors="replace"), errors.decode(errors="replace"))
 
     def make(self, name, *arguments, **options):
         """A run that prepares something; answers what it printed."""
