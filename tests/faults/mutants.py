@@ -169,7 +169,8 @@ def try_mutant(kit, programs, bases, seed):
         if not fault and written and result.code == 0 and health(programs, written) < health_before:
             fault = "ended with 0, and what it wrote is worse than what it was given"
         if fault:
-            found.setdefault(fault.replace(f"{place}/", ""), []).append(" ".join(map(str, command[1:])))
+            words = " ".join(map(str, command)).removeprefix("fe_db ")
+            found.setdefault(fault.replace(f"{place}/", ""), []).append(words)
     for fault, commands in found.items():
         text = "; ".join(commands).replace(f"{place}/", "").replace(f"{kit.scratch}/", "")
         kit.report(f"mutant {seed}: {fault}: {text}", f"--only mutants --seed {seed} --mutants 1")
