@@ -11,6 +11,7 @@ build_packages=(g++ cmake make ninja-build libsqlite3-dev "libboost-dev|libboost
                 nlohmann-json3-dev libgtest-dev libgmock-dev)
 # What the benchmarks need on top, and the report on instructions at the end of the tests.
 bench_packages=(libbenchmark-dev valgrind python3)
+fault_packages=(python3)  # the fault kit, which the tests run in part
 record_packages=(libclang-19-dev llvm-19-dev)
 record_fallback=(libclang-14-dev)
 
