@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "persistence/escaped_text.h"
+
 namespace fe_db_tools {
 
 /// Whatever comes from a file or a command line is printed through one of these: nothing in it can
@@ -20,6 +22,6 @@ void appendEscaped(std::string& out, std::string_view bytes, Colons colons);
 void appendFirstByteEscaped(std::string& out, std::string_view bytes, Colons colons);
 
 /// For messages and names of files: backslashes stay.
-std::string printable(std::string_view bytes);
+inline std::string printable(std::string_view bytes) { return persistence::escaped(bytes); }
 
 }  // namespace fe_db_tools
