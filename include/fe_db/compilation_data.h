@@ -298,9 +298,9 @@ class CompilationData {
   // elements have the row ids that they had before.
 
   /// Does nothing unless setPropagateMacroInfo or setDataNeededForDbLink was called. Rows that the
-  /// file already has are extended, not doubled. A further save writes elements that are new or have
-  /// counted something since the last one. After a failure it may be tried again, unless stored
-  /// counts had been read: then every further save is refused with a report.
+  /// file already has are extended, not doubled. A further save writes elements that are new or
+  /// have counted something since the last one. After a failure it may be tried again, unless
+  /// stored counts had been read: then every further save is refused with a report.
   FE_DB_EXPORT bool saveToCompDB();
   /// After a failure it may be tried again.
   FE_DB_EXPORT bool saveToPpDB();
@@ -345,7 +345,12 @@ class CompilationData {
   template <class T>
   void reserveElements(std::size_t count);
   template <class T>
-  T& takeElement(const T& element);
+  T& insertElement(const T& element);
+  Macro& insertMacro(const Macro& macro, Macro* ofName);
+  template <class T, class Key>
+  T* emplaceRow(const T& row, const Key& key, bool accumulate);
+  template <class T>
+  T* emplaceNamedRow(T row, IdentifierKind kind, bool accumulate);
   template <class T>
   T& emplaceNamed(Identifier* identifier, const Localization& localization, bool accumulate,
                   unsigned refCount);

@@ -33,10 +33,10 @@ class ExpectedElement {
     return nullptr;
   }
 
-  /// A search has found the element instead. Its place is known if its id tells it; what was
-  /// expected so far may still come: a name that an earlier header has used is a short detour.
+  /// A search has found the element instead. What was expected so far may still come: a name that
+  /// an earlier header has used is a short detour.
   void foundElsewhere(const T& element) {
-    const auto place = static_cast<std::size_t>(element.getId()) - 1;
+    const std::size_t place = element.getPlace();
     if (place >= order->size() || (*order)[place] != &element) return;
     resume = next;
     next = place + 1;

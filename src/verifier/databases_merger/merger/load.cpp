@@ -7,7 +7,7 @@ namespace orvalesca::databases_merger {
 /// The element that a row becomes, as it is: nothing counts it as a sight. Copying the row into the
 /// container costs one hash, where looking for it first and then emplacing costs two.
 template <class T>
-T* mergerImpl::takeRow(T& row) {
+T* mergerImpl::insertRow(T& row) {
   if constexpr (std::is_same_v<T, EnumConstant> || std::is_same_v<T, Label>) {
     if (row.getIdentifier()->getName().empty()) return nullptr;
   } else if constexpr (std::is_same_v<T, Function>) {
@@ -17,9 +17,9 @@ T* mergerImpl::takeRow(T& row) {
     identifier->setKind(identifier->getKind() | IdentifierKind::External);
   }
   if constexpr (std::is_same_v<T, Macro>) {
-    return dataset->emplaceFromDB(row, /*accumulate=*/false);  // macros of a name form a group
+    return dataset->emplaceFromDB(row, /*accumulate=*/false);
   } else {
-    return &dataset->takeElement(row);
+    return &dataset->insertElement(row);
   }
 }
 
@@ -43,7 +43,7 @@ void mergerImpl::loadTable() {
       database->enterInIdCache<T>(id, nullptr);
       continue;
     }
-    T* element = takeRow(row);
+    T* element = insertRow(row);
     if (element == nullptr) {
       nameless.note(id);
       continue;

@@ -34,7 +34,9 @@ class Arrivals {
 
   template <class T>
   T& note(T& element) {
-    of<T>().push_back(&element);
+    std::vector<T*>& order = of<T>();
+    element.setPlace(static_cast<unsigned>(order.size()));
+    order.push_back(&element);
     return element;
   }
 

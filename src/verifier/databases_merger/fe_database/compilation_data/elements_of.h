@@ -47,9 +47,9 @@ void CompilationData::reserveElements(std::size_t count) {
   arrivals->of<T>().reserve(elements.size() + count);
 }
 
-/// An element as it is, unless there is one with its key.
+/// An element as it is, unless there is one with its key; then that one.
 template <class T>
-T& CompilationData::takeElement(const T& element) {
+T& CompilationData::insertElement(const T& element) {
   arrivals->makeRoom<T>();
   const auto [place, isNew] = elementsOf<T>().insert(element);
   return isNew ? arrivals->note(mutableElement(*place)) : mutableElement(*place);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "fe_database/compilation_database/describe_table.h"
 #include "fe_database/compilation_database/named_queries.h"
 #include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_database/compilation_database/stored_rows.h"
@@ -30,10 +31,10 @@ constexpr char kQueueName[] = "ORVALESCA_TRANSACTIONS_QUEUE_NAME_FE";
 }  // namespace
 
 Tables::Tables(DatabaseKind kind) {
-  const bool hasAll = kind != DatabaseKind::Preprocessing;
-  Elements::each([&]<class T>() { describe(of<T>().description); });
-  CompilationOnlyElements::each([&]<class T>() {
-    if (!hasAll) of<T>().description.columns.clear();
+  Elements::each([&]<class T>() {
+    describe(of<T>().description);
+    const bool hasTable = kind != DatabaseKind::Preprocessing || PreprocessingElements::has<T>;
+    if (!hasTable) of<T>().description.columns.clear();
   });
   for (std::uint32_t statementKind = 0; statementKind < kStatementKinds; ++statementKind) {
     Elements::each([&]<class T>() {
@@ -193,26 +194,12 @@ void FrontendDatabase::truncate() {
   }
 }
 
-namespace {
-
-/// The column whose values are the row ids; tables without one have those of SQLite.
-template <class T>
-std::string rowIdColumn(const TableDescription<T>& table) {
-  for (const auto& [column, field] : table.columns) {
-    if (column.isPrimaryKey()) return column.getName();
-  }
-  return "rowid";
-}
-
-}  // namespace
-
 template <class T>
 bool FrontendDatabase::holdsJust(std::size_t rows) {
-  const TableDescription<T>& description = tables->of<T>().description;
+  const std::string table = TableColumns<T>::kName, idColumn = idColumnOf<T>();
   // A column that is no alias of the row id was given no value by any insert.
-  const std::string sql = "SELECT (SELECT count(*) FROM " + description.name +
-                          "), EXISTS (SELECT 1 FROM " + description.name + " WHERE " +
-                          rowIdColumn(description) + " IS NULL)";
+  const std::string sql = "SELECT (SELECT count(*) FROM " + table + "), EXISTS (SELECT 1 FROM " +
+                          table + " WHERE " + idColumn + " IS NULL)";
   sqlite3_stmt* statement = nullptr;
   sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
   std::string reason;
@@ -222,11 +209,11 @@ bool FrontendDatabase::holdsJust(std::size_t rows) {
              found != rows) {
     reason = std::to_string(rows) + " rows were written and it holds " + std::to_string(found);
   } else if (sqlite3_column_int(statement, 1) != 0) {
-    reason = rowIdColumn(description) + " is no INTEGER PRIMARY KEY: the ids are lost";
+    reason = idColumn + " is no INTEGER PRIMARY KEY: the ids are lost";
   }
   sqlite3_finalize(statement);
   if (reason.empty()) return true;
-  noteFailedWrite(description.name, reason);
+  noteFailedWrite(table, reason);
   persistence::reportMessage("%s: table %s: %s", getPath().c_str(), tableName<T>(), reason.c_str());
   return false;
 }
