@@ -31,13 +31,16 @@ class MacroExpansion : public LocatedElement {
   std::uint32_t getPpColumn() const { return ppColumn; }
   void setPpColumn(std::uint32_t column) { ppColumn = column; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementRows;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   std::string expandedCode;
   std::string macroCall;
   std::uint32_t ppLine = 0;

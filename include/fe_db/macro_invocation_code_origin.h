@@ -37,13 +37,16 @@ class MacroInvocationCodeOrigin : public LocatedElement {
   const std::string& getTokenString() const { return tokenString; }
   void setTokenString(const std::string& token) { tokenString = token; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementRows;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   MacroInvocation* invocation = nullptr;
   std::uint32_t offset = 0;
   std::uint32_t endOffset = 0;

@@ -59,7 +59,7 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
 
   /// Whether the report of a failed bind is followed by the statement with its values; true at
   /// first.
-  void tellStatementAtBind(bool on) { tellsStatement = on; }
+  void reportStatementAtBind(bool on) { reportsStatement = on; }
 
   /// Code of the last step, exec or run.
   int result() const { return lastResult; }
@@ -79,7 +79,7 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
   ConnectionState* state = nullptr;
   int lastResult = 0;
   int parameter = 0;
-  bool tellsStatement = true;
+  bool reportsStatement = true;
   bool compilationFailed = false;
 };
 

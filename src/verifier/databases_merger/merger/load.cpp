@@ -39,7 +39,7 @@ void mergerImpl::loadTable() {
     if (id == 0) break;
     if (!canBeMerged(row)) {
       leftOut.note(id);
-      database->noteLeftOutRow<T>();
+      database->noteLeftOutRow(TableColumns<T>::kName);
       database->enterInIdCache<T>(id, nullptr);
       continue;
     }
@@ -50,7 +50,7 @@ void mergerImpl::loadTable() {
     }
     if (database->getLeftOutReferences() != lostBefore) {
       withoutReference.note(id);
-      database->noteLostReference<T>();
+      database->noteLostReference(TableColumns<T>::kName);
     }
     element->setId(id);
     database->enterInIdCache(id, element);

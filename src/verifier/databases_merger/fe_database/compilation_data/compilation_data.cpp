@@ -17,10 +17,10 @@ CompilationData::CompilationData(std::string_view compilationPath,
       arrivals(std::make_unique<Arrivals>()),
       macroGroups(std::make_unique<MacroGroups>()) {
   if (!compilationPath.empty()) {
-    compDb = std::make_unique<CompilationDatabase>(compilationPath, this);
+    compDb.reset(new CompilationDatabase(compilationPath, this));
   }
   if (!preprocessingPath.empty()) {
-    ppDb = std::make_unique<PreprocessingDatabase>(preprocessingPath, this);
+    ppDb.reset(new PreprocessingDatabase(preprocessingPath, this));
   }
 }
 
@@ -92,7 +92,7 @@ File& CompilationData::emplaceFile(std::string_view path, FileKind kind,
 Identifier* CompilationData::emplaceIdentifier(std::string_view name, IdentifierKind kind,
                                                bool accumulate, unsigned count) {
   if (Identifier* known = findElement(identifiers, name)) {
-    if (accumulate) known->addSight(kind, count);
+    if (accumulate) known->addOccurrence(kind, count);
     return known;
   }
   return &addElement<Identifier>(name, kind, count);

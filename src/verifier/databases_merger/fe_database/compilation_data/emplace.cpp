@@ -272,7 +272,7 @@ File* CompilationData::emplaceFromDB(const File& row, bool) {
 Identifier* CompilationData::emplaceFromDB(const Identifier& row, bool accumulate) {
   Identifier* known = findElement(identifiers, std::string_view(row.getName()));
   if (known == nullptr) return &asNew(addElement<Identifier>(row));
-  if (accumulate) known->addSight(row.getKind(), row.getCount());
+  if (accumulate) known->addOccurrence(row.getKind(), row.getCount());
   return known;
 }
 

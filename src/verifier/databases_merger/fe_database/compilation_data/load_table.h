@@ -23,7 +23,7 @@ void CompilationData::loadTable(FrontendDatabase& db, const std::function<bool(T
     if (filter && !filter(row)) continue;
     if (!canBecomeElement(row, db.getLeftOutReferences() != leftOutReferences)) {
       leftOut.note(id);
-      db.noteLeftOutRow<T>();
+      db.noteLeftOutRow(TableColumns<T>::kName);
       db.enterInIdCache<T>(id, nullptr);
       continue;
     }
