@@ -7,7 +7,7 @@
 
 namespace fe_db_tools {
 
-/// What open() gave; closed in the end. Leaves `errno` alone.
+/// A file descriptor, closed on destruction. Does not change `errno`.
 class Descriptor {
  public:
   Descriptor() = default;

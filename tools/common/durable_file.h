@@ -5,16 +5,16 @@
 
 namespace fe_db_tools {
 
-// Each answers false, with `errno`, when it fails.
+// Each returns false, with `errno`, on failure.
 
-/// Writes a file that is not there yet. Not synchronised.
+/// Writes a file that does not exist yet. Not synchronised.
 bool writeFile(const std::string& path, std::string_view bytes);
 
-/// When this has succeeded, a power failure cannot take the content any more. It can take the name.
+/// After success the content survives a power failure. The name may still be lost.
 bool syncFile(const std::string& path);
 
 /// The same for the names in a directory: those made, changed and removed. A file system that
-/// cannot do this is left to its own order: only a failing disk counts as a failure.
+/// cannot do this keeps its own order: only a disk error counts as a failure.
 bool syncDirectory(const std::string& directory);
 
 /// The directory that has the name `path`.

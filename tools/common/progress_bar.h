@@ -6,7 +6,7 @@
 
 namespace fe_db_tools {
 
-/// A line on standard error with what is done and the time left. Nothing when that is no terminal.
+/// A line on standard error with the progress and the time left. Nothing if that is not a terminal.
 class ProgressBar {
  public:
   explicit ProgressBar(std::size_t total);
@@ -14,7 +14,7 @@ class ProgressBar {
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  /// `note` is what there is to say beside the number.
+  /// `note` is printed after the number.
   void show(std::size_t done, const std::string& note = {});
   /// Before anything else is printed.
   void clear();

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
+
 #include "fe_db/kinds.h"
 
-/// What the numbers of the stored kinds mean when this front end writes them. DO NOT CHANGE a
-/// value: older files hold it.
+/// The values of the stored kinds that fe_db_record writes and fe_db knows by name. DO NOT CHANGE a
+/// value: older files contain it.
 namespace fe_db_tools::kinds {
 
 namespace dm = orvalesca::databases_merger;
@@ -22,15 +24,24 @@ inline constexpr dm::TypeKind kStruct = dm::TypeKind::Tagged64;
 inline constexpr dm::TypeKind kUnion = dm::TypeKind::Tagged128;
 inline constexpr dm::TypeKind kClass = dm::TypeKind::Tagged256;
 inline constexpr dm::TypeKind kTypedef = dm::TypeKind::Named512;
+inline constexpr dm::TypeKind kTagged[] = {kEnum, kStruct, kUnion, kClass};
 
 inline constexpr dm::LinkageKind kNoLinkage = dm::LinkageKind::None;
 inline constexpr dm::LinkageKind kExternalLinkage = dm::LinkageKind::External;
 inline constexpr dm::LinkageKind kInternalLinkage{2};
 
+inline constexpr dm::EffectKind kNoEffect = dm::EffectKind::NoEffect;
 inline constexpr dm::EffectKind kHasEffects{1};
+inline constexpr dm::EffectKind kUnknownEffect = dm::EffectKind::Unknown;
 
-/// Columns that tell the origin of what stands in no file.
+/// Columns that give the origin of a macro without a file.
 inline constexpr unsigned kCommandLineColumn = 1;
 inline constexpr unsigned kPredefinedColumn = 3;
+
+/// The number that is stored for a kind.
+template <class Kind>
+constexpr std::uint32_t numberOf(Kind kind) {
+  return static_cast<std::uint32_t>(kind);
+}
 
 }  // namespace fe_db_tools::kinds

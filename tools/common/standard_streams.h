@@ -4,7 +4,7 @@ namespace fe_db_tools {
 
 /// Opens a placeholder on each of the descriptors 0 to 2 that the program was started without.
 /// Otherwise the next file to be opened, a database say, would get that descriptor, and whatever is
-/// printed later would be written into it. To be called before anything opens a file.
+/// printed later would be written into it. Call it before anything opens a file.
 ///
 /// Reading standard input and writing standard output fail on a placeholder, as they do without it:
 /// results that nobody gets are no success. Messages on standard error are dropped. A program that

@@ -8,11 +8,11 @@
 
 namespace fe_db_tools {
 
-/// Where a product, one file or several, is built before it gets its name: a directory beside it,
-/// ".NAME.fe_db-new". Everything in it has a name that begins with "fe_db-"; what does not, or
-/// another thing of the directory's name, was made by somebody else and is never touched. So a
+/// Where a product, one file or several, is built before it gets its name: a directory next to it,
+/// ".NAME.fe_db-new". Everything in it has a name that begins with "fe_db-"; other files, or
+/// another kind of file of the directory's name, are foreign and never changed. So a
 /// killed run's leftover is recognised by names alone, whatever a power failure has left of the
-/// contents. The directory is locked while the object lives, and goes away with it.
+/// contents. The directory is locked while the object lives, and is removed with it.
 class WorkDirectory {
  public:
   static constexpr int kPatient = 1'000'000;
@@ -26,14 +26,14 @@ class WorkDirectory {
 
   /// The path of a file in the directory of this product, which need not be there yet.
   static std::string pathOf(const std::string& product, const std::string& ending = "");
-  /// The name of the product that a directory of this name is for; empty when the name is another.
+  /// The name of the product that a directory of this name is for; empty for other names.
   static std::string productNameOf(const std::string& directoryName);
 
-  /// For a run that finds the product made: removes what a killed run has left. What is in use, or
-  /// somebody else's, is not in the way then and stays.
+  /// For a run that finds the product complete: removes the leftovers of a killed run. What is in
+  /// use, or foreign, does no harm then and is kept.
   static void removeLeftover(const std::string& product);
 
-  /// All that is there while a database is built, in an order in which it can be removed.
+  /// All files that exist while a database is built, in an order in which it can be removed.
   std::vector<std::string> contents() const;
 
  private:

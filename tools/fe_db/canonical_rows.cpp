@@ -8,7 +8,7 @@
 namespace fe_db_tools {
 namespace {
 
-/// What the SQL function of one table holds: the query, and the line that it builds.
+/// State of the SQL function of one table: the query, and the line that it builds.
 struct LineFunction {
   explicit LineFunction(const Table& table) : query(table) {}
   LineQuery query;

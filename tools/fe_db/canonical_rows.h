@@ -12,9 +12,9 @@ class CanonicalRows {
  public:
   CanonicalRows(const ReadOnlyFile& file, const Table& table);
 
-  /// Goes on to the next line, at first to the first one; false behind the last.
+  /// Moves to the next line, first to the first one; false after the last.
   bool next();
-  /// REQUIRES: the last next() answered true. Good until the next call of it.
+  /// REQUIRES: the last next() returned true. Valid until the next call of it.
   std::string_view line() const { return line_; }
 
  private:

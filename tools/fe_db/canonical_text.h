@@ -8,7 +8,7 @@
 namespace fe_db_tools {
 
 /// Whatever comes from a file or a command line is printed through one of these: nothing in it can
-/// move the cursor, turn the text around or begin a line. Control characters, bytes that are no
+/// move the cursor, reverse the text or begin a line. Control characters, bytes that are no
 /// UTF-8, the bidirectional controls and the line separators of Unicode become `\xNN`, byte by
 /// byte.
 
@@ -18,7 +18,7 @@ namespace fe_db_tools {
 enum class Colons { plain, escaped };
 void appendEscaped(std::string& out, std::string_view bytes, Colons colons);
 
-/// The same, with the first byte as `\xNN` whatever it is.
+/// The same, with the first byte always as `\xNN`.
 void appendFirstByteEscaped(std::string& out, std::string_view bytes, Colons colons);
 
 /// For messages and names of files: backslashes stay.

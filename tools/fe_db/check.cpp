@@ -36,17 +36,17 @@ std::string jsonOf(const Remark& remark, const Table* table) {
 }
 
 int check(const CheckOptions& options) {
-  const ReadOnlyFile file(options.file, options.waitSeconds, Gaps::accepted);
-  bool good = true;
-  const auto tell = [&](const Table* table, const std::vector<Remark>& remarks) {
+  const ReadOnlyFile file(options.file, options.waitSeconds, MissingSchema::accepted);
+  bool isSound = true;
+  const auto report = [&](const Table* table, const std::vector<Remark>& remarks) {
     for (const Remark& remark : remarks) {
-      good &= remark.isNote;
+      isSound &= remark.isNote;
       print(options.json ? jsonOf(remark, table) : textOf(remark, options.file, table));
     }
   };
-  checkFile(file, tell);
-  if (!options.text.empty()) checkText(file, options.text, tell);
-  return good ? kDone : kFailed;
+  checkFile(file, report);
+  if (!options.text.empty()) checkText(file, options.text, report);
+  return isSound ? kDone : kFailed;
 }
 
 }  // namespace

@@ -9,9 +9,9 @@
 namespace fe_db_tools {
 namespace {
 
-/// The kinds of an external identifier tell the table of its entity; -1 is no entity.
+/// The kind of an external identifier determines the table of its entity; -1 is no entity.
 constexpr TableId kEntityTables[] = {TableId::variable, TableId::function};
-/// The bits of Identifier.Kind, from the lowest on, tell which tables have a row of the name.
+/// The bits of Identifier.Kind, from the lowest on, say which tables have a row with the name.
 constexpr TableId kNameTables[] = {TableId::type,
                                    TableId::function,
                                    TableId::variable,
@@ -21,7 +21,7 @@ constexpr TableId kNameTables[] = {TableId::type,
                                    TableId::field,
                                    TableId::label};
 
-/// A merge rewrites what the rows of these lead to, and leaves their ids as they are.
+/// A merge rewrites the rows that these tables reference, and keeps the old ids in them.
 constexpr bool isMacroUse(const Table& table) {
   return table.id == TableId::macroInvocation || table.id == TableId::macroInvocationCodeOrigin ||
          table.id == TableId::macroExpansion;
@@ -29,15 +29,15 @@ constexpr bool isMacroUse(const Table& table) {
 
 std::string operator+(std::string left, std::string_view right) { return left.append(right); }
 
-/// Calls read(); answers the damage that ended it. Any other failure goes on to the caller.
+/// Calls read(); returns the damage that ended it. Any other failure is thrown to the caller.
 template <class Read>
-std::optional<Remark> damageMetBy(Read&& read) {
+std::optional<Remark> damageFoundBy(Read&& read) {
   try {
     read();
     return std::nullopt;
   } catch (const ReadError& error) {
     const int code = error.code & 0xff;
-    // A plain error is a table of another make, for instance without row ids.
+    // A plain error is a table with another schema, for instance without row ids.
     if (code != SQLITE_CORRUPT && code != SQLITE_ERROR && code != SQLITE_TOOBIG) throw;
     return Remark{false, std::nullopt, "the check is incomplete: " + printable(error.reason)};
   }
@@ -58,7 +58,7 @@ class RowIds {
   }
 
   std::size_t count() const { return count_; }
-  /// How many rows stand before the one of this id; nothing when there is no such row.
+  /// How many rows come before the one of this id; nothing if there is no such row.
   std::optional<std::size_t> find(sqlite3_int64 id) const {
     auto run = std::upper_bound(runs_.begin(), runs_.end(), id,
                                 [](sqlite3_int64 one, const Run& r) { return one < r.first; });
@@ -74,7 +74,7 @@ class RowIds {
   std::vector<Run> runs_;
   std::size_t count_ = 0;
 };
-/// Of the tables that references lead to, read when first needed; none of what cannot be read.
+/// Of referenced tables, read when first needed; nothing for those that cannot be read.
 using IdsOfTables = std::map<TableId, std::optional<RowIds>>;
 
 class TableCheck {
@@ -116,10 +116,10 @@ class TableCheck {
 
 std::vector<Remark> TableCheck::run() {
   if (!file_.hasColumn(table_, rowId_)) return {};
-  std::optional<Remark> damage = damageMetBy([&] { checkLayout(); });
-  if (auto more = damageMetBy([&] { checkRows(); }); !damage) damage = std::move(more);
-  if (auto more = damageMetBy([&] { checkKeys(); }); !damage) damage = std::move(more);
-  if (auto more = damageMetBy([&] { checkNameBits(); }); !damage) damage = std::move(more);
+  std::optional<Remark> damage = damageFoundBy([&] { checkLayout(); });
+  if (auto more = damageFoundBy([&] { checkRows(); }); !damage) damage = std::move(more);
+  if (auto more = damageFoundBy([&] { checkKeys(); }); !damage) damage = std::move(more);
+  if (auto more = damageFoundBy([&] { checkNameBits(); }); !damage) damage = std::move(more);
   if (damage) remarks_.push_back(*damage);
   if (danglingAfterMerge_ > 0) {
     const bool isOne = danglingAfterMerge_ == 1;
@@ -140,7 +140,7 @@ const RowIds* TableCheck::idsOf(TableId id) {
   const auto [at, isNew] = ids_.try_emplace(id);
   std::optional<RowIds>& ids = at->second;
   if (isNew && file_.hasColumn(table, table.rowId)) {
-    damageMetBy([&] { ids.emplace(file_, table); });  // told when that table is checked
+    damageFoundBy([&] { ids.emplace(file_, table); });  // reported when that table is checked
   }
   return ids ? &*ids : nullptr;
 }
@@ -227,7 +227,7 @@ void TableCheck::checkKeys() {
   }
   if (columns.empty()) return;
   const std::string rows = std::string(table_.name) + " NOT INDEXED" + condition;
-  // Which rows they are costs three times as much as that there are none.
+  // Finding the rows costs three times as much as finding that there are none.
   if (!file_.step(file_.prepare("SELECT 1 FROM " + rows + " GROUP BY " + columns +
                                 " HAVING count(*)>1 LIMIT 1"))) {
     return;
@@ -246,16 +246,16 @@ void TableCheck::checkNameBits() {
   if (table_.id != TableId::identifier || !file_.hasColumn(table_, "Kind")) return;
   const RowIds* names = idsOf(TableId::identifier);
   if (names == nullptr) return;
-  std::vector<std::uint8_t> borne(names->count());
-  int judged = 0, bit = 1;
-  for (const TableId bearer : kNameTables) {
-    bool isJudged = false;
-    damageMetBy([&] {  // told when that table is checked
-      isJudged = eachName(tableOf(bearer), [&](sqlite3_int64 id) {
-        if (const auto name = names->find(id)) borne[*name] |= bit;
+  std::vector<std::uint8_t> expected(names->count());
+  int checked = 0, bit = 1;
+  for (const TableId owner : kNameTables) {
+    bool isChecked = false;
+    damageFoundBy([&] {  // reported when that table is checked
+      isChecked = eachName(tableOf(owner), [&](sqlite3_int64 id) {
+        if (const auto name = names->find(id)) expected[*name] |= bit;
       });
     });
-    if (isJudged) judged |= bit;
+    if (isChecked) checked |= bit;
     bit *= 2;
   }
   const Statement stored = file_.prepare(
@@ -263,11 +263,12 @@ void TableCheck::checkNameBits() {
   while (file_.step(stored)) {
     const sqlite3_int64 id = sqlite3_column_int64(stored.get(), 0);
     const int kind = sqlite3_column_int(stored.get(), 1);
-    if (const auto name = names->find(id)) addNameBits(id, kind, (kind ^ borne[*name]) & judged);
+    if (const auto name = names->find(id))
+      addNameBits(id, kind, (kind ^ expected[*name]) & checked);
   }
 }
 
-/// Calls visit(id) for each reference to a name. False when the file lacks the table.
+/// Calls visit(id) for each reference to a name. False if the file lacks the table.
 template <class Visit>
 bool TableCheck::eachName(const Table& table, Visit&& visit) const {
   bool isThere = false;
@@ -283,19 +284,19 @@ bool TableCheck::eachName(const Table& table, Visit&& visit) const {
 
 void TableCheck::addNameBits(sqlite3_int64 id, int stored, int wrong) {
   int bit = 1;
-  for (const TableId bearer : kNameTables) {
-    const char* said =
+  for (const TableId owner : kNameTables) {
+    const char* found =
         (stored & bit) != 0 ? " is set, but no row of " : " is not set, but a row of ";
     if ((wrong & bit) != 0) {
       add(id,
-          "bit " + std::to_string(bit) + " of Kind" + said + tableOf(bearer).name + " has the name",
+          "bit " + std::to_string(bit) + " of Kind" + found + tableOf(owner).name + " has the name",
           /*isNote=*/true);
     }
     bit *= 2;
   }
 }
 
-/// What the integrity check says in one row may be several lines, of any bytes.
+/// One row of the integrity check may be several lines, of any bytes.
 void addLines(std::vector<Remark>& remarks, const std::string& text) {
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
@@ -307,7 +308,7 @@ void addLines(std::vector<Remark>& remarks, const std::string& text) {
 
 std::vector<Remark> checkWhole(const ReadOnlyFile& file) {
   std::vector<Remark> remarks;
-  const auto damage = damageMetBy([&] {
+  const auto damage = damageFoundBy([&] {
     const Statement integrity = file.prepare("PRAGMA integrity_check");
     while (file.step(integrity)) {
       const auto* text = sqlite3_column_text(integrity.get(), 0);
@@ -318,16 +319,16 @@ std::vector<Remark> checkWhole(const ReadOnlyFile& file) {
   if (const sqlite3_int64 size = file.number("PRAGMA page_size"); size != 32768) {
     addLines(remarks, "the page size is " + std::to_string(size) + " bytes, not 32768");
   }
-  for (const std::string& gap : file.findGaps()) addLines(remarks, gap);
+  for (const std::string& missing : file.findMissingSchema()) addLines(remarks, missing);
   return remarks;
 }
 
 }  // namespace
 
-void checkFile(const ReadOnlyFile& file, const Tell& tell) {
-  tell(nullptr, checkWhole(file));
+void checkFile(const ReadOnlyFile& file, const Reporter& report) {
+  report(nullptr, checkWhole(file));
   IdsOfTables ids;
-  for (const Table& table : file.tables()) tell(&table, TableCheck(file, table, ids).run());
+  for (const Table& table : file.tables()) report(&table, TableCheck(file, table, ids).run());
 }
 
 }  // namespace fe_db_tools

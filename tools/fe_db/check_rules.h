@@ -10,18 +10,18 @@
 
 namespace fe_db_tools {
 
-/// What check has to say.
+/// One result of a check.
 struct Remark {
   bool isNote;                       ///< otherwise a finding: damage
   std::optional<sqlite3_int64> row;  ///< its id, unless the whole table or file is meant
   std::string reason;
 };
 
-/// Calls tell(null, what there is to say of the file as a whole), then tell(table, ...) for each
-/// table in table order, by row id. Looks at what is there: rules that need missing tables or
-/// columns are left out, and a table that cannot be read to its end is a finding. Throws what else
-/// ReadOnlyFile throws.
-using Tell = std::function<void(const Table*, const std::vector<Remark>&)>;
-void checkFile(const ReadOnlyFile& file, const Tell& tell);
+/// Calls report(null, the results for the file as a whole), then report(table, ...) for each table
+/// in table order, by row id. Checks what exists: rules that need missing tables or columns are
+/// skipped, and a table that cannot be read to its end is a finding. Throws other failures of
+/// ReadOnlyFile.
+using Reporter = std::function<void(const Table*, const std::vector<Remark>&)>;
+void checkFile(const ReadOnlyFile& file, const Reporter& report);
 
 }  // namespace fe_db_tools

@@ -27,7 +27,7 @@ class PreprocessedText {
     }
   }
 
-  /// What stands there; shorter, or empty, when the line ends before.
+  /// The text there; shorter, or empty, if the line ends before.
   std::string_view slice(sqlite3_int64 line, sqlite3_int64 column, std::size_t length) const {
     if (line < 1 || line > static_cast<sqlite3_int64>(starts_.size()) || column < 1) return {};
     const std::size_t start = starts_[static_cast<std::size_t>(line - 1)];
@@ -42,8 +42,8 @@ class PreprocessedText {
   std::vector<std::size_t> starts_;
 };
 
-/// Row id, line, first column, the column behind the last (NULL: where the text ends), and what
-/// has to stand there.
+/// Row id, line, first column, the column after the last (NULL: where the text ends), and the
+/// expected text.
 constexpr char kExpansions[] =
     "SELECT rowid, PpLineNum, PpColNum, NULL, ExpandedCode FROM MacroExpansion";
 constexpr char kTokens[] =
@@ -79,10 +79,10 @@ std::vector<Remark> misplaced(const ReadOnlyFile& file, const PreprocessedText& 
 
 }  // namespace
 
-void checkText(const ReadOnlyFile& file, const std::string& textPath, const Tell& tell) {
+void checkText(const ReadOnlyFile& file, const std::string& textPath, const Reporter& report) {
   const PreprocessedText text(textPath);
-  tell(&tableOf(TableId::macroInvocationCodeOrigin), misplaced(file, text, kTokens));
-  tell(&tableOf(TableId::macroExpansion), misplaced(file, text, kExpansions));
+  report(&tableOf(TableId::macroInvocationCodeOrigin), misplaced(file, text, kTokens));
+  report(&tableOf(TableId::macroExpansion), misplaced(file, text, kExpansions));
 }
 
 }  // namespace fe_db_tools

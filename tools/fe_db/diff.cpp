@@ -20,7 +20,7 @@ void printDifference(char side, std::string_view line) {
   print("\n");
 }
 
-/// Walks two sorted streams. A row that stands three times on one side and once on the other is
+/// Walks two sorted streams. A row that occurs three times on one side and once on the other is
 /// two differences.
 bool tablesDiffer(const ReadOnlyFile& leftFile, const ReadOnlyFile& rightFile, const Table& table) {
   CanonicalRows left(leftFile, table);

@@ -15,7 +15,7 @@ struct DumpOptions {
   int waitSeconds = kDefaultWaitSeconds;
 };
 
-/// A value as it stands in a line. Numbers, zero references and NULL are themselves in JSON.
+/// A value as in a line. Numbers, zero references and NULL are themselves in JSON.
 void appendJsonValue(std::string& out, ColumnKind kind, std::string_view value) {
   const bool isReference = kind == ColumnKind::reference || kind == ColumnKind::entity;
   const bool isNumber = kind == ColumnKind::number
@@ -30,7 +30,7 @@ void appendJsonValue(std::string& out, ColumnKind kind, std::string_view value) 
   }
 }
 
-/// Values hold no tab, so a line falls apart at the tabs and at the first '=' of each piece.
+/// Values hold no tab, so a line splits at the tabs and at the first '=' of each piece.
 void appendJson(std::string& out, const Table& table, std::string_view line) {
   out += "{\"table\":\"";
   out += table.name;

@@ -6,6 +6,7 @@
 #include "find_questions.h"
 #include "merge_input.h"
 #include "output.h"
+#include "record_kinds.h"
 #include "subcommands.h"
 
 namespace fe_db_tools {
@@ -34,7 +35,7 @@ std::string unknownWord(const Question& question, const std::string& word) {
   return "unknown kind \"" + word + "\" (" + kinds + ')';
 }
 
-/// The question, once it is sure that everything given belongs to it.
+/// The question, after checking that it takes all given arguments and options.
 const Question& checkedQuestion(const CLI::App& command, FindOptions& options) {
   const auto refuse = [&](const std::string& why) {
     throw CLI::ValidationError("find", options.question + ": " + why);
@@ -79,7 +80,7 @@ int find(const FindOptions& options, const Question& question) {
     throw std::runtime_error(options.file + ": cannot be read to its end: " + failureOf(db) +
                              "; create the file again or restore a copy");
   }
-  if (const unsigned long count = db.getLeftOutReferences() + search.passedOver; count != 0) {
+  if (const unsigned long count = db.getLeftOutReferences() + search.skipped; count != 0) {
     report(options.file + ": damaged rows and references to them, skipped: " +
            std::to_string(count) + "; fe_db check lists them");
   }
@@ -136,8 +137,10 @@ void addFind(CLI::App& program, Action& action) {
   command
       ->add_option("--linkage", filter.linkage,
                    "Only this linkage: none, external, internal or a number")
-      ->transform(CLI::Transformer(
-          std::map<std::string, std::uint32_t>{{"none", 0}, {"external", 1}, {"internal", 2}}));
+      ->transform(CLI::Transformer(std::map<std::string, std::uint32_t>{
+          {"none", kinds::numberOf(kinds::kNoLinkage)},
+          {"external", kinds::numberOf(kinds::kExternalLinkage)},
+          {"internal", kinds::numberOf(kinds::kInternalLinkage)}}));
   command->add_flag("--defined", filter.defined, "Only definitions; for types, complete ones");
   command->add_option("--file", filter.fileGlob,
                       "Only in files whose path matches; * also matches /");

@@ -47,7 +47,7 @@ std::string uriOf(std::string_view path) {
 
 Json resultOf(const Finding& finding, std::string_view question) {
   const Rule& rule = ruleOf(finding, question);
-  const std::string what = std::string(kindOf(finding)) + ' ' + shown(nameOf(finding));
+  const std::string what = std::string(kindOf(finding)) + ' ' + escaped(nameOf(finding));
   Json result = {{"ruleId", rule.id},
                  {"level", question == "long-names" ? "note" : "warning"},
                  {"message", {{"text", what + ": " + rule.description}}}};
@@ -66,31 +66,31 @@ Json resultOf(const Finding& finding, std::string_view question) {
 void printText(std::span<const Finding> findings) {
   for (const Finding& finding : findings) {
     const auto& [file, line, column, wildcard] = positionOf(finding);
-    std::string said;
+    std::string text;
     const Json attributes = attributesOf(finding);
     for (const auto& [name, value] : attributes.items()) {
       if (value.is_boolean() && !value.get<bool>()) continue;
-      said += (said.empty() ? " [" : " ") + name;
-      if (value.is_string()) said += '=' + value.get<std::string>();
-      if (value.is_number()) said += '=' + value.dump();
+      text += (text.empty() ? " [" : " ") + name;
+      if (value.is_string()) text += '=' + value.get<std::string>();
+      if (value.is_number()) text += '=' + value.dump();
     }
-    print((file == nullptr ? "-" : shown(file->getPath())) + ':' + std::to_string(line) + ':' +
+    print((file == nullptr ? "-" : escaped(file->getPath())) + ':' + std::to_string(line) + ':' +
           std::to_string(column) + ": " + std::string(kindOf(finding)) + ' ' +
-          shown(nameOf(finding)) + (said.empty() ? "\n" : said + "]\n"));
+          escaped(nameOf(finding)) + (text.empty() ? "\n" : text + "]\n"));
   }
 }
 
 void printJson(std::span<const Finding> findings) {
   for (const Finding& finding : findings) {
     const auto& [file, line, column, wildcard] = positionOf(finding);
-    Json object = {{"path", file == nullptr ? Json() : Json(shown(file->getPath()))},
+    Json object = {{"path", file == nullptr ? Json() : Json(escaped(file->getPath()))},
                    {"line", line},
                    {"column", column},
                    {"kind", kindOf(finding)},
-                   {"name", shown(nameOf(finding))}};
+                   {"name", escaped(nameOf(finding))}};
     if (const auto* call = std::get_if<const dm::CallPoint*>(&finding)) {
-      object["caller"] = shown(nameOf((*call)->getCaller()));
-      object["callee"] = shown(nameOf((*call)->getCallee()));
+      object["caller"] = escaped(nameOf((*call)->getCaller()));
+      object["callee"] = escaped(nameOf((*call)->getCallee()));
     }
     object.update(attributesOf(finding));
     print(object.dump() + '\n');

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "fe_db/compilation_database.h"
+#include "record_kinds.h"
 
 namespace fe_db_tools {
 namespace {
@@ -13,11 +14,11 @@ using dm::CompilationData;
 using dm::IdentifierKind;
 using Names = std::vector<std::string>;
 
-// --- The program's own questions to the file, where the library has none.
+// --- The program's own queries, where the library has none.
 
 using Parameter = std::variant<std::monostate, long long, std::string>;
 
-/// REQUIRES: `visit` does not ask the same. A question is compiled once.
+/// REQUIRES: `visit` does not run the same query. A query is compiled once.
 template <class Visit>
 void eachRow(Search& search, const char* sql, const Parameter& parameter, Visit&& visit) {
   Statement& statement = search.statements[sql];
@@ -45,14 +46,27 @@ Names names(Search& search, const char* sql, const Parameter& parameter = {}) {
 std::unordered_set<long long> numbers(Search& search, const char* sql,
                                       const Parameter& parameter = {}) {
   std::unordered_set<long long> found;
-  const auto take = [&](sqlite3_stmt* row) { found.insert(sqlite3_column_int64(row, 0)); };
-  eachRow(search, sql, parameter, take);
+  const auto insert = [&](sqlite3_stmt* row) { found.insert(sqlite3_column_int64(row, 0)); };
+  eachRow(search, sql, parameter, insert);
   return found;
 }
 
-// --- What meets the filter.
+template <class Kind>
+std::string numberText(Kind kind) {
+  return std::to_string(kinds::numberOf(kind));
+}
 
-/// False for the element that stands for a row that is not there: it has nothing, not even a name.
+/// The SQL condition that a column has one of these kinds.
+template <class Kind, std::size_t kCount>
+std::string isOneOf(const std::string& column, const Kind (&known)[kCount]) {
+  std::string list;
+  for (const Kind kind : known) list += (list.empty() ? "" : ",") + numberText(kind);
+  return column + " IN (" + list + ")";
+}
+
+// --- The filter.
+
+/// False for the element of a row that does not exist: it is empty, without even a name.
 template <class T>
 bool isThere(const T& element) {
   if constexpr (requires { element.getIdentifier(); }) return element.getIdentifier() != nullptr;
@@ -83,15 +97,15 @@ bool accepts(const FindFilter& filter, const T& element) {
 }
 
 constexpr auto kAny = [](const auto&) { return true; };
-/// For what has to be in memory and is no answer.
+/// For elements that have to be in memory but are not results.
 constexpr auto kNone = [](const auto&) { return false; };
 
 template <class T, class Wanted>
 void add(Search& search, T& element, Wanted&& wanted) {
-  if (!isThere(element)) return static_cast<void>(++search.passedOver);
+  if (!isThere(element)) return static_cast<void>(++search.skipped);
   if (!wanted(element)) return;
   if constexpr (std::is_same_v<dm::Function, T>) {
-    // A dataset does not take over the count of a function.
+    // A dataset does not load the count of a function.
     eachRow(search, "SELECT RefCount FROM Function WHERE FunctionId=?1", element.getId(),
             [&](sqlite3_stmt* row) {
               element.setRefCount(static_cast<std::uint32_t>(sqlite3_column_int64(row, 0)));
@@ -102,7 +116,7 @@ void add(Search& search, T& element, Wanted&& wanted) {
   }
 }
 
-// --- The library's cursors, run to their end.
+// --- The library's cursors, run to the end.
 
 template <class Wanted, class Cursor, class... Arguments>
 void addFrom(Search& search, Wanted&& wanted, Cursor cursor, Arguments... arguments) {
@@ -118,7 +132,7 @@ void addByName(Search& search, Wanted&& wanted, Cursor cursor, const Names& name
   }
 }
 
-/// The whole table when no length is asked for.
+/// The whole table if no length is given.
 template <class T>
 void addByLength(Search& search, IdentifierKind kind) {
   const std::size_t least = search.filter.minLength.value_or(0);
@@ -130,7 +144,7 @@ void addByLength(Search& search, IdentifierKind kind) {
 }
 
 template <class T, IdentifierKind kKind, auto kByName, auto kByRefCount = nullptr>
-void askThings(Search& search) {
+void askEntities(Search& search) {
   const FindFilter& filter = search.filter;
   if (filter.name) return addByName(search, kAny, kByName, {*filter.name});
   if constexpr (!std::is_null_pointer_v<decltype(kByRefCount)>) {
@@ -139,7 +153,7 @@ void askThings(Search& search) {
   addByLength<T>(search, kKind);
 }
 
-// --- Things.
+// --- Entities.
 
 constexpr auto kFunctionsOf = &CompilationData::findFunctionFromIdentifier;
 constexpr auto kVariablesOf = &CompilationData::findVariableFromIdentifier;
@@ -171,17 +185,17 @@ void askFunctions(Search& search) {
                   *search.filter.refCount));
 }
 
-/// The cursor by count takes that of all rows of a name together when they are external.
+/// The cursor by count adds up the counts of all external rows of a name.
 void askVariables(Search& search) {
   const FindFilter& filter = search.filter;
   if (filter.name || !filter.refCount) {
-    return askThings<dm::Variable, IdentifierKind::Variable, kVariablesOf>(search);
+    return askEntities<dm::Variable, IdentifierKind::Variable, kVariablesOf>(search);
   }
-  addByName(search, kAny, kVariablesOf,
-            names(search,
-                  "SELECT DISTINCT I.Name FROM Variable V CROSS JOIN Identifier I"
-                  " USING (IdentifierId) WHERE V.RefCount=?1 AND V.Linkage=1",
-                  *filter.refCount));
+  const std::string external =
+      "SELECT DISTINCT I.Name FROM Variable V CROSS JOIN Identifier I"
+      " USING (IdentifierId) WHERE V.RefCount=?1 AND V.Linkage=" +
+      numberText(kinds::kExternalLinkage);
+  addByName(search, kAny, kVariablesOf, names(search, external.c_str(), *filter.refCount));
   for (const long long linkage : numbers(search, kLinkagesOfCount, *filter.refCount)) {
     const auto kind = static_cast<dm::LinkageKind>(linkage);
     if (kind != dm::LinkageKind::External) {
@@ -190,26 +204,27 @@ void askVariables(Search& search) {
   }
 }
 
-/// Unnamed types, which have few names, and those of the compiler are in the search by name only.
+/// Only a search by name finds unnamed types, which have few names, and built-in ones.
 void askTypes(Search& search) {
-  askThings<dm::Type, IdentifierKind::Type, kTypesOf, &CompilationData::findTypeFromRefCount>(
+  askEntities<dm::Type, IdentifierKind::Type, kTypesOf, &CompilationData::findTypeFromRefCount>(
       search);
   if (search.filter.name || search.filter.refCount || search.filter.minLength) return;
-  addByName(search, kAny, kTypesOf,
-            names(search,
-                  "SELECT DISTINCT I.Name FROM Type T CROSS JOIN Identifier I USING (IdentifierId)"
-                  " WHERE T.Unnamed<>0 OR T.Kind&964=0"));
+  const std::string others =
+      "SELECT DISTINCT I.Name FROM Type T CROSS JOIN Identifier I USING (IdentifierId)"
+      " WHERE T.Unnamed<>0 OR T.Kind&" +
+      numberText(dm::TypeKind::NamedMask) + "=0";
+  addByName(search, kAny, kTypesOf, names(search, others.c_str()));
 }
 
-constexpr auto askMacros =
-    askThings<dm::Macro, IdentifierKind::Macro, kMacrosOf, &CompilationData::findMacroFromRefCount>;
+constexpr auto askMacros = askEntities<dm::Macro, IdentifierKind::Macro, kMacrosOf,
+                                       &CompilationData::findMacroFromRefCount>;
 constexpr auto askFields =
-    askThings<dm::Field, IdentifierKind::Field, &CompilationData::findFieldFromIdentifier,
-              &CompilationData::findFieldFromRefCount>;
-constexpr auto askEnumConstants = askThings<dm::EnumConstant, IdentifierKind::EnumConstant,
-                                            &CompilationData::findEnumConstantFromIdentifier>;
+    askEntities<dm::Field, IdentifierKind::Field, &CompilationData::findFieldFromIdentifier,
+                &CompilationData::findFieldFromRefCount>;
+constexpr auto askEnumConstants = askEntities<dm::EnumConstant, IdentifierKind::EnumConstant,
+                                              &CompilationData::findEnumConstantFromIdentifier>;
 constexpr auto askLabels =
-    askThings<dm::Label, IdentifierKind::Label, &CompilationData::findLabelFromIdentifier>;
+    askEntities<dm::Label, IdentifierKind::Label, &CompilationData::findLabelFromIdentifier>;
 
 /// The cursor needs their names.
 void askExternals(Search& search) {
@@ -227,7 +242,7 @@ void askLongNames(Search& search) {
   }
 }
 
-/// Of a name all rows that are its definition, or all others.
+/// All rows of a name that are definitions, or all others.
 template <bool kDefinitions>
 void askRows(Search& search) {
   const auto linked = [](const auto& element) { return element.getIsDefined() == kDefinitions; };
@@ -241,7 +256,7 @@ void askRows(Search& search) {
 
 // --- Calls.
 
-/// Comes into memory with all functions of its name.
+/// Loads all functions of its name.
 dm::Function* functionOf(Search& search, long long id) {
   constexpr char kName[] =
       "SELECT I.Name FROM Function F CROSS JOIN Identifier I USING (IdentifierId)"
@@ -253,7 +268,7 @@ dm::Function* functionOf(Search& search, long long id) {
   return db.getFunction(id);
 }
 
-/// No cursor leads from the id of a call to its element.
+/// No cursor finds a call by its id.
 void addCall(Search& search, long long id) {
   constexpr char kRow[] =
       "SELECT Path, LineNum, ColNum, IsValueUsed, CallerId, CalleeId FROM CallPoint"
@@ -282,8 +297,8 @@ constexpr Side kCaller = {&dm::FrontendDatabase::listCallPointIdFromCaller,
 constexpr Side kCallee = {&dm::FrontendDatabase::listCallPointIdFromCallee,
                           "SELECT CallPointId FROM CallPoint WHERE CalleeId=?1"};
 
-/// Of all rows of the name: a call leads to the declaration that stands before it. The library
-/// looks a function up by its place, and so finds none without a file.
+/// For all rows of the name: a call references the declaration that comes before it. The library
+/// looks a function up by its position, and so finds none without a file.
 template <const Side& kSide>
 void askCallsOf(Search& search) {
   std::vector<dm::Function*> functions;
@@ -314,29 +329,32 @@ void askNoEffectCalls(Search& search) {
   addFrom(search, kAny, &CompilationData::findCallPointWithNoEffect);
 }
 
-// --- What nothing uses.
+// --- Unused entities.
 
-/// A forward declaration is a row of its own; uses count for it or for the type that it announces.
+/// A forward declaration is a separate row; uses count for it or for the type that it declares.
 void addUnusedTags(Search& search) {
-  constexpr char kUsedElsewhere[] =
+  const std::string usedElsewhere =
       "SELECT T.TypeId FROM Type T CROSS JOIN Type U ON U.IdentifierId=T.IdentifierId"
-      " WHERE T.RefTagCount=0 AND T.Unnamed=0 AND T.Kind IN (4,64,128,256)"
-      " AND U.Kind IN (4,64,128,256)"
+      " WHERE T.RefTagCount=0 AND T.Unnamed=0 AND " +
+      isOneOf("T.Kind", kinds::kTagged) + " AND " + isOneOf("U.Kind", kinds::kTagged) +
       " AND (T.Incomplete OR U.Incomplete) AND (U.RefCount<>0 OR U.RefTagCount<>0)";
-  const auto isUnused = [used = numbers(search, kUsedElsewhere)](const dm::Type& type) {
+  const auto isUnused = [used = numbers(search, usedElsewhere.c_str())](const dm::Type& type) {
     return type.getRefCount() == 0 && !used.contains(type.getId());
   };
   addFrom(search, isUnused, &CompilationData::findTypeFromRefTagCount, 0);
 }
 
-/// External rows of one name are one variable, which the cursor knows; internal ones are when they
-/// stand in one file.
+/// External rows of one name are one variable, which the cursor handles; internal ones are if they
+/// are in one file.
 void addUnusedVariables(Search& search) {
-  constexpr char kUsedElsewhere[] =
+  constexpr dm::LinkageKind kOthers[] = {kinds::kNoLinkage, kinds::kExternalLinkage};
+  const std::string usedElsewhere =
       "SELECT V.VariableId FROM Variable V CROSS JOIN Variable U ON U.IdentifierId=V.IdentifierId"
       " AND U.DeclFileId=V.DeclFileId AND U.Linkage=V.Linkage"
-      " WHERE V.RefCount=0 AND V.Linkage NOT IN (0,1) AND U.RefCount<>0";
-  const auto isUnused = [used = numbers(search, kUsedElsewhere)](const dm::Variable& variable) {
+      " WHERE V.RefCount=0 AND NOT " +
+      isOneOf("V.Linkage", kOthers) + " AND U.RefCount<>0";
+  const auto isUnused = [used =
+                             numbers(search, usedElsewhere.c_str())](const dm::Variable& variable) {
     return !used.contains(variable.getId());
   };
   for (const long long linkage : numbers(search, kLinkagesOfCount, 0)) {
@@ -348,9 +366,9 @@ void askUnused(Search& search) {
   const auto isAsked = [&kinds = search.filter.words](const char* kind) {
     return kinds.empty() || std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
   };
-  const auto stands = [](const dm::Macro& macro) { return macro.getFile() != nullptr; };
+  const auto isInFile = [](const dm::Macro& macro) { return macro.getFile() != nullptr; };
   const auto hasNoTag = [](const dm::Type& type) { return !hasTag(type); };
-  if (isAsked("macros")) addFrom(search, stands, &CompilationData::findMacroFromRefCount, 0);
+  if (isAsked("macros")) addFrom(search, isInFile, &CompilationData::findMacroFromRefCount, 0);
   if (isAsked("types")) addFrom(search, hasNoTag, &CompilationData::findTypeFromRefCount, 0);
   if (isAsked("tags")) addUnusedTags(search);
   if (isAsked("variables")) addUnusedVariables(search);

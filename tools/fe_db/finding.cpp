@@ -1,8 +1,10 @@
 #include "finding.h"
 
+#include <algorithm>
 #include <tuple>
 
 #include "canonical_text.h"
+#include "record_kinds.h"
 
 namespace fe_db_tools {
 namespace {
@@ -17,7 +19,7 @@ std::string textOf(const dm::Identifier* identifier) {
 }
 
 template <class T>
-std::string shownName(const T& element) {
+std::string plainName(const T& element) {
   if constexpr (std::is_same_v<T, dm::CallPoint>) {
     return nameOf(element.getCaller()) + " -> " + nameOf(element.getCallee());
   } else if constexpr (std::is_same_v<T, dm::Function>) {
@@ -27,58 +29,65 @@ std::string shownName(const T& element) {
   }
 }
 
-using Words = std::initializer_list<std::pair<unsigned, const char*>>;
-constexpr Words kLinkages = {{0, "none"}, {1, "external"}, {2, "internal"}};
-constexpr Words kEffects = {{0, "none"}, {1, "some"}, {2, "unknown"}};
-constexpr Words kEntities = {{0, "variable"}, {1, "function"}, {~0U, "none"}};
-constexpr Words kForms = {{0, "builtin"}, {4, "enum"},    {64, "struct"},
-                          {128, "union"}, {256, "class"}, {512, "typedef"}};
+template <class Kind>
+using Words = std::initializer_list<std::pair<Kind, const char*>>;
+constexpr Words<dm::LinkageKind> kLinkages = {{kinds::kNoLinkage, "none"},
+                                              {kinds::kExternalLinkage, "external"},
+                                              {kinds::kInternalLinkage, "internal"}};
+constexpr Words<dm::EffectKind> kEffects = {
+    {kinds::kNoEffect, "none"}, {kinds::kHasEffects, "some"}, {kinds::kUnknownEffect, "unknown"}};
+constexpr Words<dm::EntityKind> kEntities = {{dm::EntityKind::Variable, "variable"},
+                                             {dm::EntityKind::Function, "function"},
+                                             {dm::EntityKind::None, "none"}};
+constexpr Words<dm::TypeKind> kForms = {{kinds::kBuiltin, "builtin"}, {kinds::kEnum, "enum"},
+                                        {kinds::kStruct, "struct"},   {kinds::kUnion, "union"},
+                                        {kinds::kClass, "class"},     {kinds::kTypedef, "typedef"}};
 
 /// The word for a stored number, or the number.
 template <class Kind>
-std::string worded(Kind kind, Words words) {
+std::string toWord(Kind kind, Words<Kind> words) {
   for (const auto& [known, word] : words) {
-    if (static_cast<unsigned>(kind) == known) return word;
+    if (kind == known) return word;
   }
-  return std::to_string(static_cast<unsigned>(kind));
+  return std::to_string(kinds::numberOf(kind));
 }
 
 template <class T>
 nlohmann::ordered_json describe(const T& element) {
-  auto said = nlohmann::ordered_json::object();
+  auto attributes = nlohmann::ordered_json::object();
   constexpr bool kIsFunction = std::is_same_v<T, dm::Function>;
   if constexpr (kIsFunction) {
     const std::string id = textOf(element.getIdentifier());
-    if (id != nameOf(&element)) said["id"] = shown(id);
+    if (id != nameOf(&element)) attributes["id"] = escaped(id);
   }
   if constexpr (std::is_base_of_v<dm::LinkedElement, T>) {
-    said["linkage"] = worded(element.getLinkage(), kLinkages);
-    said["defined"] = element.getIsDefined();
+    attributes["linkage"] = toWord(element.getLinkage(), kLinkages);
+    attributes["defined"] = element.getIsDefined();
   }
   if constexpr (kIsFunction) {
-    said["special"] = element.getIsSpecial();
-    said["effect"] = worded(element.getEffect(), kEffects);
+    attributes["special"] = element.getIsSpecial();
+    attributes["effect"] = toWord(element.getEffect(), kEffects);
   } else if constexpr (std::is_same_v<T, dm::Variable>) {
-    if (element.getType() != nullptr) said["type"] = shown(shownName(*element.getType()));
+    if (element.getType() != nullptr) attributes["type"] = escaped(plainName(*element.getType()));
   } else if constexpr (std::is_same_v<T, dm::Type>) {
-    said["form"] = worded(element.getKind(), kForms);
-    said["unnamed"] = element.getUnnamed();
-    said["local"] = element.getLocal();
-    said["incomplete"] = element.getIncomplete();
+    attributes["form"] = toWord(element.getKind(), kForms);
+    attributes["unnamed"] = element.getUnnamed();
+    attributes["local"] = element.getLocal();
+    attributes["incomplete"] = element.getIncomplete();
   } else if constexpr (std::is_same_v<T, dm::Macro>) {
-    said["shape"] = element.getIsObjectLike() ? "object" : "function";
-    said["empty"] = element.getText().empty();
+    attributes["shape"] = element.getIsObjectLike() ? "object" : "function";
+    attributes["empty"] = element.getText().empty();
   } else if constexpr (std::is_same_v<T, dm::CallPoint>) {
-    said["value"] = element.getIsValueUsed() ? "used" : "dropped";
+    attributes["value"] = element.getIsValueUsed() ? "used" : "dropped";
   } else if constexpr (std::is_same_v<T, dm::ExternalIdentifier>) {
-    said["entity"] = worded(element.getEntityKind(), kEntities);
+    attributes["entity"] = toWord(element.getEntityKind(), kEntities);
   }
   constexpr bool kHasNoCount = std::is_same_v<T, dm::EnumConstant> || std::is_same_v<T, dm::Label>;
   if constexpr (std::is_base_of_v<dm::NamedElement, T> && !kHasNoCount) {
-    said["refs"] = element.getRefCount();
+    attributes["refs"] = element.getRefCount();
   }
-  if constexpr (std::is_same_v<T, dm::Type>) said["tagRefs"] = element.getRefTagCount();
-  return said;
+  if constexpr (std::is_same_v<T, dm::Type>) attributes["tagRefs"] = element.getRefTagCount();
+  return attributes;
 }
 
 const dm::Localization& placeOf(const dm::LocatedElement& element) {
@@ -106,7 +115,7 @@ std::string_view pathOf(const Finding& finding) {
 }
 
 std::string nameOf(const Finding& finding) {
-  return std::visit([](auto* element) { return shownName(*element); }, finding);
+  return std::visit([](auto* element) { return plainName(*element); }, finding);
 }
 
 std::string nameOf(const dm::Function* function) {
@@ -115,7 +124,7 @@ std::string nameOf(const dm::Function* function) {
   return textOf(written != nullptr ? written : function->getIdentifier());
 }
 
-std::string shown(std::string_view bytes) {
+std::string escaped(std::string_view bytes) {
   std::string text;
   appendEscaped(text, bytes, Colons::plain);
   return text;
@@ -135,8 +144,8 @@ bool isBefore(const Finding& a, const Finding& b) {
 }
 
 bool hasTag(const dm::Type& type) {
-  const auto kind = static_cast<unsigned>(type.getKind());
-  return kind == 4 || kind == 64 || kind == 128 || kind == 256;
+  const auto& tagged = kinds::kTagged;
+  return std::find(std::begin(tagged), std::end(tagged), type.getKind()) != std::end(tagged);
 }
 
 std::size_t charactersIn(std::string_view text) {

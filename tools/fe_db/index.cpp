@@ -20,7 +20,7 @@ struct IndexOptions {
   int waitSeconds = kDefaultWaitSeconds;
 };
 
-/// The texts of the file's own indexes: one by a known name may be another index all the same.
+/// The texts of the file's own indexes: an index of a known name may still be a different one.
 std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
   const ReadOnlyFile file(path, waitSeconds);
   const Statement texts =

@@ -20,7 +20,7 @@ void dropSearchIndexes(CompilationDatabase& db) {
 
 void makeSearchIndexes(CompilationDatabase& db, const std::set<std::string>& known) {
   const bool isDone = everySearchIndex([&](const SearchIndex& index) {
-    // Another one may bear the name.
+    // A different index may have the name.
     return known.count(index.sql) != 0 || (drop(db, index) && db.execute(index.sql));
   });
   if (isDone) db.execute(kLengthIndexHint);

@@ -14,12 +14,12 @@ namespace fe_db_tools {
 ///
 ///     Function<TAB>IdentifierId=main<TAB>...<TAB>DeclFileId=src/a.c<TAB>DeclLineNum=3<TAB>...
 ///
-/// Row ids are not in it. A reference prints the key of the row that it leads to, the parts joined
-/// by ':' (path:line:column:name; a type has its kind behind, an invocation its macro's parts, line
-/// and column in the preprocessed text). Different rows print different lines: whatever could be
-/// taken for something else is escaped or marked.
+/// Row ids are not in it. A reference prints the key of the referenced row, the parts joined
+/// by ':' (path:line:column:name; a type has its kind after it, an invocation its macro's parts,
+/// line and column in the preprocessed text). Different rows print different lines: whatever could
+/// be taken for something else is escaped or marked.
 ///
-///     NULL, 0, !77    a reference that is NULL, is 0, leads nowhere; `!null` is a key that is NULL
+///     NULL, 0, !77    a reference that is NULL, 0, dangling; `!null` is a key that is NULL
 ///     !integer 5      a value of another type than its column has (integer, real, text, blob)
 ///     \x4eULL         the text "NULL"; also "0" in a reference, and any text that begins with '!'
 class LineQuery {
@@ -36,9 +36,9 @@ class LineQuery {
  private:
   struct Item;
 
-  /// A row that a reference may lead to.
+  /// A row that may be referenced.
   struct Target {
-    int foundCell;  ///< its row id, NULL when there is no such row
+    int foundCell;  ///< its row id, NULL if there is no such row
     std::vector<Item> key;
   };
   struct Item {

@@ -97,11 +97,11 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     fe_db_tools::openStandardStreams();
-    // Nobody asks SQLite how much memory it has; counting takes a lock at each allocation, of which
+    // SQLite's memory statistics are not used; counting takes a lock at each allocation, of which
     // there are several for a row. Only a program may say so, before SQLite is used.
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
-    // The memory of one source serves the next. Given back and fetched again in between, it costs a
-    // twentieth of a merge in page faults.
+    // The memory of one source is reused for the next. Returned and requested again in between, it
+    // costs a twentieth of a merge in page faults.
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
     mallopt(M_MMAP_THRESHOLD, 32 << 20);
     return fe_db_tools::run(argc, argv);

@@ -53,7 +53,7 @@ std::string progressNote(const Folded& folded, Clock::time_point start) {
   return note;
 }
 
-/// Stops at the first source that fails, unless told to keep going.
+/// Stops at the first source that fails, except with --keep-going.
 Folded foldSources(const MergeOptions& options, const std::vector<std::string>& paths,
                    MergeTarget& target, Clock::time_point start) {
   Folded folded;

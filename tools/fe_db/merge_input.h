@@ -5,11 +5,11 @@
 #include "fe_db/compilation_data_merger.h"
 #include "fe_db/compilation_database.h"
 
-/// What source and target of a merge have in common: a file that is looked at, opened and read to
-/// its last row. Each of these throws std::runtime_error with the words for the user.
+/// Common to source and target of a merge: a file that is checked, opened and read to its last
+/// row. Each of these throws std::runtime_error with a message for the user.
 namespace fe_db_tools {
 
-/// The file is there, is a compilation database, and has all tables and columns.
+/// The file exists, is a compilation database, and has all tables and columns.
 void checkMergeInput(const std::string& path, int waitSeconds);
 
 /// And no table would lose anything when a program writes it.

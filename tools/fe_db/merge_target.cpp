@@ -11,9 +11,9 @@ namespace fe_db_tools {
 namespace {
 
 /// After a failure in the middle of a write SQLite leaves pages of it in the file, and the journal
-/// beside it, until somebody reads the file. Where that does not work now, the next program does
-/// it.
-void takeBackHalfDoneWrite(const std::string& path) {
+/// next to it, until a program reads the file. If that fails now, the next program that reads the
+/// file does it.
+void rollBackIncompleteWrite(const std::string& path) {
   try {
     const ReadOnlyFile file(path, /*waitSeconds=*/0);
   } catch (const std::runtime_error&) {
@@ -31,8 +31,8 @@ MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(pa
     WorkDirectory::removeLeftover(path_);  // of a run that was killed when the file had its name
   }
   if (isNew()) {
-    // A target that was there needs nothing: SQLite brings it back, from its journal, when it is
-    // opened next.
+    // An existing target needs nothing: SQLite restores it from its journal when it is opened
+    // next.
     removedOnSignal_.emplace(newFile_->temporaryNames());
     newFile_->write(emptyCompilationDatabase(KeyIndexes::no));
   } else {
@@ -40,7 +40,7 @@ MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(pa
   }
   merger_.emplace(isNew() ? newFile_->temporaryPath() : path_);
   db_ = &openMergeInput(*merger_, path_, waitSeconds);
-  // Before the load: what somebody saved between the two would be lost.
+  // Before the load: a save between the two would be lost.
   if (!db_->beginTransaction()) {
     throw std::runtime_error(path_ +
                              ": cannot be locked for writing; check that it is writable and that "
@@ -70,7 +70,7 @@ void MergeTarget::write(bool withIndexes) {
   if (!db_->commitTransaction()) {
     const std::string failure = failureOf(*db_);
     merger_->closeDB();
-    if (!isNew()) takeBackHalfDoneWrite(path_);
+    if (!isNew()) rollBackIncompleteWrite(path_);
     throw std::runtime_error(path_ + ": nothing was written: " + failure);
   }
   merger_->closeDB();

@@ -10,12 +10,12 @@
 
 namespace fe_db_tools {
 
-/// The file that sources are folded into. One that is there stays locked against other writers for
+/// The file that sources are merged into. An existing one stays locked against other writers for
 /// the life of this object, and is rewritten in one transaction. A new one is built under a
-/// temporary name. Either way the file is what it was until write() has come back.
+/// temporary name. Either way the file is unchanged until write() returns.
 class MergeTarget {
  public:
-  /// Reads the whole file if it is there. Throws std::runtime_error when it cannot be read or
+  /// Reads the whole file if it exists. Throws std::runtime_error when it cannot be read or
   /// locked, or has rows that the rewriting would lose.
   MergeTarget(std::string path, int waitSeconds);
 

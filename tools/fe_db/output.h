@@ -5,7 +5,7 @@
 
 namespace fe_db_tools {
 
-/// Nobody reads the rest of the output: no fault of anything, and nothing to say.
+/// Nobody reads the rest of the output: not an error, nothing is reported.
 struct OutputClosed : std::runtime_error {
   OutputClosed() : std::runtime_error("standard output is closed") {}
 };
@@ -13,7 +13,7 @@ struct OutputClosed : std::runtime_error {
 /// Results on standard output. Throws std::runtime_error when it cannot be written.
 void print(std::string_view text);
 
-/// REQUIRES: called once behind the last print(). What stands in the buffer may still fail.
+/// REQUIRES: called once after the last print(). Writing the buffer may still fail.
 void finishOutput();
 
 /// A message on standard error: "fe_db: " and one line, with printable().

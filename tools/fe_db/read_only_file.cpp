@@ -32,15 +32,15 @@ std::string lowerCase(std::string_view name) {
   return lower;
 }
 
-constexpr char kNotOurs[] = "; use a file created by fe_db init or fe_db_record";
+constexpr char kUseOurs[] = "; use a file created by fe_db init or fe_db_record";
 constexpr char kLeaveWal[] =
     "; close it in all programs and run: sqlite3 FILE 'PRAGMA journal_mode=DELETE', on a copy if "
     "the "
     "file must stay as it is";
 
 /// A connection to a file in WAL mode writes even where it only reads: it makes or changes the
-/// files beside it, and the last one that closes moves the log into the file. SQLite also takes up
-/// a log that lies beside a file of another mode. Reads through the connection's own handle, before
+/// files next to it, and the last one that closes moves the log into the file. SQLite also replays
+/// a log that is next to a file of another mode. Reads through the connection's own handle, before
 /// the first statement: closing a second one would give up this process's locks on the file.
 std::string reasonNotToRead(sqlite3* connection) {
   const std::string log = sqlite3_filename_wal(sqlite3_db_filename(connection, "main"));
@@ -65,7 +65,7 @@ std::string reasonNotToRead(sqlite3* connection) {
 const char* adviceFor(int code) {
   switch (code & 0xff) {
     case SQLITE_NOTADB:
-      return kNotOurs;
+      return kUseOurs;
     case SQLITE_CORRUPT:
       return "; the file is damaged: create it again or restore a copy";
     case SQLITE_BUSY:
@@ -84,12 +84,13 @@ const char* adviceFor(int code) {
 
 }  // namespace
 
-ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds, Gaps gaps) : path_(std::move(path)) {
+ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds, MissingSchema missing)
+    : path_(std::move(path)) {
   if (const char* reason = reasonNotToOpen(path_)) fail(reason);
   open(SQLITE_OPEN_READONLY, waitSeconds);
   if (!begin()) {
-    // A killed writer left its journal. What the file holds is what was committed, and only a
-    // connection that may write can bring that back. This is all that it writes.
+    // A killed writer left its journal. The committed content is valid, and only a connection that
+    // may write can restore it. It writes nothing else.
     if ((sqlite3_errcode(connection()) & 0xff) != SQLITE_READONLY) failWithReason();
     open(SQLITE_OPEN_READWRITE, waitSeconds);
     if (!begin()) failWithReason();
@@ -99,8 +100,8 @@ ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds, Gaps gaps) : path_
   isCompilation_ = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
     return table.onlyInCompilation && tableExists(table.name);
   });
-  if (gaps == Gaps::accepted) return;
-  if (const auto found = findGaps(); !found.empty()) fail(found.front() + kNotOurs);
+  if (missing == MissingSchema::accepted) return;
+  if (const auto found = findMissingSchema(); !found.empty()) fail(found.front() + kUseOurs);
 }
 
 void ReadOnlyFile::open(int flags, int waitSeconds) {
@@ -122,19 +123,19 @@ bool ReadOnlyFile::begin() {
                       nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
-std::vector<std::string> ReadOnlyFile::findGaps() const {
-  std::vector<std::string> gaps;
+std::vector<std::string> ReadOnlyFile::findMissingSchema() const {
+  std::vector<std::string> lacking;
   for (const Table& table : tables()) {
     if (!tableExists(table.name)) {
-      gaps.push_back(missing(table));
+      lacking.push_back(missing(table));
       continue;
     }
-    if (!hasColumn(table, table.rowId)) gaps.push_back(missing(table, table.rowId));
+    if (!hasColumn(table, table.rowId)) lacking.push_back(missing(table, table.rowId));
     for (const Column& column : table.columns) {
-      if (!hasColumn(table, column.name)) gaps.push_back(missing(table, column.name));
+      if (!hasColumn(table, column.name)) lacking.push_back(missing(table, column.name));
     }
   }
-  return gaps;
+  return lacking;
 }
 
 std::string ReadOnlyFile::missing(const Table& table) const {
@@ -163,7 +164,8 @@ std::string ReadOnlyFile::reasonNotToWrite(const Table& table) const {
             "' COLLATE NOCASE") != 0) {
     return "it is a virtual table";
   }
-  // A column stands for the row id if it alone is the primary key and SQLite needs no index for it.
+  // A column is an alias of the row id if it alone is the primary key and SQLite needs no index for
+  // it.
   const bool isDeclared =
       count("pragma_table_info('" + name + "') WHERE name='" + id + "' COLLATE NOCASE") != 0;
   const bool isKey = count("pragma_table_info('" + name + "') WHERE pk<>0 AND name='" + id +
@@ -191,8 +193,8 @@ std::span<const Table> ReadOnlyFile::tables() const {
   return {kTables.begin(), end};
 }
 
-/// SQLite would find out at the first write, when all else is done. The journal lies in the real
-/// directory of a file that a symbolic link leads to.
+/// SQLite would notice at the first write, when all else is done. The journal is in the real
+/// directory of a file that a symbolic link points to.
 void ReadOnlyFile::requirePermission() const {
   constexpr char kAdvice[] = "; change the permissions, or write to a copy elsewhere";
   const auto mayWrite = [](const std::string& path) {
@@ -208,7 +210,7 @@ void ReadOnlyFile::requirePermission() const {
 }
 
 void ReadOnlyFile::require(const Table& table) const {
-  if (!tableExists(table.name)) fail(missing(table) + kNotOurs);
+  if (!tableExists(table.name)) fail(missing(table) + kUseOurs);
 }
 
 /// All at once: asked column by column it would take a fortieth of a merge.

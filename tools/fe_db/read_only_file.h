@@ -28,21 +28,21 @@ struct ReadError : std::runtime_error {
   std::string reason;
 };
 
-/// What becomes of a file that lacks a table or a column.
-enum class Gaps { refused, accepted };
+/// Whether a file that lacks a table or a column is refused.
+enum class MissingSchema { refused, accepted };
 
 /// Milliseconds for SQLite, which counts them in an int: a wait of weeks is one of days.
 constexpr int busyTimeoutOf(int waitSeconds) {
   return 1000 * std::clamp(waitSeconds, 0, 1'000'000);
 }
 
-/// A database file as it is at one moment: one read transaction lasts as long as the object.
+/// A snapshot of a database file: one read transaction lasts as long as the object.
 /// Every failure is a std::runtime_error that names the file, what is wrong and what to do.
 class ReadOnlyFile {
  public:
   /// Waits up to `waitSeconds` while another program writes. A file that has none of the nine
-  /// compilation tables is a preprocessing file. One with gaps throws, unless they are accepted.
-  ReadOnlyFile(std::string path, int waitSeconds, Gaps gaps = Gaps::refused);
+  /// compilation tables is a preprocessing file. Missing tables or columns throw unless accepted.
+  ReadOnlyFile(std::string path, int waitSeconds, MissingSchema missing = MissingSchema::refused);
 
   const std::string& path() const { return path_; }
   sqlite3* connection() const { return connection_.get(); }
@@ -52,18 +52,18 @@ class ReadOnlyFile {
   bool has(const Table& table) const { return isCompilation_ || !table.onlyInCompilation; }
   void require(const Table& table) const;
   bool isCompilation() const { return isCompilation_; }
-  /// "rowid" is one, of every table that has row ids.
+  /// "rowid" is a column of every table that has row ids.
   bool hasColumn(const Table& table, std::string_view column) const;
-  /// What a file of this kind has and this one lacks, a sentence for each table or column.
-  std::vector<std::string> findGaps() const;
+  /// The tables and columns that this file lacks, one sentence each.
+  std::vector<std::string> findMissingSchema() const;
   /// Why a program that rewrites the table would lose what it holds, the ids above all; or empty.
-  /// REQUIRES: the table has no gap.
+  /// REQUIRES: the table lacks no column.
   std::string reasonNotToWrite(const Table& table) const;
-  /// Throws when there is such a reason for one of the tables, or no permission to write.
+  /// Throws if there is such a reason for one of the tables, or no permission to write.
   void requireWritable() const;
 
   Statement prepare(const std::string& sql) const;
-  /// True for a row, false behind the last.
+  /// True for a row, false after the last.
   bool step(const Statement& statement) const;
   sqlite3_int64 number(const std::string& sql) const;
 

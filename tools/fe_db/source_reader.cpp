@@ -35,7 +35,7 @@ Source readSource(const std::string& path, int waitSeconds) {
 }  // namespace
 
 std::optional<Source> SourceReader::next() {
-  // Without a thread to be had, what is asked for is read all the same.
+  // If no thread can be started, the source is read when it is needed.
   const auto launch =
       jobs_ > 1 ? std::launch::async | std::launch::deferred : std::launch::deferred;
   while (started_ < paths_.size() && ahead_.size() < jobs_) {

@@ -11,12 +11,12 @@
 
 namespace fe_db_tools {
 
-/// A file to be merged, read whole; or why it could not be.
+/// A file to be merged, read completely; or why it could not be.
 struct Source {
   std::string failure;  ///< for the user, with the path; empty when every row was read
   std::unique_ptr<orvalesca::databases_merger::CompilationDataMerger> merger = nullptr;
   unsigned long long facts = 0;
-  bool isComplete = true;  ///< no row and no reference had to be left out
+  bool isComplete = true;  ///< no row and no reference was skipped
 };
 
 /// Reads sources in their order, as many ahead of the one asked for as there are jobs, each in a
@@ -26,7 +26,7 @@ class SourceReader {
   SourceReader(std::vector<std::string> paths, std::size_t jobs, int waitSeconds)
       : paths_(std::move(paths)), jobs_(jobs), waitSeconds_(waitSeconds) {}
 
-  /// Nothing behind the last.
+  /// Nothing after the last.
   std::optional<Source> next();
 
  private:

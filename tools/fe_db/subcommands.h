@@ -6,14 +6,14 @@
 
 namespace fe_db_tools {
 
-/// What the command line asks for; answers the exit code. Throws std::runtime_error with the words
-/// for the user when something fails.
+/// The work of a command line; returns the exit code. Throws std::runtime_error with a message for
+/// the user if something fails.
 using Action = std::function<int()>;
 
 /// The action; when memory runs out in it, the message names the files that it works on.
 Action namingFiles(std::string files, Action action);
 
-/// Exit codes of all subcommands; `kFailed` is also the answer of a comparison or check that
+/// Exit codes of all subcommands; `kFailed` is also the result of a comparison or check that
 /// found something.
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
@@ -29,7 +29,7 @@ void addFind(CLI::App& program, Action& action);
 void addCheck(CLI::App& program, Action& action);
 void addIndex(CLI::App& program, Action& action);
 
-// Options that several subcommands have, by one name and in one wording.
+// Options that several subcommands have, with one name and one description.
 void addTableOption(CLI::App& command, std::string& table);
 void addWaitOption(CLI::App& command, int& waitSeconds);
 

@@ -1,0 +1,3 @@
+#pragma once
+
+#include "../common/record_kinds.h"
