@@ -263,17 +263,6 @@ TEST_F(RecordProgram, MissingHeader_MayBeOneThatTheBuildMakes) {
               HasSubstr("if the build makes config.h, build first and then record\n"));
 }
 
-TEST_F(RecordProgram, KeepGoing_SavesWhatComesAfterManyErrors) {
-  std::string text;
-  for (int i = 0; i < 100; ++i) text += "int bad" + std::to_string(i) + " = unknown;\n";
-  write("good.c", text + "int last;\n");
-  EXPECT_EQ(record({"--keep-going", "--", "gcc", "-c", "good.c"}).exitCode, 1);
-  EXPECT_EQ(rows(outputEnding(".comp.db"),
-                 "SELECT Name FROM Variable JOIN Identifier USING (IdentifierId) "
-                 "WHERE Name = 'last'"),
-            "last\n");
-}
-
 TEST_F(RecordProgram, Failures_AreCountedByCause) {
   write("one.c", "int one = unknown1;\n");
   write("two.c", "int two = unknown2;\n");

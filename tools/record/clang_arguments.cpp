@@ -13,23 +13,6 @@ namespace fe_db_tools {
 
 namespace {
 
-// clang-format off
-/// What Clang takes for an error unless told otherwise, and some compiler of C or C++ for a warning
-/// or nothing. Names that a version of Clang does not know do no harm.
-constexpr const char* kLenient[] = {
-    "address-of-temporary", "argument-outside-range", "atomic-access", "c++11-narrowing",
-    "c++11-narrowing-const-reference", "dtor-typedef", "dynamic-exception-spec",
-    "elaborated-enum-base", "elaborated-enum-class", "enum-constexpr-conversion",
-    "gnu-array-member-paren-init", "implicit-function-declaration", "implicit-int",
-    "incompatible-function-pointer-types", "incompatible-pointer-types", "increment-bool",
-    "initializer-overrides", "int-conversion", "invalid-constexpr",
-    "invalid-partial-specialization", "invalid-static-assert-message", "invalid-token-paste",
-    "missing-template-arg-list-after-template-kw", "narrowing", "non-pod-varargs",
-    "out-of-line-declaration", "register", "reserved-user-defined-literal", "return-mismatch",
-    "return-type", "signed-unsigned-wchar", "static-float-init",
-    "strict-primary-template-shadow", "unusable-partial-specialization", "vec-elem-size"};
-// clang-format on
-
 std::string joined(const std::vector<std::string>& words) {
   std::string text;
   for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
@@ -138,7 +121,6 @@ std::vector<std::string> clangArguments(const Unit& unit, const ParseOptions& op
     command.emplace_back(flag);
   }
   command.push_back(resources);
-  for (const char* error : kLenient) command.push_back(std::string("-Wno-error=") + error);
   // Errors that are excused count for the limit.
   command.emplace_back("-ferror-limit=0");
   command.insert(command.end(), options.extraArguments.begin(), options.extraArguments.end());

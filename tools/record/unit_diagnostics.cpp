@@ -30,7 +30,8 @@ bool concernsAttribute(unsigned id) {
   }
 }
 
-/// A warning that a pragma of the source makes an error is still none of the other compiler's.
+/// What Clang, or a pragma of the source, has only raised to an error can be a warning or nothing
+/// to another compiler.
 bool isExcused(unsigned id) {
   return clang::DiagnosticIDs::isBuiltinWarningOrExtension(id) || concernsAttribute(id);
 }
