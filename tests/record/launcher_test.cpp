@@ -116,6 +116,7 @@ INSTANTIATE_TEST_SUITE_P(
                {"objects/a good one.o"}},
         Launch{"Script", {"./cc", "-c", "good.c"}, {"good.o"}},
         Launch{"CacheBefore", {"./ccache", "gcc", "-c", "good.c"}, {"good.o"}},
+        Launch{"QuestionOfAutoconf", {"gcc", "-c", "conftest.c"}},
         Launch{"NoSourceOfTheProject",
                {"gcc", "-c", "-x", "c", "/dev/null", "-o", "objects/null.o"}},
         Launch{"Killed", {"sh", "-c", "kill -KILL $$"}},

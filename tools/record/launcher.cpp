@@ -86,6 +86,12 @@ std::filesystem::path objectOf(const Product& product, const std::string& source
   return name.stem().string() + product.ending;
 }
 
+/// What is no source of a project, but asks the compiler something: /dev/null and its like, and the
+/// sources that configure scripts of Autoconf make up.
+bool isQuestion(const std::filesystem::path& source) {
+  return !std::filesystem::is_regular_file(source) || source.stem() == "conftest";
+}
+
 void recordSource(const Unit& unit, const Product& product, RecordOptions options) {
   if (options.outputDirectory.empty()) {
     const auto object = std::filesystem::absolute(objectOf(product, unit.source));
@@ -110,8 +116,7 @@ void recordCompiled(const CommandLine& line) {
   if (!line.launcherProblem.empty()) throw std::runtime_error(line.launcherProblem);
   CompilerInquiry inquiry(CompilerInquiry::Memory::lasting);
   for (const std::string& source : clean.sources) {
-    // From /dev/null and its like comes what only asks the compiler something.
-    if (!std::filesystem::is_regular_file(source)) continue;
+    if (isQuestion(source)) continue;
     Unit unit{here, source, clean.flags, clean.compiler};
     std::string warning;
     const std::string refusal = inquiry.askFor(unit, warning);
