@@ -22,7 +22,7 @@ class Launcher : public RecordTest {
                 "echo 'int good(void) { return 1; }' > good.c; echo 'int main() {}' > main.c;"
                 "echo 'int bad = ;' > bad.c; echo 'void f() { void g() {} g(); }' > gnu.c;"
                 "echo nop > code.S; echo '-c good.c main.c' > two.rsp; echo '#include <stdarg.h>' "
-                "> forced.h;"
+                "> forced.h; echo 'int question;' > conftest.c;"
                 "printf '#!/bin/sh\\nexec \"$@\"\\n' > ccache;"
                 "printf '#!/bin/sh\\nexec gcc -DSCRIPT \"$@\"\\n' > cc; chmod +x cc ccache"},
                options);
