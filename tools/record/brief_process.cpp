@@ -84,7 +84,7 @@ bool readSome(int from, std::string& text) {
   return n > 0 || (n < 0 && errno == EINTR);
 }
 
-/// Until both ends are closed. The answer says why that did not happen, else it is empty.
+/// Reads until both pipes are closed. Returns why that did not happen, else an empty text.
 std::string readBoth(const Pipes& pipes, Clock::time_point end, BriefOutput& result) {
   struct pollfd sources[] = {{pipes.output.read, POLLIN, 0}, {pipes.errors.read, POLLIN, 0}};
   std::string* const texts[] = {&result.output, &result.errors};
@@ -120,7 +120,7 @@ BriefOutput runBriefly(const std::vector<std::string>& command, const std::strin
   setpgid(process, process);  // whoever is first
   pipes.closeWrite();
   result.problem = readBoth(pipes, Clock::now() + patience, result);
-  // What has closed its output has said everything; what has not is ended here.
+  // A program that has closed its output has finished; any other is ended here.
   kill(-process, SIGKILL);
   kill(process, SIGKILL);
   while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {

@@ -67,7 +67,7 @@ std::string differentSize(const CompilerAnswer& answer, const clang::TargetInfo&
       {"INT", target.getIntWidth()},
       {"LONG", target.getLongWidth()},
       {"LONG_LONG", target.getLongLongWidth()},
-      {"POINTER", target.getPointerWidth(clang::LangAS::Default)},
+      {"POINTER", target.getTypeWidth(target.getIntPtrType())},
       {"FLOAT", target.getFloatWidth()},
       {"DOUBLE", target.getDoubleWidth()},
       {"LONG_DOUBLE", target.getLongDoubleWidth()},
@@ -111,7 +111,7 @@ class RecordAction : public clang::ASTFrontendAction {
 std::string adviceOn(const std::string& missingHeader) {
   if (missingHeader.empty()) return {};
   if (missingHeader == "omp.h") {
-    return "omp.h is in the package libomp-" CLANG_VERSION_MAJOR_STRING "-dev";
+    return "omp.h is in the package libomp-" + std::to_string(CLANG_VERSION_MAJOR) + "-dev";
   }
   return "if the build makes " + missingHeader + ", build first and then record";
 }

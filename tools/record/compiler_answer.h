@@ -7,7 +7,7 @@
 
 namespace fe_db_tools {
 
-/// What a compiler says of itself when it is run with `-v -dM -E`.
+/// A compiler's description of itself, printed with `-v -dM -E`.
 struct CompilerAnswer {
   std::string target;                    ///< in its own words, `arm-none-eabi`
   std::vector<std::string> directories;  ///< searched for <...>, in order

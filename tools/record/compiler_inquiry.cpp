@@ -118,8 +118,7 @@ struct CompilerInquiry::Question {
 
 namespace {
 
-/// A file with one reply, begun by the question. Where anything is wrong with it, the compiler is
-/// asked.
+/// A file with one question and its reply. If anything is wrong with it, the compiler is asked.
 class KeptReply {
  public:
   explicit KeptReply(const std::string& question)
@@ -127,7 +126,7 @@ class KeptReply {
     if (!path.empty()) path /= hashOf({question});
   }
 
-  /// The text behind the question; empty when there is none, or none that is recent.
+  /// The text after the question; empty when there is none, or none that is recent.
   std::string read() const {
     constexpr std::time_t kLifetime = 3600;
     std::ifstream file(path, std::ios::binary);

@@ -30,9 +30,9 @@ class CompilerInquiry {
                            std::chrono::milliseconds patience = std::chrono::seconds(10))
       : memory(memory), patience(patience) {}
 
-  /// Gives the unit its compiler's answer. What comes back is why the unit cannot be recorded,
-  /// empty when it can: its compiler is for another machine and does not answer. Clang's own paths
-  /// have to do for a compiler of this machine that does not answer; `warning` then says so, once.
+  /// Gives the unit its compiler's answer. Returns why the unit cannot be recorded, empty when it
+  /// can: its compiler is for another machine and does not answer. For a compiler of this machine
+  /// that does not answer Clang uses its own paths; `warning` is set the first time.
   std::string askFor(Unit& unit, std::string& warning);
 
  private:

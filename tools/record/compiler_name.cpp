@@ -54,7 +54,7 @@ bool isInterpreter(std::string_view name) {
 
 std::string targetPrefix(const std::string& compiler) {
   const std::string name = std::filesystem::path(compiler).filename().string();
-  // From the end: behind the compiler's own name there may be a version or a thread model.
+  // From the end: after the compiler's own name there may be a version or a thread model.
   for (std::size_t end = name.size(); end != std::string::npos && end != 0;) {
     const std::size_t hyphen = name.rfind('-', end - 1);
     if (hyphen == std::string::npos) return {};

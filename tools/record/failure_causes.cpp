@@ -15,7 +15,7 @@ std::string restOfLine(const std::string& text, std::size_t at) {
   return text.substr(at, text.find('\n', at) - at);
 }
 
-/// The first error, or without one what this program says of the unit.
+/// The first error, or without one this program's own message about the unit.
 std::string causeIn(const std::string& messages, const std::string& source) {
   const std::size_t error = messages.find(kError);
   if (error != std::string::npos) return restOfLine(messages, error + kError.size());

@@ -16,7 +16,7 @@ struct Unit {
   std::string source;              ///< as the command has it
   std::vector<std::string> flags;  ///< cleaned
   std::string compiler;            ///< as the command has it
-  /// What the compiler says of itself; null: it was not asked, or does not answer.
+  /// The compiler's description of itself; null: it was not asked, or does not answer.
   std::shared_ptr<const CompilerAnswer> answer = nullptr;
 
   /// Absolute and without links or dots.

@@ -10,11 +10,11 @@
 
 namespace fe_db_tools {
 
-/// Prints what concerns the source and counts its errors. What the driver says of flags comes
-/// before that; it is kept, and of interest only when the source is never reached.
+/// Prints what concerns the source and counts its errors. The driver's messages about
+/// flags come before that; they are kept, and printed only if the source is never reached.
 ///
-/// Not errors here are those that only Clang sees and that leave the declaration as it is: the
-/// compiler that the source is written for has its say, and accepts it.
+/// Excused, that is neither printed nor counted, are errors that other compilers report as warnings
+/// or not at all and that leave the declaration as it is.
 class UnitDiagnostics : public clang::DiagnosticConsumer {
  public:
   UnitDiagnostics();

@@ -52,7 +52,7 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
   return arguments;
 }
 
-/// Leaves the end of a child to be waited for, whatever whoever started this program thinks of it.
+/// Blocks SIGCHLD so that it can be waited for. A caller that ignores it would lose exit codes.
 class ChildSignal {
  public:
   ChildSignal() {
@@ -119,7 +119,7 @@ std::string lineWith(const std::string& text, std::size_t at) {
   return text.substr(start, text.find('\n', at) - start);
 }
 
-/// This program's own last line, which says what became of the unit, and the first error.
+/// This program's own last line, which reports the result, and the first error.
 std::string verdictOf(const std::string& text) {
   const std::size_t verdict = text.rfind("fe_db_record: ");
   if (verdict == std::string::npos) return {};
@@ -227,10 +227,10 @@ class Runner {
   std::string killed(const Unit& unit, int signal) const {
     try {
       UnitOutput output(options.outputDirectory, options.nameOf(unit), false);
-      output.begin();  // what was left half-written goes with this object
+      output.begin();  // incomplete files are removed with this object
       output.removePublished();
     } catch (const std::runtime_error&) {
-      // The next run of the unit clears away as well.
+      // The next run of the unit removes them as well.
     }
     const std::string start = "fe_db_record: " + unit.sourcePath() + ": ";
     if (signal == SIGALRM && options.timeout != 0) {

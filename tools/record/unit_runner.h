@@ -22,7 +22,7 @@ enum class Messages { all, oneLine };
 /// Records each unit that has changed in a process of its own, a fresh run of this program: saving
 /// is one unit per process, and a compiler that crashes takes only its own source along. At most
 /// `jobs` at a time. What a process prints on standard error is passed on in one piece when it
-/// ends, or only the line that says what became of the unit; then there is no progress report
+/// ends, or only the line about the result; then there is no progress report
 /// either.
 RunSummary runUnits(const std::vector<Unit>& units, const RecordOptions& options, std::size_t jobs,
                     Messages messages = Messages::all);
