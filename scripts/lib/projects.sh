@@ -13,7 +13,7 @@ fetch_debian_source() { # PACKAGE PLACE
     -o "Dir::State::lists=$apt/lists" -o "Dir::Cache=$apt"
     -o Dir::Etc::trustedparts=/etc/apt/trusted.gpg.d)
   (cd "$apt" && apt-get "${options[@]}" update && apt-get "${options[@]}" source --download-only "$package")
-  mkdir "$place/source.new"
+  rm -rf "$place/source.new" && mkdir "$place/source.new"
   tar -xf "$(find "$apt" -name '*.orig.tar.*' ! -name '*.asc' | head -1)" -C "$place/source.new" \
     --strip-components=1
   mv "$place/source.new" "$place/source"
