@@ -37,6 +37,8 @@ std::string jsonOf(const Remark& remark, const Table* table) {
 
 int check(const CheckOptions& options) {
   const ReadOnlyFile file(options.file, options.waitSeconds, Gaps::accepted);
+  const bool hasText = !options.text.empty();
+  const std::string text = hasText ? readText(options.text) : "";
   bool good = true;
   const auto tell = [&](const Table* table, const std::vector<Remark>& remarks) {
     for (const Remark& remark : remarks) {
@@ -45,7 +47,7 @@ int check(const CheckOptions& options) {
     }
   };
   checkFile(file, tell);
-  if (!options.text.empty()) checkText(file, options.text, tell);
+  if (hasText) checkText(file, text, tell);
   return good ? kDone : kFailed;
 }
 
