@@ -19,7 +19,7 @@ mergerImpl::mergerImpl(std::string_view path) {
 }
 
 CompilationDatabase& mergerImpl::openDB() {
-  database->quick_connect(/*readOnly=*/false);
+  (void)database->quick_connect(/*readOnly=*/false);  // the caller asks isConnected()
   return *database;
 }
 
@@ -27,7 +27,8 @@ void mergerImpl::closeDB() { database->disconnect(); }
 
 void mergerImpl::beginTransaction() { isWithoutLock = !database->beginTransaction(); }
 
-void mergerImpl::commitTransaction() { database->commitTransaction(); }
+/// Who wants the answer commits through the database that openDB() gives.
+void mergerImpl::commitTransaction() { (void)database->commitTransaction(); }
 
 /// The tables are emptied before they are written, so whatever is not in memory by then is lost.
 /// Says once why not, and fails the transaction that the caller may have begun.
