@@ -11,25 +11,25 @@
 
 namespace orvalesca::databases_merger {
 
-class Arrivals;
+class InsertionOrder;
 class CompilationDatabase;
 class FrontendDatabase;
 class MacroGroups;
 class PreprocessingDatabase;
-class SavedRows;
+class LastSave;
 class mergerImpl;
 
 /// Everything that is known of one compilation, in memory, and the two databases that it comes from
 /// and goes to. Start here.
 ///
-/// Road:     a front end calls an emplace operation for each sighting, in any order that has a
+/// Use:      a front end calls an emplace operation for each occurrence, in any order that has a
 ///           referred element ready, then saveToPpDB(), resetIds(getPpDb()), saveToCompDB().
 ///           Later phases read with the get operations.
 /// Ownership: the dataset owns its elements; a pointer or reference that an operation hands out
 ///           stays good as long as the dataset. Pointers given to it (File, Identifier, Type,
 ///           Function, ...) have to be elements of the same dataset. Elements may be changed
 ///           through their setters, but not in the fields of their key (element_keys.h).
-/// Second sights: `accumulate` false leaves a known element as it is. True merges the new sight
+/// Repeats:  `accumulate` false leaves a known element as it is. True merges the new occurrence
 ///           into it (counts add up, see each element's update()) and sets its id back to 0, so
 ///           that the next save finds its row again and brings the merged counts there.
 /// Errors:   failures of SQLite are reported on standard error; loads and saves answer whether
@@ -37,8 +37,8 @@ class mergerImpl;
 ///           dataset does not have reports that and answers false. Out of memory: std::bad_alloc.
 /// Threads:  one at a time per dataset. Loading and saving is one unit per process: the isLoaded
 ///           and isPreLoaded flags of the element classes are process-wide.
-/// Cost:     one hash look-up per sighting, over addresses, or over the bytes of a name or path
-///           where one is given; variables cost a walk down a tree. A second sight allocates
+/// Cost:     one hash look-up per occurrence, over addresses, or over the bytes of a name or path
+///           where one is given; variables cost a walk down a tree. A repeat allocates
 ///           nothing.
 class FE_DB_EXPORT CompilationData {
  public:
@@ -66,14 +66,14 @@ class FE_DB_EXPORT CompilationData {
   CompilationDatabase& getCompDb();
   PreprocessingDatabase& getPpDb();
 
-  /// Makes loadFromDB and saveToCompDB cover the tables from Type to CallPoint. No way back.
+  /// Makes loadFromDB and saveToCompDB cover the tables from Type to CallPoint. Cannot be undone.
   void setDataNeededForDbLink();
-  /// Makes saveToCompDB write File, Identifier and Macro. No way back.
+  /// Makes saveToCompDB write File, Identifier and Macro. Cannot be undone.
   void setPropagateMacroInfo();
 
   // --- Files and names.
 
-  /// On a second sight both kinds are overwritten.
+  /// On a repeat both kinds are overwritten.
   File& emplaceFile(std::string_view path, FileKind kind, results_api::LanguageKind language);
   Identifier* emplaceIdentifier(std::string_view name, IdentifierKind kind, bool accumulate,
                                 unsigned count);
@@ -99,13 +99,13 @@ class FE_DB_EXPORT CompilationData {
                       bool isDefined, bool accumulate, unsigned refCount, const std::string& text,
                       bool isObjectLike, bool isVariadic, bool isCommandLineDefinition,
                       bool isPredefined);
-  /// The identifier gets the External bit, here and by name, on every sight.
+  /// The identifier gets the External bit, here and by name, on every occurrence.
   ExternalIdentifier* emplaceExternalIdentifier(Identifier* identifier,
                                                 const EntityDescription& description,
                                                 bool accumulate);
 
-  // --- Emplacing by name: the name is interned and counted first. Types, functions, enum constants
-  // and labels without a name are none: null comes back and nothing is made.
+  // --- Emplacing by name: the name is interned and counted first. For types, functions, enum
+  // constants and labels an empty name is rejected: returns null and creates nothing.
 
   Type* emplaceType(std::string_view name, bool unnamed, const Localization& localization,
                     TypeKind kind, bool accumulate, unsigned refCount, unsigned refTagCount);
@@ -141,8 +141,8 @@ class FE_DB_EXPORT CompilationData {
                                         std::string_view expandedCode, std::string_view macroCall,
                                         unsigned ppLine, unsigned ppColumn);
 
-  // --- Emplacing a stored row: as a sighting of what the row says. The row's id is not used. Null
-  // for a variable without a file, and for an enum constant or label whose name is empty.
+  // --- Emplacing a stored row: as an occurrence of what the row says. The row's id is not used.
+  // Null for a variable without a file, and for an enum constant or label whose name is empty.
 
   File* emplaceFromDB(const File& row, bool accumulate);
   Identifier* emplaceFromDB(const Identifier& row, bool accumulate);
@@ -175,7 +175,7 @@ class FE_DB_EXPORT CompilationData {
   /// The macro of the name that was inserted first.
   Macro* getMacro(Identifier* identifier) const;
   /// The first macro of the name, in the order of its group (first inserted, then from the newest
-  /// to the oldest), that stands at the position or is matched by a wildcard on either side. Costs
+  /// to the oldest), that is at the position or is matched by a wildcard on either side. Costs
   /// the same however many macros the name has.
   Macro* getMacro(Identifier* identifier, const Localization& localization);
   /// The first macro of the name that has a value, or the last of its group when none has.
@@ -187,7 +187,7 @@ class FE_DB_EXPORT CompilationData {
   /// Expansions that were emplaced, in that order; not those that were loaded.
   void eachMacroExpansion(std::function<void(const MacroExpansion&)> callback) const;
 
-  /// What stands on a line of the preprocessed text: a range of elements in no particular order.
+  /// What is on a line of the preprocessed text: a range of elements in no particular order.
   /// Expansions are those that were loaded, not those that were emplaced.
   std::pair<MacroInvocationSet::const_iterator, MacroInvocationSet::const_iterator>
   getMacroInvocationForLine(unsigned ppLine) const;
@@ -319,8 +319,8 @@ class FE_DB_EXPORT CompilationData {
   template <class T>
   FE_DB_HIDDEN void saveTable(FrontendDatabase& db);
   template <class T>
-  FE_DB_HIDDEN void saveTableAndRemember(FrontendDatabase& db, SavedRows& saved);
-  FE_DB_HIDDEN bool saveCompilationTables(FrontendDatabase& db, SavedRows& saved);
+  FE_DB_HIDDEN void saveTableAndRemember(FrontendDatabase& db, LastSave& saved);
+  FE_DB_HIDDEN bool saveCompilationTables(FrontendDatabase& db, LastSave& saved);
   FE_DB_HIDDEN bool isRefusedAfterFailure(const FrontendDatabase& db) const;
   FE_DB_HIDDEN static void failTransactionAfterFailedRead(FrontendDatabase& db,
                                                           unsigned long failedReadsBefore);
@@ -367,10 +367,10 @@ class FE_DB_EXPORT CompilationData {
   MacroExpansionState macroExpansionState = MacroExpansionState::Pending;
   bool dataNeededForDbLink = false;
   bool propagateMacroInfo = false;
-  std::unique_ptr<Arrivals> arrivals;        ///< order of saving and merging
+  std::unique_ptr<InsertionOrder> insertionOrder;  ///< order of saving and merging
   std::unique_ptr<MacroGroups> macroGroups;  ///< order and positions of the macros of one name
   bool hasSaveToCompDbFailed = false;        ///< and a further one would add stored counts twice
-  std::unique_ptr<SavedRows> savedRows;      ///< null until the first saveToCompDB is committed
+  std::unique_ptr<LastSave> lastSave;        ///< null until the first saveToCompDB is committed
 };
 
 }  // namespace orvalesca::databases_merger

@@ -60,7 +60,7 @@ class FE_DB_EXPORT CompilationDataMerger {
   /// Rolls back instead when a read or a write of this merger has failed.
   void commitTransaction();
 
-  /// saveToDB() prints the number of rows of each table on standard output. No way back.
+  /// saveToDB() prints the number of rows of each table on standard output. Cannot be undone.
   void setDebug();
 
   /// Reads the twelve tables, each row as stored. REQUIRES: connected, and nothing loaded before.
@@ -84,7 +84,7 @@ class FE_DB_EXPORT CompilationDataMerger {
   void mergeCompilationTables(CompilationDataMerger const& other);
 
   /// Deletes the rows of the twelve tables. REQUIRES: loadDataFromDB() ran, or they are lost; a
-  /// transaction, or a failure behind this step loses them too. Refused, with a report, when rows
+  /// transaction, or a failure after this step loses them too. Refused, with a report, when rows
   /// of the file are not in memory: a read failed, or rows were left out.
   void truncateDataFromDB();
   /// Inserts a row for every element; ids are given anew. REQUIRES: truncateDataFromDB() ran.

@@ -39,7 +39,7 @@ class File : public persistence::GenericElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

@@ -84,8 +84,8 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   const Failure& lastFailure() const { return failure; }
   /// Rows that were read and could not become elements, per table.
   const std::map<std::string, std::size_t>& leftOutRows() const { return leftOut; }
-  /// Rows that became elements without a reference of theirs, because it leads to a row that is not
-  /// there or was left out; per table.
+  /// Rows that became elements without a reference of theirs, because it references a row that is
+  /// not there or was left out; per table.
   const std::map<std::string, std::size_t>& lostReferences() const { return withoutReference; }
 
   const std::string& getPath() const { return path; }
