@@ -37,13 +37,16 @@ class File : public persistence::GenericElement {
   std::uint32_t getHugeForDB() const { return huge ? 1 : 0; }
   void setHugeFromDB(std::uint32_t stored) { huge = stored != 0; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;     ///< the whole table has been read; process-wide
   static bool isPreLoaded;  ///< every stored row is in memory with its id; process-wide
 
- private:
   std::string path;
   FileKind kind{};
   results_api::LanguageKind language{};

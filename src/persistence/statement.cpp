@@ -50,12 +50,12 @@ void DatabaseStatement::bind(sqlite3* connection, unsigned long long value) {
 
 void DatabaseStatement::bind(sqlite3* connection, const long long& value) {
   const int rc = sqlite3_bind_int64(handle, nextParameter(), value);
-  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, tellsStatement ? handle : nullptr);
+  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, reportsStatement ? handle : nullptr);
 }
 
 void DatabaseStatement::bind(sqlite3* connection, int value) {
   const int rc = sqlite3_bind_int(handle, nextParameter(), value);
-  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, tellsStatement ? handle : nullptr);
+  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, reportsStatement ? handle : nullptr);
 }
 
 int DatabaseStatement::step() {
