@@ -76,7 +76,7 @@ std::string emptyCompilationDatabase(KeyIndexes indexes) {
     if (table.onlyInCompilation) builder.run(creationOf(table));
   }
   if (indexes == KeyIndexes::yes) {
-    for (const SearchIndex& index : kKeyIndexes) builder.run(index.sql);
+    for (const SearchIndex& index : keyIndexes()) builder.run(index.sql);
   }
   builder.run("PRAGMA user_version=1");
   return builder.commit();
