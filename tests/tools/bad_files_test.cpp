@@ -46,44 +46,44 @@ constexpr BadCase kBadCases[] = {
     {"Directory", [](Path path) { fs::remove(path), fs::create_directory(path); },
      "it is a directory, not a file"},
     {"Pipe", [](Path path) { fs::remove(path), mkfifo(path.c_str(), 0600); },
-     "it is no regular file"},
+     "it is not a regular file"},
     {"Empty", [](Path path) { fs::resize_file(path, 0); },
-     "it is empty; make a database with fe_db init"},
+     "it is empty; create a database with fe_db init"},
     {"NoDatabase", [](Path path) { std::ofstream(path) << std::string(5000, 'x'); },
-     "cannot read it: file is not a database; give a file that .*"},
+     "cannot read it: file is not a database; use a file created .*"},
     {"CutInHalf", [](Path path) { fs::resize_file(path, fs::file_size(path) / 2); },
      "cannot read it: database disk image is malformed; the file is .*"},
     {"CutInTheHeader", [](Path path) { fs::resize_file(path, 50); },
      "cannot read it: database disk image is malformed; .*"},
     {"OtherDatabase", [](Path path) { leaveOnly(path, "CREATE TABLE Other (x)"); },
-     "it has no table File; give a file that .*", Gap::yes},
+     "it has no table File; use a file created .*", Gap::yes},
     {"OneTableMissing", [](Path path) { execute(path, "DROP TABLE Field"); },
-     "it has no table Field; give a file that .*", Gap::yes},
+     "it has no table Field; use a file created .*", Gap::yes},
     {"OneColumnMissing",
      [](Path path) { execute(path, "ALTER TABLE Variable DROP COLUMN Linkage"); },
-     "its table Variable has no column Linkage; give .*", Gap::yes},
+     "its table Variable has no column Linkage; use .*", Gap::yes},
     {"KeyColumnMissing",
      [](Path path) { execute(path, "ALTER TABLE Label RENAME COLUMN LabelId TO Id"); },
-     "its table Label has no column LabelId; give .*", Gap::yes},
+     "its table Label has no column LabelId; use .*", Gap::yes},
     {"View",
      [](Path path) {
        execute(path, "ALTER TABLE Label RENAME TO L; CREATE VIEW label AS SELECT * FROM L");
      },
-     "its Label is a view, not a table; give .*", Gap::yes},
+     "its Label is a view, not a table; use .*", Gap::yes},
     {"GeneratedColumn",
      [](Path path) {
        execute(path,
                "DROP TABLE Label; CREATE TABLE Label (LabelId INTEGER PRIMARY KEY, IdentifierId, "
                "DeclFileId, DeclLineNum, declcolnum AS (1))");
      },
-     "the column DeclColNum of its table Label is generated, not stored; give .*", Gap::yes},
+     "the column DeclColNum of its table Label is generated, not stored; use .*", Gap::yes},
     {"NoRowIds",
      [](Path path) {
        execute(path,
                "DROP TABLE TypeReference; CREATE TABLE TypeReference (DeclaredType PRIMARY KEY, "
                "ReferencedType) WITHOUT ROWID");
      },
-     "its table TypeReference has no row ids; give .*", Gap::yes},
+     "its table TypeReference has no row ids; use .*", Gap::yes},
 };
 
 struct BadFile : FeDbProgram, testing::WithParamInterface<BadCase> {};

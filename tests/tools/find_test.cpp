@@ -228,14 +228,16 @@ TEST_F(Find, Sarif_IsOneDocument) {
 TEST_F(Find, WrongUsage_Is2AndSaysWhy) {
   const FindCase cases[] = {
     {"NoQuestion", {}, "QUESTION is required"},
-    {"UnknownQuestion", {"function"}, "function is no question"},
-    {"OptionOfOtherKinds", {"labels", "--ref-count", "1"}, "labels has no --ref-count"},
-    {"SarifOfWhatIsNoRule", {"functions", "--sarif"}, "functions has no --sarif"},
-    {"NoName", {"callers"}, "callers needs one NAME"},
-    {"TwoNames", {"definition", "a", "b"}, "definition needs one NAME"},
-    {"NameOfAKind", {"macros", "LIMIT"}, "macros does not go with \"LIMIT\""},
-    {"UnusedOfNoKind", {"unused", "labels"}, "unused does not go with \"labels\""},
-    {"NoLength", {"long-names"}, "long-names needs --min-length"},
+    {"UnknownQuestion", {"function"},
+     R"(unknown question "function"; "fe_db find --help" lists them)"},
+    {"OptionOfOtherKinds", {"labels", "--ref-count", "1"}, "labels: does not take --ref-count"},
+    {"SarifOfWhatIsNoRule", {"functions", "--sarif"}, "functions: does not take --sarif"},
+    {"NoName", {"callers"}, "callers: takes exactly one NAME"},
+    {"TwoNames", {"definition", "a", "b"}, "definition: takes exactly one NAME"},
+    {"NameOfAKind", {"macros", "LIMIT"}, R"(macros: takes no argument, but "LIMIT" is given)"},
+    {"UnusedOfNoKind", {"unused", "labels"},
+     R"(unused: unknown kind "labels" (macros, types, tags, variables, fields))"},
+    {"NoLength", {"long-names"}, "long-names: requires --min-length"},
     {"UnknownLinkage", {"functions", "--linkage", "weak"}, "--linkage"},
     {"NegativeCount", {"macros", "--ref-count", "-1"}, "--ref-count"},
     {"TwoForms", {"unused", "--json", "--sarif"}, "--json excludes --sarif"}};
@@ -272,8 +274,8 @@ TEST_P(FindInDamaged, PassesRowsOver_AndSaysSoOnce) {
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.output, GetParam().answer);
   EXPECT_THAT(result.errors, testing::MatchesRegex(
-      "(orvalesca: [^\n]*\n)*fe_db: " + path("x.db") + ": damaged rows or references to them that "
-      "were passed over: [1-9][0-9]*; fe_db check names them\n"));
+      "(orvalesca: [^\n]*\n)*fe_db: " + path("x.db") + ": damaged rows and references to them, "
+      "skipped: [1-9][0-9]*; fe_db check lists them\n"));
 }
 
 /// The ids that are listed are texts, and the rows are sought by the number that they begin with.

@@ -54,7 +54,7 @@ TEST_F(Index, ThatCannotBeMade_IsOneReport_AndTheFileStaysAsItIs) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors,
               testing::MatchesRegex("orvalesca: [^\n]*\nfe_db: " + file +
-                                    ": it was left as it was: there is already a table named "
+                                    ": the file is unchanged: there is already a table named "
                                     "Macro_Key_Index\n"));
   EXPECT_EQ(rows(file, kIndexes), before);
 }

@@ -49,7 +49,7 @@ TEST_F(Init, WhatIsThere_IsNeverOverwritten) {
     const ProgramResult result = feDb({"init", path(name)});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.errors,
-              "fe_db: " + path(name) + ": it exists already; remove it or choose another name\n");
+              "fe_db: " + path(name) + ": it already exists; remove it or choose another name\n");
   }
   EXPECT_EQ(std::filesystem::file_size(path("text")), 8U);
   EXPECT_FALSE(std::filesystem::exists(path("nowhere")));
@@ -59,8 +59,8 @@ TEST_F(Init, NoSuchDirectory_IsNamed) {
   const ProgramResult result = feDb({"init", path("missing/x.db")});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors, "fe_db: " + path("missing/x.db") +
-                               ": cannot create it: No such file or directory; name a file in a "
-                               "directory that exists and may be written\n");
+                               ": cannot create it: No such file or directory; choose a file in a "
+                               "directory that exists and is writable\n");
 }
 
 TEST_F(Init, FullDisk_LeavesNothing) {
@@ -68,7 +68,7 @@ TEST_F(Init, FullDisk_LeavesNothing) {
                                            "bash", FE_DB_PROGRAM, "init", path("x.db")});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors,
-              HasSubstr(path("x.db") + ": cannot create it: File too large; make room"));
+              HasSubstr(path("x.db") + ": cannot create it: File too large; free some space"));
   EXPECT_TRUE(std::filesystem::is_empty(path(".")));
 }
 

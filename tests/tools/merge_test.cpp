@@ -263,8 +263,8 @@ TEST_P(MergeLoss, IsRefusedBeforeAnyWork_AsIsAnIndex) {
     const ProgramResult result = feDb(words, {.directory = path(".")});
     EXPECT_EQ(result.exitCode, 1) << words[0];
     EXPECT_THAT(result.errors, MatchesRegex("fe_db: t: its table " + table +
-                                            " cannot be written without loss: [^\n]*" + reason +
-                                            "; merge the file into a new one instead\n"));
+                                            " cannot be rewritten without data loss: [^\n]*" +
+                                            reason + "; merge the file into a new one instead\n"));
     EXPECT_TRUE(bytesOf("t") == before);
     EXPECT_EQ(entries("."), 2);
   }
@@ -329,8 +329,8 @@ TEST_F(Merge, TriggersOfATarget_AreReportedOnce) {
   }
   const ProgramResult result = merge({"t", "a"});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_THAT(result.errors, MatchesRegex("fe_db: t: triggers that do not run in a merge: 2; "
-                                          "what they keep up to date, [^\n]*\n"));
+  EXPECT_THAT(result.errors, MatchesRegex("fe_db: t: triggers do not run in a merge: 2; "
+                                          "rebuild what they maintain, [^\n]*\n"));
   EXPECT_EQ(merged({"t2", "t"}).find("trigger"), std::string::npos);  // sources are only read
 }
 

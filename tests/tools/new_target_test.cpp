@@ -65,8 +65,8 @@ TEST_P(NewTargetBeside, SomebodysFile_KeepsItAsItIs) {
     const ProgramResult result = run(subcommand);
     if (GetParam().isInTheWay) {
       EXPECT_EQ(result.exitCode, 1);
-      EXPECT_THAT(result.errors, MatchesRegex("fe_db: [^\n]*/folder/.t.fe_db-new: this was not "
-                                              "made by fe_db[^\n]*; move it away\n"));
+      EXPECT_THAT(result.errors, MatchesRegex("fe_db: [^\n]*/folder/.t.fe_db-new: not created "
+                                              "by fe_db[^\n]*; move it away\n"));
     } else {
       EXPECT_EQ(result.exitCode, 0) << result.errors;
       before.insert(std::upper_bound(before.begin(), before.end(), "t"), "t");
@@ -132,7 +132,7 @@ TEST_F(NewTarget, NameThatAnotherRunHolds_IsWaitedForAndLeftAlone) {
   flock(lock, LOCK_EX);
   const std::vector<std::string> before = files();
   expectRefusal({"merge", "--wait", "0", folder / "t", path("unit")},
-                "/t: another program is making it; try again when it has finished\n");
+                "/t: another program is creating it; try again when it has finished\n");
   EXPECT_EQ(files(), before);
   auto waiting = std::async(std::launch::async, [&] { return run("merge"); });
   EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
@@ -163,13 +163,13 @@ TEST_P(NewTargetFailing, IsReported_AndLeavesNoTarget) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, NewTargetFailing,
     testing::Values(FailingCall{"Leftover", " unlink=13 ",
-                                "/.t.fe_db-new: this was left by a run that was killed and cannot "
+                                "/.t.fe_db-new: a killed run left this, and it cannot "
                                 "be removed: Permission denied; remove it\n"},
                     FailingCall{
                         "Directory", " mkdir=30 ",
-                        "/t: cannot create it: Read-only file system; name a file in [^\n]*\n"},
+                        "/t: cannot create it: Read-only file system; choose a file in [^\n]*\n"},
                     FailingCall{"Sync", " fsync=5 ",
-                                "/t: cannot create it: Input/output error; see that [^\n]*\n"},
+                                "/t: cannot create it: Input/output error; check the disk[^\n]*\n"},
                     FailingCall{"NeitherRenameNorLink", " renameat2=22 link=1 ",
                                 "/t: cannot create it: its file system can neither [^\n]*\n"}),
     caseName);

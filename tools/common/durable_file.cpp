@@ -21,15 +21,15 @@ const char* adviceFor(int error) {
     case EACCES:
     case EPERM:
     case EROFS:
-      return "; name a file in a directory that exists and may be written";
+      return "; choose a file in a directory that exists and is writable";
     case ENOSPC:
     case EDQUOT:
     case EFBIG:
-      return "; make room, or choose another directory";
+      return "; free some space, or choose another directory";
     case ENAMETOOLONG:
       return "; choose a shorter name";
     default:
-      return "; see that the disk is sound, or choose another directory";
+      return "; check the disk, or choose another directory";
   }
 }
 
@@ -63,7 +63,7 @@ std::string directoryOf(const std::string& path) {
 
 void failToCreate(const std::string& path, int error) {
   if (error == EEXIST) {
-    throw std::runtime_error(path + ": it exists already; remove it or choose another name");
+    throw std::runtime_error(path + ": it already exists; remove it or choose another name");
   }
   throw std::runtime_error(path + ": cannot create it: " + std::strerror(error) + adviceFor(error));
 }

@@ -80,8 +80,7 @@ bool clear(const std::string& directory) {
 }
 
 [[noreturn]] void failForLeftover(const std::string& directory, int error) {
-  throw std::runtime_error(directory +
-                           ": this was left by a run that was killed and cannot be removed: " +
+  throw std::runtime_error(directory + ": a killed run left this, and it cannot be removed: " +
                            std::strerror(error) + "; remove it");
 }
 
@@ -117,7 +116,7 @@ bool WorkDirectory::take(std::chrono::steady_clock::time_point deadline) {
   const bool isMade = mkdir(path_.c_str(), 0777) == 0;
   if (!isMade && errno != EEXIST) failToCreate(product_, errno);
   if (isForeign(path_)) {
-    throw std::runtime_error(path_ + ": this was not made by fe_db, which builds " + product_ +
+    throw std::runtime_error(path_ + ": not created by fe_db, which builds " + product_ +
                              " under this name; move it away");
   }
   constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
@@ -133,7 +132,7 @@ bool WorkDirectory::take(std::chrono::steady_clock::time_point deadline) {
     if (errno != EWOULDBLOCK && errno != EINTR) failToCreate(product_, errno);
     if (std::chrono::steady_clock::now() >= deadline) {
       throw std::runtime_error(product_ +
-                               ": another program is making it; try again when it has finished");
+                               ": another program is creating it; try again when it has finished");
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }

@@ -56,24 +56,24 @@ int check(const CheckOptions& options) {
 void addCheck(CLI::App& program, Action& action) {
   auto options = std::make_shared<CheckOptions>();
   CLI::App* command = program.add_subcommand(
-      "check", "Look for damage: what the file holds and the library would never write");
+      "check", "Check a file for damage: content that the library would never write");
   command->footer(
-      "Prints one finding a line, `TABLE row ID: reason`, or `FILE: reason` of the whole file;\n"
-      "nothing for a good file. Findings: whatever SQLite's integrity check finds, missing tables\n"
-      "and columns, tables whose ids are not the row ids, so that fe_db merge would lose them,\n"
-      "virtual tables, another page size than 32768, values of a wrong type, ids that lead to no\n"
-      "row or are missing, rows with equal keys, row id 0. Lines that begin with `note: ` are no\n"
-      "findings: bits of Identifier.Kind that differ from what the tables hold, unknown kinds of\n"
-      "external identifiers, and macro uses in a compilation file whose ids a merge has outdated.\n"
-      "Exit code 1 when there is a finding.");
+      "Prints one finding per line, `TABLE row ID: reason`, or `FILE: reason` for the file as a\n"
+      "whole; prints nothing if the file is sound. Findings: errors of SQLite's integrity check,\n"
+      "missing tables and columns, tables whose ids are not the row ids (fe_db merge would lose\n"
+      "them), virtual tables, a page size other than 32768, values of a wrong type, missing or\n"
+      "dangling references, rows with equal keys, row id 0. Lines that begin with `note: ` are\n"
+      "not findings: bits of Identifier.Kind that differ from the content of the tables, unknown\n"
+      "kinds of external identifiers, and ids of macro uses in a compilation file that are stale\n"
+      "since a merge. Exit code 1 if there is a finding.");
   command->add_option("FILE", options->file, "The database file")->required();
   command
       ->add_option("--text", options->text,
-                   "The preprocessed text of a preprocessing FILE: look as well whether each token "
-                   "and each expansion stands in it where its row says")
+                   "The preprocessed text of a preprocessing FILE: also check that it has each "
+                   "token and each expansion at the position in its row")
       ->type_name("UNIT.i");
   command->add_flag("--json", options->json,
-                    "One JSON object a line: severity, table, row, reason");
+                    "One JSON object per line: severity, table, row, reason");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
     action = namingFiles(options->file, [options] { return check(*options); });

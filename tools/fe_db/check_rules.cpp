@@ -39,8 +39,7 @@ std::optional<Remark> damageMetBy(Read&& read) {
     const int code = error.code & 0xff;
     // A plain error is a table of another make, for instance without row ids.
     if (code != SQLITE_CORRUPT && code != SQLITE_ERROR && code != SQLITE_TOOBIG) throw;
-    return Remark{false, std::nullopt,
-                  "not all of it could be checked: " + printable(error.reason)};
+    return Remark{false, std::nullopt, "the check is incomplete: " + printable(error.reason)};
   }
 }
 
@@ -126,9 +125,13 @@ std::vector<Remark> TableCheck::run() {
   if (auto more = damageMetBy([&] { checkNameBits(); }); !damage) damage = std::move(more);
   if (damage) remarks_.push_back(*damage);
   if (danglingAfterMerge_ > 0) {
+    const bool isOne = danglingAfterMerge_ == 1;
     remarks_.push_back({/*isNote=*/true, std::nullopt,
-                        "ids that lead to no row, as a merge leaves them: " +
-                            std::to_string(danglingAfterMerge_)});
+                        std::to_string(danglingAfterMerge_) +
+                            (isOne ? " macro-use id is stale since a merge renumbered its target"
+                                   : " macro-use ids are stale since a merge renumbered their "
+                                     "targets") +
+                            " (expected)"});
   }
   std::stable_sort(remarks_.begin(), remarks_.end(),
                    [](const Remark& a, const Remark& b) { return a.row < b.row; });
@@ -166,7 +169,7 @@ void TableCheck::checkRows() {
   row_ = statement.get();
   while (file_.step(statement)) {
     id_ = sqlite3_column_int64(row_, 0);
-    if (id_ == 0) add(id_, "its row id is 0, which means no row");
+    if (id_ == 0) add(id_, R"(row id 0 is reserved (it means "no row"))");
     int cell = 0;
     for (const Column* column : columns) checkCell(*column, ++cell);
   }
@@ -194,7 +197,8 @@ void TableCheck::checkEntity(const Column& column, int cell) {
   if (kind == 0 || kind == 1) {
     checkReference(column, cell, kEntityTables[kind], /*required=*/true);
   } else if (kind != -1) {
-    add(id_, "Kind " + std::to_string(kind) + " is none of -1, 0 and 1", /*isNote=*/true);
+    add(id_, "Kind " + std::to_string(kind) + " is not -1, 0 or 1",
+        /*isNote=*/true);
   }
 }
 
@@ -205,12 +209,13 @@ void TableCheck::checkReference(const Column& column, int cell, TableId target, 
     if (!required) return;
     const bool isNull = sqlite3_column_type(row_, cell) == SQLITE_NULL;
     return add(id_, std::string(column.name) + (isNull ? " is NULL" : " is 0") +
-                        " and has to lead to a row of " + table);
+                        " but must reference a row of " + table);
   }
   const RowIds* ids = idsOf(target);
   if (ids == nullptr || ids->find(id)) return;
   if (isMacroUse(table_) && file_.isCompilation()) return static_cast<void>(++danglingAfterMerge_);
-  add(id_, std::string(column.name) + " " + std::to_string(id) + " leads to no row of " + table);
+  add(id_, std::string(column.name) + " references " + std::string(table) + " row " +
+               std::to_string(id) + ", which does not exist");
 }
 
 void TableCheck::checkKeys() {
@@ -286,8 +291,7 @@ void TableCheck::addNameBits(sqlite3_int64 id, int stored, int wrong) {
         (stored & bit) != 0 ? " is set, but no row of " : " is not set, but a row of ";
     if ((wrong & bit) != 0) {
       add(id,
-          "bit " + std::to_string(bit) + " of Kind" + said + tableOf(bearer).name +
-              " bears the name",
+          "bit " + std::to_string(bit) + " of Kind" + said + tableOf(bearer).name + " has the name",
           /*isNote=*/true);
     }
     bit *= 2;
@@ -315,7 +319,7 @@ std::vector<Remark> checkWhole(const ReadOnlyFile& file) {
   });
   if (damage) remarks.push_back(*damage);
   if (const sqlite3_int64 size = file.number("PRAGMA page_size"); size != 32768) {
-    addLines(remarks, "its pages have " + std::to_string(size) + " bytes, not 32768");
+    addLines(remarks, "the page size is " + std::to_string(size) + " bytes, not 32768");
   }
   for (const std::string& gap : file.findGaps()) addLines(remarks, gap);
   return remarks;

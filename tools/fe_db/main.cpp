@@ -19,7 +19,7 @@ Action namingFiles(std::string files, Action action) {
     try {
       return action();
     } catch (const std::bad_alloc&) {
-      throw std::runtime_error(files + ": not enough memory; run it where there is more");
+      throw std::runtime_error(files + ": not enough memory");
     }
   };
 }
@@ -32,7 +32,8 @@ void addTableOption(CLI::App& command, std::string& table) {
 
 void addWaitOption(CLI::App& command, int& waitSeconds) {
   command
-      .add_option("--wait", waitSeconds, "Seconds to wait while another program writes the file")
+      .add_option("--wait", waitSeconds,
+                  "Seconds to wait while another program is writing the file")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
 }
@@ -50,15 +51,24 @@ void endOutput(bool isResult) {
   }
 }
 
+/// Where the user finds what is allowed: the help of the subcommand that was given, if any.
+std::string adviceFor(const CLI::App& program) {
+  const auto given = program.get_subcommands();
+  return "; see fe_db " + (given.empty() ? "" : given.front()->get_name() + ' ') + "--help";
+}
+
 int run(int argc, char** argv) {
-  CLI::App program("Makes, shows, compares and merges the database files of a code base's facts.",
-                   "fe_db");
+  CLI::App program(
+      "Creates, prints, compares, merges and searches databases of facts about a code base.",
+      "fe_db");
   program.require_subcommand(1);
   program.footer(
-      "`fe_db SUBCOMMAND --help` tells more.\n"
-      "Exit codes: 0 done, 1 a file failed, or a difference or damage was found, 2 wrong usage.");
-  program.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return "fe_db: " + printable(error.what()) + "; see fe_db --help\n";
+      "`fe_db SUBCOMMAND --help` describes a subcommand.\n"
+      "Exit codes: 0 done; 1 a file failed, or a difference or damage was found; 2 wrong usage.");
+  program.failure_message([](const CLI::App* app, const CLI::Error& error) {
+    const std::string message = printable(error.what());
+    const bool hasAdvice = message.find("--help") != std::string::npos;
+    return "fe_db: " + message + (hasAdvice ? "" : adviceFor(*app)) + '\n';
   });
   Action action;
   addInit(program, action);

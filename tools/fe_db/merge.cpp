@@ -100,7 +100,7 @@ int merge(const MergeOptions& options) {
   const Clock::time_point start = Clock::now();
   const std::vector<std::string> paths = expandSources(options.sources);
   if (paths.empty()) {
-    report("merge: no sources are given; name at least one, see fe_db merge --help");
+    report("merge: no sources given; name at least one, see fe_db merge --help");
     return kWrongUsage;
   }
   if (const std::string same = findSameFile(options.target, paths); !same.empty()) {
@@ -112,13 +112,13 @@ int merge(const MergeOptions& options) {
   const Folded folded = foldSources(options, paths, target, start);
   if (folded.sources == 0 || (folded.failed != 0 && !options.keepGoing)) {
     report(options.target + ": nothing was written" +
-           (options.keepGoing ? "" : "; --keep-going merges the other sources"));
+           (options.keepGoing ? "" : "; use --keep-going to merge the other sources"));
     return kFailed;
   }
   target.write(options.index);
   printSummary(options, folded, target, secondsSince(start));
   if (folded.failed != 0) {
-    report(options.target + ": " + sourceCount(folded.failed) + " left out");
+    report(options.target + ": " + sourceCount(folded.failed) + " skipped");
   }
   return folded.failed != 0 || (options.strict && !folded.isComplete) ? kFailed : kDone;
 }
@@ -127,27 +127,26 @@ int merge(const MergeOptions& options) {
 
 void addMerge(CLI::App& program, Action& action) {
   auto options = std::make_shared<MergeOptions>();
-  CLI::App* command =
-      program.add_subcommand("merge", "Fold compilation databases into one, each fact once");
+  CLI::App* command = program.add_subcommand(
+      "merge", "Merge compilation databases into one that has each fact once");
   command->footer(
-      "SOURCE is a file, @LISTFILE for a file that lists one path a line, or - for a list on\n"
-      "standard input. Sources are folded in the order given; where two disagree, what is there\n"
-      "first stays, and counts add up. TARGET is made when it is not there; otherwise what it\n"
-      "holds comes first, and its triggers do not run. Whatever goes wrong, TARGET then holds the\n"
-      "whole merge or is what it was.");
-  command->add_option("TARGET", options->target, "The file to fold into")->required();
-  command->add_option("SOURCE", options->sources, "The files to fold, or lists of them")
+      "SOURCE is a file, @LISTFILE for a file that lists one path per line, or - for a list on\n"
+      "standard input. Sources are merged in the order given; where two disagree, the first value\n"
+      "is kept, and counts add up. TARGET is created if it does not exist; otherwise its content\n"
+      "comes first, and its triggers do not run. On any failure TARGET either has the result of\n"
+      "the whole merge or is unchanged.");
+  command->add_option("TARGET", options->target, "The file to merge into")->required();
+  command->add_option("SOURCE", options->sources, "The files to merge, or lists of them")
       ->required();
   command->add_option("-j,--jobs", options->jobs, "How many sources to read ahead, in parallel")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
-  command->add_flag(
-      "--index,!--no-index", options->index,
-      "Make the search indexes on the merged file, or leave them out (default: make)");
+  command->add_flag("--index,!--no-index", options->index,
+                    "Create the search indexes in the merged file, or omit them (default: create)");
   command->add_flag("--keep-going", options->keepGoing,
-                    "Leave out sources that cannot be read; the exit code is 1 all the same");
+                    "Skip sources that cannot be read; the exit code is still 1");
   command->add_flag("--strict", options->strict,
-                    "Exit with 1 when rows or references of a source had to be left out");
+                    "Exit with 1 if rows or references of a source had to be skipped");
   command->add_flag("--debug", options->debug, "Print the number of rows of each table");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {

@@ -16,7 +16,8 @@ namespace {
 ReadOnlyFile openCompilation(const std::string& path, int waitSeconds) {
   ReadOnlyFile file(path, waitSeconds);
   if (!file.isCompilation()) {
-    throw std::runtime_error(path + ": it is a preprocessing database; give compilation databases");
+    throw std::runtime_error(
+        path + ": it is a preprocessing database; a compilation database is required");
   }
   return file;
 }
@@ -36,8 +37,8 @@ void checkMergeTarget(const std::string& path, int waitSeconds) {
   file.requireWritable();
   if (const auto triggers =
           file.number("SELECT count(*) FROM sqlite_schema WHERE type='trigger'")) {
-    report(path + ": triggers that do not run in a merge: " + std::to_string(triggers) +
-           "; what they keep up to date, a full-text index for instance, its owner has to rebuild");
+    report(path + ": triggers do not run in a merge: " + std::to_string(triggers) +
+           "; rebuild what they maintain, a full-text index for instance");
   }
 }
 
@@ -54,7 +55,7 @@ void loadMergeInput(CompilationDataMerger& merger, const CompilationDatabase& db
   merger.loadDataFromDB();
   if (db.hasFailed()) {
     throw std::runtime_error(path + ": cannot be read to its end: " + failureOf(db) +
-                             "; make the file anew or take a copy");
+                             "; create the file again or restore a copy");
   }
 }
 

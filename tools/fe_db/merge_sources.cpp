@@ -58,7 +58,7 @@ std::string findSameFile(const std::string& target, const std::vector<std::strin
   findOther(target);
   for (const std::string& source : sources) {
     if (const std::string* other = findOther(source)) {
-      return *other + " and " + source + " are one file";
+      return *other + " and " + source + " are the same file";
     }
   }
   return "";

@@ -43,8 +43,8 @@ MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(pa
   // Before the load: what somebody saved between the two would be lost.
   if (!db_->beginTransaction()) {
     throw std::runtime_error(path_ +
-                             ": cannot be locked for writing; see that it may be written and that "
-                             "no other program writes it, or raise --wait");
+                             ": cannot be locked for writing; check that it is writable and that "
+                             "no other program is writing it, or increase --wait");
   }
   loadMergeInput(*merger_, *db_, path_);
   factsBefore_ = db_->countRowsListed();

@@ -19,8 +19,8 @@ const char* reasonNotToOpen(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return std::strerror(errno);
   if (S_ISDIR(status.st_mode)) return "it is a directory, not a file";
-  if (!S_ISREG(status.st_mode)) return "it is no regular file";
-  if (status.st_size == 0) return "it is empty; make a database with fe_db init";
+  if (!S_ISREG(status.st_mode)) return "it is not a regular file";
+  if (status.st_size == 0) return "it is empty; create a database with fe_db init";
   if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) return std::strerror(errno);
   return nullptr;
 }
@@ -32,9 +32,10 @@ std::string lowerCase(std::string_view name) {
   return lower;
 }
 
-constexpr char kNotOurs[] = "; give a file that fe_db init or fe_db_record made";
+constexpr char kNotOurs[] = "; use a file created by fe_db init or fe_db_record";
 constexpr char kLeaveWal[] =
-    "; close it everywhere and run: sqlite3 FILE 'PRAGMA journal_mode=DELETE', on a copy if the "
+    "; close it in all programs and run: sqlite3 FILE 'PRAGMA journal_mode=DELETE', on a copy if "
+    "the "
     "file must stay as it is";
 
 /// A connection to a file in WAL mode writes even where it only reads: it makes or changes the
@@ -66,16 +67,16 @@ const char* adviceFor(int code) {
     case SQLITE_NOTADB:
       return kNotOurs;
     case SQLITE_CORRUPT:
-      return "; the file is damaged, make it anew or take a copy";
+      return "; the file is damaged: create it again or restore a copy";
     case SQLITE_BUSY:
-      return "; try again when the other program has finished, or raise --wait";
+      return "; try again when the other program has finished, or increase --wait";
     case SQLITE_READONLY:
-      return "; a killed program left a half-done write in it, and taking that back needs "
+      return "; a killed program left an incomplete write, and rolling it back requires "
              "permission to write the file and its directory";
     case SQLITE_FULL:
     case SQLITE_IOERR:
-      return "; see that the disk is sound and that the directory for temporary files "
-             "(SQLITE_TMPDIR) has room";
+      return "; check the disk, and the free space of the directory for temporary files "
+             "(SQLITE_TMPDIR)";
     default:
       return "";
   }
@@ -177,8 +178,8 @@ void ReadOnlyFile::requireWritable() const {
   for (const Table& table : tables()) {
     const std::string reason = reasonNotToWrite(table);
     if (reason.empty()) continue;
-    fail("its table " + std::string(table.name) + " cannot be written without loss: " + reason +
-         "; merge the file into a new one instead");
+    fail("its table " + std::string(table.name) + " cannot be rewritten without data loss: " +
+         reason + "; merge the file into a new one instead");
   }
 }
 

@@ -27,7 +27,7 @@ Source readSource(const std::string& path, int waitSeconds) {
   } catch (const std::runtime_error& error) {
     source.failure = error.what();
   } catch (const std::bad_alloc&) {
-    source.failure = path + ": not enough memory to read it; fewer --jobs need less";
+    source.failure = path + ": not enough memory to read it; try fewer --jobs";
   }
   return source;
 }

@@ -83,7 +83,7 @@ void addStats(CLI::App& program, Action& action) {
   CLI::App* command =
       program.add_subcommand("stats", "Show rows per table, file size and bytes per row");
   command->add_option("FILE", options->file, "The database file")->required();
-  command->add_flag("--json", options->json, "One JSON object a line");
+  command->add_flag("--json", options->json, "One JSON object per line");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
     action = namingFiles(options->file, [options] { return showStats(*options); });
