@@ -17,8 +17,8 @@ using MergedElements = TypeList<File, Identifier, Function, CallPoint, EnumConst
                                 Label, Macro, TypeReference, Variable, ExternalIdentifier>;
 
 /// The private side of CompilationDataMerger. Its four topics stand in a file each: the connection
-/// and what may be rewritten (lifecycle.cpp), rows to elements (load.cpp), elements of a source to
-/// elements of the target (merge_tables.cpp), elements to rows (write.cpp).
+/// and what may be rewritten (lifecycle.cpp), rows to elements (load_rows.cpp), elements of a
+/// source to elements of the target (merge_tables.cpp), elements to rows (write_rows.cpp).
 class mergerImpl {
  public:
   explicit mergerImpl(std::string_view path);
