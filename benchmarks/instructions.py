@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Counts the instructions of the main roads with callgrind, and compares them with the figures
+"""Counts the instructions of the main workloads with callgrind, and compares them with the figures
 that are committed in instructions.json.
 
 Instructions do not depend on what else the machine does, so a slow-down shows when it lands. They
-do depend on the compiler and the libraries: figures of another machine are told as what they are.
+do depend on the compiler and the libraries: counts of another machine differ.
 A report, not a test: it never fails because of a figure.
 """
 import argparse
@@ -22,8 +22,8 @@ UNITS = 4  # of the merge; callgrind is fifty times slower than the processor
 MEASURED = "*runMeasured*"
 SAVE = "*CompilationData::saveToCompDB*"
 WHOLE = None
-BY_KEY, BY_NAME = "orvalesca::*", "std::*"  # what the first parameter's type begins with
-SIGHTS = {
+BY_KEY, BY_NAME = "orvalesca::*", "std::*"  # how the type of the first parameter begins
+REPEATS = {
     "type by key": f"*CompilationData::emplaceType({BY_KEY}",
     "type by name": f"*CompilationData::emplaceType({BY_NAME}",
     "variable by key": f"*CompilationData::emplaceVariable({BY_KEY}",
@@ -31,24 +31,24 @@ SIGHTS = {
 }
 
 
-def roads(units, work):
-    """Of each road: name, the function that is counted, the command, and what the count is divided
+def workloads(units, work):
+    """For each workload: name, the function that is counted, the command, and what the count is divided
     by: a figure of what the command prints."""
     sources = [units / f"unit_{number}.comp.db" for number in range(UNITS)]
     merged = work / "merged.db"
     merged.unlink(missing_ok=True)
     merge = ["fe_db", "merge", "--no-index", "--jobs", "1", merged, *sources]
     found = [
-        ("save, per row", SAVE, ["bench_roads", "record", work / "saved.db"], "rows"),
-        ("floor_write, per row", MEASURED, ["bench_roads", "floor_write", work / "raw.db", work / "saved.db"], "rows"),
-        ("load, per row", MEASURED, ["bench_roads", "load", *sources], "rows_in"),
-        ("floor_read, per row", MEASURED, ["bench_roads", "floor_read", *sources], "rows"),
+        ("save, per row", SAVE, ["bench_workloads", "record", work / "saved.db"], "rows"),
+        ("floor_write, per row", MEASURED, ["bench_workloads", "floor_write", work / "raw.db", work / "saved.db"], "rows"),
+        ("load, per row", MEASURED, ["bench_workloads", "load", *sources], "rows_in"),
+        ("floor_read, per row", MEASURED, ["bench_workloads", "floor_read", *sources], "rows"),
         ("merge, per row read", WHOLE, merge, None),
-        ("alt_hash, per row read", WHOLE, ["bench_roads", "alt_hash", work / "hash.db", *sources], None),
+        ("alt_hash, per row read", WHOLE, ["bench_workloads", "alt_hash", work / "hash.db", *sources], None),
     ]
-    for sight, operation in SIGHTS.items():
-        command = ["bench_roads", "sights", sight, "--count", 200000]
-        found.append((f"second sight: {sight}", operation, command, "sightings"))
+    for kind, operation in REPEATS.items():
+        command = ["bench_workloads", "repeats", kind, "--count", 200000]
+        found.append((f"repeat: {kind}", operation, command, "occurrences"))
     return found
 
 
@@ -68,10 +68,10 @@ def count(programs, function, command):
 
 def count_all(programs, units, work):
     """Two at a time: a count does not depend on what else runs. The first writes what others read."""
-    first, *others = roads(units, work)
+    first, *others = workloads(units, work)
     runs = [count(programs, *first[1:3])]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        runs += pool.map(lambda road: count(programs, *road[1:3]), others)
+        runs += pool.map(lambda workload: count(programs, *workload[1:3]), others)
     figures = [json.loads(output) if output.startswith("{") else {} for _, output in runs]
     rows_read = next(figure["rows_in"] for figure in figures if "rows_in" in figure)
     return {
@@ -93,11 +93,11 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--programs", type=pathlib.Path, required=True)
     parser.add_argument("--work", type=pathlib.Path, required=True)
-    parser.add_argument("--commit", action="store_true", help="write instructions.json anew")
+    parser.add_argument("--commit", action="store_true", help="rewrite instructions.json")
     arguments = parser.parse_args()
     units = arguments.work / "units"
     units.mkdir(parents=True, exist_ok=True)
-    generate = [arguments.programs / "bench_roads", "generate", units, "--units", str(UNITS)]
+    generate = [arguments.programs / "bench_workloads", "generate", units, "--units", str(UNITS)]
     subprocess.run(generate, check=True, stdout=subprocess.DEVNULL)
     found = count_all(arguments.programs, units, arguments.work)
     print_comparison(found)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Runs the roads of the library and what they are compared with, in turn, each as a process of its
-own, and writes a table: Markdown, JSON and a plot. scripts/bench builds and calls this.
+"""Runs the workloads of the library and what they are compared with, in turn, each as a separate
+process, and writes a table: Markdown, JSON and a plot. scripts/bench builds and calls this.
 
 Every ratio is the median of the ratios of single rounds: what runs in one round ran within seconds,
-so that a machine whose speed drifts spoils both sides alike.
+so that a machine whose speed drifts affects both sides alike.
 """
 import argparse
 import json
@@ -22,13 +22,13 @@ SEED = "1"
 
 
 class Programs:
-    """Runs programs of the build and keeps an eye on what they use."""
+    """Runs programs of the build and measures their resources."""
 
     def __init__(self, directory):
         self.directory = directory
 
     def run(self, name, *arguments):
-        """Answers {cpu, wall, peak (bytes), output} of the whole process."""
+        """Returns {cpu, wall, peak (bytes), output} of the whole process."""
         command = [str(self.directory / name), *map(str, arguments)]
         with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
             start = time.monotonic()
@@ -47,9 +47,9 @@ class Programs:
                 "output": output.read().decode(),
             }
 
-    def road(self, *arguments):
-        """A road's own figures, with those of its process under "process"."""
-        process = self.run("bench_roads", *arguments)
+    def workload(self, *arguments):
+        """The figures that a workload prints, with those of its process under "process"."""
+        process = self.run("bench_workloads", *arguments)
         return {**json.loads(process.pop("output")), "process": process}
 
 
@@ -73,11 +73,11 @@ def measure_merge(programs, sources, work, rounds):
         result = {
             "one": programs.run("fe_db", *merge, "--jobs", 1, merged["one"], *sources),
             "two": programs.run("fe_db", *merge, "--jobs", 2, merged["two"], *sources),
-            "floor_read": programs.road("floor_read", *sources),
-            "floor_write": programs.road("floor_write", merged["raw"], merged["one"]),
-            "steps": programs.road("merge", merged["steps"], *sources),
-            "alt_hash": programs.road("alt_hash", merged["hash"], *sources),
-            "alt_sql": programs.road("alt_sql", merged["sql"], *sources),
+            "floor_read": programs.workload("floor_read", *sources),
+            "floor_write": programs.workload("floor_write", merged["raw"], merged["one"]),
+            "steps": programs.workload("merge", merged["steps"], *sources),
+            "alt_hash": programs.workload("alt_hash", merged["hash"], *sources),
+            "alt_sql": programs.workload("alt_sql", merged["sql"], *sources),
         }
         if number == 0:
             for name in ("two", "steps", "hash", "sql", "raw"):
@@ -136,7 +136,7 @@ def summarize_merge(results, units):
 
 
 def measure_unit(programs, sources, work, rounds):
-    """The roads of a front end: one unit recorded, saved into a new file and into a filled one."""
+    """The workloads of a front end: one unit recorded, saved into a new file and into a filled one."""
     note(f"one unit, {rounds} rounds")
     filled = work / "filled.db"
     filled.unlink(missing_ok=True)
@@ -144,13 +144,13 @@ def measure_unit(programs, sources, work, rounds):
     results = []
     for _ in range(rounds):
         new, raw, copy = work / "new.db", work / "raw.db", work / "copy.db"
-        fresh = programs.road("record", new, "--unit", 8, "--seed", SEED)
-        floor = programs.road("floor_write", raw, new)
+        fresh = programs.workload("record", new, "--unit", 8, "--seed", SEED)
+        floor = programs.workload("floor_write", raw, new)
         check_same_content(programs, new, raw)
         shutil.copy(filled, copy)
-        into_filled = programs.road("record", copy, "--unit", 8, "--seed", SEED, "--filled")
-        load = programs.road("load", *sources[:8])
-        floor_read = programs.road("floor_read", *sources[:8])
+        into_filled = programs.workload("record", copy, "--unit", 8, "--seed", SEED, "--filled")
+        load = programs.workload("load", *sources[:8])
+        floor_read = programs.workload("floor_read", *sources[:8])
         results.append((fresh, floor, into_filled, load, floor_read))
 
     def of(value):
@@ -158,11 +158,11 @@ def measure_unit(programs, sources, work, rounds):
 
     fresh, _, into_filled, load, _ = results[0]
     return {
-        "sightings": fresh["sightings"],
+        "occurrences": fresh["occurrences"],
         "rows": fresh["rows"],
         "rows_new_in_filled": into_filled["rows"],
         "rows_loaded": load["rows_in"],
-        "sightings_per_second": fresh["sightings"] / of(lambda f, w, i, l, r: f["record"]["cpu"]),
+        "occurrences_per_second": fresh["occurrences"] / of(lambda f, w, i, l, r: f["record"]["cpu"]),
         "saved_per_second": fresh["rows"] / of(lambda f, w, i, l, r: f["save"]["cpu"]),
         "save_filled_cpu": of(lambda f, w, i, l, r: i["save"]["cpu"]),
         "loaded_per_second": load["rows_in"] / of(lambda f, w, i, l, r: l["load"]["cpu"]),
@@ -180,7 +180,7 @@ def measure_unit(programs, sources, work, rounds):
 
 
 def measure_operations(programs):
-    """Single operations, by Google Benchmark; its counters tell the cost per item or row."""
+    """Single operations, by Google Benchmark; its counters are the cost per item or row."""
     note("single operations: two minutes")
     run = programs.run("bench_operations", "--benchmark_format=json")
     found = {}
@@ -224,7 +224,7 @@ def main():
     units, work = arguments.work / f"units-{SEED}", arguments.work / "scratch"
     work.mkdir(parents=True, exist_ok=True)
     note(f"generating {max(*sizes, 9)} units in {units}")
-    programs.road("generate", units, "--units", max(*sizes, 9), "--seed", SEED)
+    programs.workload("generate", units, "--units", max(*sizes, 9), "--seed", SEED)
     sources = [units / f"unit_{number}.comp.db" for number in range(max(*sizes, 9))]
 
     results = {

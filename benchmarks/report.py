@@ -12,7 +12,7 @@ import numpy  # noqa: E402
 
 MIB = 1024 * 1024
 
-# The figures to hold, by size of the merge: a ratio's limit for up to 8, up to 32, and more units.
+# Limits, by size of the merge: a ratio's limit for up to 8, up to 32, and more units.
 MERGE_TARGETS = {
     "merge / floor_merge": (2.3, 2.4, 2.8),
     "merge / alt_sql": (0.8, 0.65, 0.6),
@@ -24,8 +24,8 @@ UNIT_TARGETS = {"save / floor_write": 1.45, "load / floor_read": 2.1}
 INSTRUCTION_TARGETS = {
     "load / floor_read": ("load, per row", "floor_read, per row", 1.75),
     "merge / alt_hash": ("merge, per row read", "alt_hash, per row read", 1.35),
-    "second sight by key": ("second sight: type by key", None, 150),
-    "second sight by name": ("second sight: type by name", None, 700),
+    "repeat by key": ("repeat: type by key", None, 150),
+    "repeat by name": ("repeat: type by name", None, 700),
 }
 
 
@@ -80,7 +80,7 @@ def merge_tables(merges):
 
 def unit_table(unit):
     lines = table("one unit", "")
-    lines.append(row("sightings recorded per second", f"{unit['sightings_per_second']:,.0f}"))
+    lines.append(row("occurrences recorded per second", f"{unit['occurrences_per_second']:,.0f}"))
     lines.append(row("facts saved per second, new file", f"{unit['saved_per_second']:,.0f}"))
     lines.append(row("facts loaded per second", f"{unit['loaded_per_second']:,.0f}"))
     lines.append(row("facts of the unit, new in the filled file", f"{unit['rows']:,}, {unit['rows_new_in_filled']:,}"))
@@ -92,7 +92,7 @@ def unit_table(unit):
 
 
 def growth_table(results):
-    """Exponents of the fitted lines; 1 is a cost that grows as its input does."""
+    """Exponents of the fitted lines; 1 is a cost in proportion to the input."""
     lines = table("growth", "exponent", "cost per item, smallest to largest")
     merges = results["merge"]
     if len(merges) > 1:
@@ -116,7 +116,7 @@ def series_of(operations):
 
 
 def operations_table(operations):
-    """First and second sights, and look-ups, of one size."""
+    """First occurrences, repeats and look-ups, of one size."""
     lines = table("operation", "ns")
     in_series = series_of(operations)
     for name, cost in operations.items():
@@ -163,7 +163,7 @@ def plot(results, path):
 
 def markdown(results):
     lines = [
-        f"{describe_machine()}; medians of {results['rounds']} rounds. A limit stands in brackets.",
+        f"{describe_machine()}; medians of {results['rounds']} rounds. Limits are in brackets.",
         "",
         *merge_tables(results["merge"]),
         "",
@@ -178,13 +178,13 @@ def markdown(results):
 
 
 def put_into_page(text, figure, page):
-    """Replaces what stands between the page's two marks, and the plot beside it."""
+    """Replaces the text between the page's two marks, and the plot next to it."""
     begin, end = "<!-- figures -->\n", "<!-- end of figures -->"
     before, rest = page.read_text().split(begin)
-    behind = rest.split(end)[1]
-    plot_beside = page.with_suffix(".svg")
-    plot_beside.write_bytes(figure.read_bytes())
-    page.write_text(f"{before}{begin}{text}\n![plot]({plot_beside.name})\n{end}{behind}")
+    after = rest.split(end)[1]
+    plot_path = page.with_suffix(".svg")
+    plot_path.write_bytes(figure.read_bytes())
+    page.write_text(f"{before}{begin}{text}\n![plot]({plot_path.name})\n{end}{after}")
 
 
 def write(results, directory, page=None):

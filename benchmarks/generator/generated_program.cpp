@@ -115,7 +115,7 @@ class FileRecorder {
   void record(const FileFacts& facts) {
     file = &data.emplaceFile(facts.path, FileKind{2}, results_api::LanguageKind{1});
     line = 0;
-    ++sightings;
+    ++occurrences;
     for (const auto& macro : facts.macros) record(macro);
     types.clear();
     for (const auto& type : facts.types) record(type);
@@ -124,7 +124,7 @@ class FileRecorder {
     for (const auto& function : facts.functions) record(function);
   }
 
-  std::size_t sightings = 0;
+  std::size_t occurrences = 0;
 
  private:
   Localization nextPlace() { return {file, ++line, 5}; }
@@ -140,8 +140,8 @@ class FileRecorder {
                       /*isDefined=*/true, /*accumulate=*/true, /*refCount=*/0, macro.text,
                       /*isObjectLike=*/macro.value.has_value(), /*isVariadic=*/false,
                       /*isCommandLineDefinition=*/false, /*isPredefined=*/false);
-    sightings += 2;
-    for (std::size_t n = useCount(); n > 0; --n, ++sightings) {
+    occurrences += 2;
+    for (std::size_t n = useCount(); n > 0; --n, ++occurrences) {
       data.emplaceMacro(macro.name, at, /*accumulate=*/true, /*refCount=*/1);
     }
   }
@@ -150,8 +150,8 @@ class FileRecorder {
     const Localization at = nextPlace();
     Type* type = data.emplaceType(fact.name, /*unnamed=*/false, at, fact.kind, /*accumulate=*/true,
                                   /*refCount=*/0, /*refTagCount=*/0);
-    ++sightings;
-    for (std::size_t n = useCount(); n > 0; --n, ++sightings) {
+    ++occurrences;
+    for (std::size_t n = useCount(); n > 0; --n, ++occurrences) {
       data.emplaceType(type->getIdentifier(), /*unnamed=*/false, at, fact.kind,
                        /*accumulate=*/true, /*refCount=*/1,
                        /*refTagCount=*/fact.kind == TypeKind::Named512 ? 0u : 1u, /*local=*/false,
@@ -159,17 +159,17 @@ class FileRecorder {
     }
     if (fact.isTypedef) {
       data.emplaceTypeReference(type, types.back(), /*accumulate=*/true);
-      ++sightings;
+      ++occurrences;
     }
     for (const std::string& field : fact.fields) {
       const Localization place = nextPlace();
-      for (std::size_t n = 1 + useCount(); n > 0; --n, ++sightings) {
+      for (std::size_t n = 1 + useCount(); n > 0; --n, ++occurrences) {
         data.emplaceField(field, place, /*accumulate=*/true, /*refCount=*/n == 1 ? 0 : 1);
       }
     }
     for (const std::string& constant : fact.enumConstants) {
       data.emplaceEnumConstant(constant, nextPlace(), /*accumulate=*/true);
-      ++sightings;
+      ++occurrences;
     }
     types.push_back(type);
   }
@@ -178,7 +178,7 @@ class FileRecorder {
     Type* type = types[fact.name.size() % types.size()];
     const Localization at = nextPlace();
     Variable* variable = nullptr;
-    for (std::size_t n = 1 + useCount(); n > 0; --n, ++sightings) {
+    for (std::size_t n = 1 + useCount(); n > 0; --n, ++occurrences) {
       variable = data.emplaceVariable(fact.name, at, type, /*isDefined=*/false, fact.linkage,
                                       /*accumulate=*/true);
     }
@@ -191,16 +191,16 @@ class FileRecorder {
         fact.symbol, fact.name, at, fact.isDefined, /*isSpecial=*/false,
         fact.isDefined ? EffectKind::NoEffect : EffectKind::Unknown, fact.linkage,
         /*accumulate=*/true);
-    ++sightings;
+    ++occurrences;
     recordExternal(fact.symbol, fact.linkage, {EntityKind::Function, function});
     functions.push_back(function);
-    for (std::uint32_t call = 0; call < fact.calls; ++call, ++sightings) {
+    for (std::uint32_t call = 0; call < fact.calls; ++call, ++occurrences) {
       data.emplaceCallPoint(function, functions[(call * 7919 + line) % functions.size()],
                             nextPlace(), /*isValueUsed=*/call % 3 != 0, /*accumulate=*/true);
     }
     if (fact.hasLabel) {
       data.emplaceLabel("out", nextPlace(), /*accumulate=*/true);
-      ++sightings;
+      ++occurrences;
     }
   }
 
@@ -208,7 +208,7 @@ class FileRecorder {
                       const EntityDescription& entity) {
     if (linkage != LinkageKind::External) return;
     data.emplaceExternalIdentifier(name, entity, /*accumulate=*/true);
-    ++sightings;
+    ++occurrences;
   }
 
   CompilationData& data;
@@ -250,7 +250,7 @@ std::size_t recordUnit(CompilationData& data, const std::vector<FileFacts>& file
                        std::size_t unit) {
   FileRecorder recorder(data, unit);
   for (const FileFacts& file : files) recorder.record(file);
-  return recorder.sightings;
+  return recorder.occurrences;
 }
 
 }  // namespace fe_db_benchmarks

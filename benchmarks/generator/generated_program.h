@@ -63,7 +63,7 @@ class GeneratedProgram {
 };
 
 /// Records a unit's facts as a front end does: each declaration once, and then its uses. Answers
-/// the number of sightings, which are calls of emplace operations.
+/// the number of occurrences, which are calls of emplace operations.
 std::size_t recordUnit(CompilationData& data, const std::vector<FileFacts>& files,
                        std::size_t unit);
 

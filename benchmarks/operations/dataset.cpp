@@ -1,5 +1,5 @@
-// Sightings and look-ups in memory. The time shown is that of one operation; the argument is the
-// number of elements of the class in the dataset.
+// Emplace operations and look-ups in memory. The time shown is that of one operation; the argument
+// is the number of elements of the class in the dataset.
 #include <malloc.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ constexpr auto kExternal = LinkageKind::External;
 /// What has to be in the dataset before the first element of a class.
 enum class Given { Nothing, Names, Types, Functions };
 
-/// A dataset on its way. Names are made beforehand: making a string is no part of a sighting.
+/// A dataset on its way. Names are made beforehand: making a string is not part of the operation.
 struct Program {
   Program(Given given, unsigned facts, unsigned linesPerFile) : linesPerFile(linesPerFile) {
     for (unsigned i = 0; i <= facts / linesPerFile; ++i) {
@@ -74,7 +74,7 @@ struct Emplace {
   const char* name;
   Given given;
   bool hasSecondSight;
-  Operation sight;
+  Operation add;
 };
 
 // clang-format off
@@ -111,7 +111,7 @@ const Emplace kMacroOfOwnName = {"Macro/own_name", Given::Names, true, [](Progra
 struct LookUp {
   const char* name;
   const char* emplace;
-  Given given;  // for the misses too, which are told by what they lack
+  Given given;  // for the misses too, which differ in what they lack
   Operation get;
 };
 
@@ -142,9 +142,9 @@ std::size_t allocatedBytes() {
 
 unsigned factsOf(const State& state) { return static_cast<unsigned>(state.range(0)); }
 
-std::vector<const void*> sightAll(const Emplace& emplace, Program& program, unsigned facts) {
+std::vector<const void*> addAll(const Emplace& emplace, Program& program, unsigned facts) {
   std::vector<const void*> seen;
-  for (unsigned i = 0; i < facts; ++i) seen.push_back(emplace.sight(program, i));
+  for (unsigned i = 0; i < facts; ++i) seen.push_back(emplace.add(program, i));
   return seen;
 }
 
@@ -160,7 +160,7 @@ void firstSights(State& state, const Emplace& emplace, unsigned linesPerFile) {
       program = std::make_unique<Program>(emplace.given, facts, linesPerFile);
       bytes = allocatedBytes();
     });
-    for (unsigned i = 0; i < facts; ++i) made[i] = emplace.sight(*program, i);
+    for (unsigned i = 0; i < facts; ++i) made[i] = emplace.add(*program, i);
     untimed(state, [&] {
       bytes = allocatedBytes() - bytes;
       program.reset();
@@ -172,10 +172,10 @@ void firstSights(State& state, const Emplace& emplace, unsigned linesPerFile) {
   state.SetItemsProcessed(state.iterations());
   state.SetComplexityN(facts);
   state.counters["bytes"] = static_cast<double>(bytes) / facts;
-  if (!areElements) refuse(state, "a first sight has made no element");
+  if (!areElements) refuse(state, "a first occurrence has made no element");
 }
 
-/// In the order of the first sights, as in a second pass over the same headers: memory is read
+/// In the order of the first occurrences, as in a second pass over the same headers: memory is read
 /// nearly in sequence. Nothing new may be left in it by the end.
 void timeAll(State& state, const Operation& operation, Program& program, unsigned from) {
   const unsigned facts = factsOf(state);
@@ -191,9 +191,9 @@ void timeAll(State& state, const Operation& operation, Program& program, unsigne
 void secondSights(State& state, const Emplace& emplace, unsigned linesPerFile) {
   const unsigned facts = factsOf(state);
   Program program(emplace.given, facts, linesPerFile);
-  const std::vector<const void*> made = sightAll(emplace, program, facts);
-  timeAll(state, emplace.sight, program, /*from=*/0);
-  if (sightAll(emplace, program, facts) != made) refuse(state, "a second sight is another element");
+  const std::vector<const void*> made = addAll(emplace, program, facts);
+  timeAll(state, emplace.add, program, /*from=*/0);
+  if (addAll(emplace, program, facts) != made) refuse(state, "a repeat is another element");
 }
 
 /// Misses are asked for what the second half of the names and places would have.
@@ -201,7 +201,7 @@ void lookUps(State& state, const LookUp& lookUp, const Emplace& emplace, bool hi
              unsigned linesPerFile) {
   const unsigned facts = factsOf(state);
   Program program(lookUp.given, 2 * facts, linesPerFile);
-  const std::vector<const void*> made = sightAll(emplace, program, facts);
+  const std::vector<const void*> made = addAll(emplace, program, facts);
   timeAll(state, lookUp.get, program, /*from=*/hit ? 0 : facts);
   for (unsigned i = 0; i < facts; ++i) {
     const void* expected = hit ? made[i] : nullptr;

@@ -1,5 +1,5 @@
-// What single operations of the library cost: sightings and look-ups in memory, find cursors on
-// files. Run with --benchmark_filter=REGEX for some of them; --help tells the other options.
+// The cost of single operations of the library: emplace and look-up in memory, find cursors on
+// files. Run with --benchmark_filter=REGEX for some of them; --help lists the other options.
 #include <malloc.h>
 
 #include <vector>
@@ -23,8 +23,8 @@ int main(int argc, char** argv) {
   // large datasets look slow.
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
   mallopt(M_MMAP_THRESHOLD, 1 << 30);
-  // A batch of sightings takes milliseconds, so that a tenth of a second is many of them. An option
-  // of the command line comes later and wins.
+  // A batch of operations takes milliseconds, so that a tenth of a second is many of them. An
+  // option of the command line comes later and wins.
   char minTime[] = "--benchmark_min_time=0.1";
   std::vector<char*> arguments(argv, argv + argc);
   arguments.insert(arguments.begin() + 1, minTime);

@@ -7,7 +7,7 @@ void registerDatasetOperations();
 void registerCursorOperations();
 
 /// What was timed has not done its work: the benchmark shows the reason in place of a time, and the
-/// program fails. Called behind the timed loop.
+/// program fails. Called after the timed loop.
 void refuse(benchmark::State& state, const char* why);
 
 /// Runs what is no part of the measured operation inside its loop.

@@ -15,7 +15,7 @@ namespace {
 std::set<std::string> made;
 
 /// One row of each table for each n. `wanted` rows share identifier 1 and a count; `rare` ones have
-/// a long name. A thousand facts stand in a file.
+/// a long name. A file has a thousand facts.
 std::string rowView(std::int64_t rows) {
   const std::string all = std::to_string(rows);
   const std::string step = std::to_string(rows / kFew);

@@ -5,7 +5,7 @@
 #include <string>
 
 /// Names of every kind bear this many rows, found by name, by count or by length, however large the
-/// file is. They stand evenly spread over the tables.
+/// file is. They are spread evenly over the tables.
 inline constexpr std::int64_t kFew = 100;
 inline constexpr char kWantedName[] = "wanted";
 inline constexpr int kWantedCount = 7;

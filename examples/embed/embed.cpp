@@ -1,4 +1,4 @@
-// The smallest front end that does everything in its proper order. It has "compiled" this unit:
+// A minimal front end that calls everything in the right order. It has "compiled" this unit:
 //
 //   1  #define SCALE 3
 //   2  typedef int length;
@@ -6,9 +6,9 @@
 //   4  length scaled(length l) { return SCALE * l; }
 //   5  int area(void) { return scaled(side) * side; }
 //
-// "embed record" saves what there is to know of it, "embed show" reads it back, "embed find" asks
-// for one name without reading the rest. Reading is another run on purpose: a process loads each
-// table once, so it records or it reads, seldom both.
+// "embed record" saves its facts, "embed show" reads them back, "embed find" searches for one name
+// without reading the rest. Reading is a separate run on purpose: a process loads each table once,
+// so it records or it reads, rarely both.
 #include <fe_db/compilation_data.h>
 #include <fe_db/compilation_database.h>
 
@@ -20,13 +20,13 @@ using namespace orvalesca::databases_merger;
 
 namespace {
 
-// File and language kinds mean what the front end wants them to mean; the library stores them.
+// File and language kinds are defined by the front end; the library only stores them.
 constexpr FileKind kMainSource{1};
 constexpr results_api::LanguageKind kC{1};
 constexpr LinkageKind kInternal{2};
 
-// Facts come in any order that has a referred element ready: the file before positions in it, a
-// type before its variables. A true `accumulate` says that each sight counts.
+// Facts may come in any order in which referenced elements are first: the file before positions in
+// it, a type before its variables. A true `accumulate` means that each occurrence counts.
 void recordFacts(CompilationData& data) {
   File& file = data.emplaceFile("area.c", kMainSource, kC);
   auto at = [&file](unsigned line, unsigned column) { return Localization{&file, line, column}; };
@@ -34,7 +34,7 @@ void recordFacts(CompilationData& data) {
   Macro& scale = data.emplaceMacro("SCALE", at(1, 9), /*accumulate=*/true, /*refCount=*/1);
   scale.setText("3");
   scale.setValue(std::int64_t{3});
-  // Where the use stands in the source, and where in the preprocessed text.
+  // The position of the use in the source, and in the preprocessed text.
   const OneLineRange inText{&file, /*line=*/4, /*startColumn=*/34, /*endColumn=*/35};
   data.emplaceMacroInvocation(&scale, at(4, 34), inText);
   data.emplaceMacroExpansion(at(4, 34), /*expandedCode=*/"3", /*macroCall=*/"SCALE", 4, 34);
@@ -64,14 +64,14 @@ bool record(const std::string& compilationPath, const std::string& preprocessing
   CompilationData& data = *CompilationData::compilationDatabase();
   data.setPropagateMacroInfo();   // File, Identifier and Macro
   data.setDataNeededForDbLink();  // Type to CallPoint
-  // The compilation database has to be there ("fe_db init"); the other file may be made here.
+  // The compilation database has to exist ("fe_db init"); the other file may be created here.
   if (!data.getCompDb().quick_connect(/*readOnly=*/false)) return false;
   if (!data.getPpDb().quick_connect(/*readOnly=*/false) || !data.getPpDb().addTables())
     return false;
 
   recordFacts(data);
 
-  // A row id belongs to one database at a time, so the ids go between the two saves.
+  // A row id belongs to one database at a time, so the ids are reset between the two saves.
   bool saved = data.saveToPpDB();
   data.resetIds(data.getPpDb());
   saved = data.saveToCompDB() && saved;
@@ -94,7 +94,7 @@ bool show(const std::string& compilationPath, const std::string& preprocessingPa
   for (const Variable& variable : data->getVariables())
     std::cout << "variable " << variable.getIdentifier()->getName() << " of type "
               << variable.getType()->getIdentifier()->getName() << '\n';
-  // Positions are compared by the dataset's own File element, so that is asked for first.
+  // Positions are compared by the dataset's own File element, so it is looked up first.
   File* file = data->getFile("area.c");
   Function* area = data->getFunction("area", {file, 5, 5});
   if (CallPoint* call = data->getCallPoint({file, 5, 25}, area))
@@ -107,7 +107,7 @@ bool show(const std::string& compilationPath, const std::string& preprocessingPa
   return true;
 }
 
-// A cursor reads what it finds and nothing else, from the database of one unit or of a thousand.
+// A cursor reads only what it finds, from the database of one unit or of a thousand.
 bool find(const std::string& compilationPath, const std::string& name) {
   auto data = CompilationData::newInstance(compilationPath, /*preprocessingPath=*/"");
   if (!data->getCompDb().quick_connect(/*readOnly=*/true)) return false;
@@ -125,7 +125,7 @@ int usage() {
   std::cerr << "usage: embed record COMPILATION_DB PREPROCESSING_DB\n"
                "       embed show COMPILATION_DB PREPROCESSING_DB\n"
                "       embed find COMPILATION_DB FUNCTION\n"
-               "Make the compilation database first: fe_db init COMPILATION_DB\n";
+               "Create the compilation database first: fe_db init COMPILATION_DB\n";
   return 2;
 }
 
@@ -137,8 +137,7 @@ int main(int argc, char** argv) {
   if (command == "find") return find(argv[2], argv[3]) ? 0 : 1;
   if (command != "record") return usage();
   if (std::filesystem::exists(argv[3])) {
-    std::cerr << "embed: " << argv[3]
-              << " is there already: give a preprocessing file of its own\n";
+    std::cerr << "embed: " << argv[3] << " already exists: choose a new preprocessing file\n";
     return 2;
   }
   return record(argv[2], argv[3]) ? 0 : 1;

@@ -22,13 +22,16 @@ class CallPoint : public LocatedElement {
   bool getIsValueUsed() const { return isValueUsed; }
   void setIsValueUsed(bool on) { isValueUsed = on; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   Function* caller = nullptr;
   Function* callee = nullptr;
   bool isValueUsed = false;

@@ -12,48 +12,69 @@ namespace orvalesca::databases_merger {
 
 class CompilationData;
 class NamedQueries;
-enum class RawQuery : std::size_t;
+enum class Query : std::size_t;
+enum class StatementKind : std::uint32_t;
+struct NamedQuery;
 struct Tables;
+template <class T>
+class IdCache;
 template <class T>
 class TableStatement;
 
-/// What a statement of a table does; the values index a table's statements. 2, 3, 8 and 11 are
-/// reserved: statements of these kinds exist and have no SQL.
-enum class StatementKind : std::uint32_t {
-  add = 0,
-  update = 1,
-  get_id = 4,
-  get_from_id = 5,
-  list_id = 6,
-  list_all = 7,
-  max_id = 9,
-  delete_all = 10,
-};
-inline constexpr std::uint32_t kStatementKinds = 12;
-
 /// One SQLite database as a dataset sees it: single rows in and out, no view of what they mean.
 ///
-/// Programs use what persistence::Database offers, and what is marked FE_DB_EXPORT here; the rest
-/// serves the library itself. Operations exist for each of the element classes that the database
-/// has a table for.
+/// Programs use what is public here and in persistence::Database. The rest serves the library
+/// itself; its operations exist for each of the element classes that the database has a table for.
 ///
 /// Cursors:  set `first` to true and call until the result is 0. One walk per table and kind at a
-///           time, run to its end: a walk begun while another is open goes on where that stands.
+///           time, run to its end: starting a second one before the first has ended continues
+///           the first.
 /// Errors:   reported on standard error; the operation goes on, and a failed step counts as the end
 ///           of the rows.
 /// Cost:     a row is one statement with fresh bindings; statements are compiled on first use.
 class FrontendDatabase : public persistence::Database {
  public:
-  FrontendDatabase(std::string_view path, DatabaseKind kind, CompilationData* dataset, bool shared);
-
-  bool prepareStatements() override;
-  void finalizeStatements() override;
-  ~FrontendDatabase() override;
-
   DatabaseKind getKind() const { return kind; }
 
   /// The function of a row that has come into memory, or null. Never reads the file.
   FE_DB_EXPORT Function* getFunction(long long id);
+
+  // --- The searches that no find operation of the dataset reaches: row ids, one per call; cursors
+  // as above. On a connected CompilationDatabase that is no merger's. A failure reads as the end.
+
+  /// `entity` is 0 for variables and 1 for functions.
+  FE_DB_EXPORT long long listEntityIdFromRefCount(int entity, unsigned refCount, bool& first);
+  /// By the row with the function's key, whatever id the element holds.
+  FE_DB_EXPORT long long listCallPointIdFromCaller(Function* caller, bool& first);
+  FE_DB_EXPORT long long listCallPointIdFromCallee(Function* callee, bool& first);
+
+  /// Rows that loading has read so far, all tables together.
+  unsigned long long countRowsListed() const { return rowsListed; }
+  /// The same, and the rows that were found by key.
+  unsigned long long countRowsRead() const { return rowsListed + rowsFound; }
+  /// Rows that have been inserted so far, all tables together.
+  unsigned long long countRowsAdded() const { return rowsAdded; }
+  /// How often a row or a reference was passed over that cannot become an element.
+  unsigned long getLeftOutReferences() const { return leftOutReferences; }
+
+ protected:
+  bool prepareStatements() override;
+  void finalizeStatements() override;
+
+  FrontendDatabase(std::string_view path, DatabaseKind kind, CompilationData* dataset, bool shared);
+  ~FrontendDatabase() override;
+
+ private:
+  friend class CompilationData;
+  friend class LastSave;
+  friend class mergerImpl;
+  friend struct ElementSave;
+  template <class T>
+  friend struct ColumnValue;
+  /// Every operation for every class; compiled once, where they are defined.
+  struct Operations;
+
+  // --- Single rows.
 
   /// Inserts a row; the element takes its id. 0 when the row was refused.
   template <class T>
@@ -61,7 +82,7 @@ class FrontendDatabase : public persistence::Database {
   /// As add; a File or Identifier whose row is already there takes the id of that row, which is
   /// written again with the element's values.
   template <class T>
-  long long addOrTakeRow(T& element);
+  long long addOrAdoptRow(T& element);
   /// Writes the columns that are no key into the row of the element's id.
   template <class T>
   void update(T& element);
@@ -82,6 +103,10 @@ class FrontendDatabase : public persistence::Database {
   /// databases are merged.
   template <class T>
   T* get(long long id);
+  /// The same for an id that a search of this database has found: null, and counted as left out,
+  /// also when the id has no row.
+  template <class T>
+  T* getFound(long long id);
   /// Fills the element from the row of its id, past the dataset.
   template <class T>
   void get(T& element);
@@ -92,6 +117,10 @@ class FrontendDatabase : public persistence::Database {
   long long listALL(bool& first, T& row);
   template <class T>
   void truncate();
+  /// Whether the table has as many rows as were written into it when it was empty, each with its
+  /// id. A definition of the owner's (a conflict clause, an id that is no row id) can be otherwise.
+  template <class T>
+  bool holdsJust(std::size_t rows);
   /// About as many rows as the table has, in no time: the span of its row ids, as long as the file
   /// has room for so many. (Not the largest: in a table that is rewritten again and again with
   /// AUTOINCREMENT, ids begin far above 1.) 0 when nothing can be read. Says nothing: whoever reads
@@ -111,7 +140,6 @@ class FrontendDatabase : public persistence::Database {
   long long listEntityIdFromIdentifier(int entity, Identifier* identifier, bool& first);
   long long listEntityIdFromIdentifier(int entity, Identifier* identifier, int linkage,
                                        bool& first);
-  FE_DB_EXPORT long long listEntityIdFromRefCount(int entity, unsigned refCount, bool& first);
   long long listVariableIdFromRefCountAndLinkage(unsigned refCount, unsigned linkage, bool& first);
   long long listTypeIdFromIdentifier(Identifier* identifier, bool& first);
   long long listTypeIdFromIdentifierAndKind(Identifier* identifier, int typeKind, bool& first);
@@ -123,9 +151,6 @@ class FrontendDatabase : public persistence::Database {
   long long listFieldIdFromRefCount(unsigned refCount, bool& first);
   long long listEnumConstantIdFromIdentifier(Identifier* identifier, bool& first);
   long long listLabelIdFromIdentifier(Identifier* identifier, bool& first);
-  /// By the row with the function's key, whatever id the element holds.
-  FE_DB_EXPORT long long listCallPointIdFromCaller(Function* caller, bool& first);
-  FE_DB_EXPORT long long listCallPointIdFromCallee(Function* callee, bool& first);
   long long listCallPointIdWithNoEffect(bool& first);
   template <class T>
   long long listIdFromMinLength(std::size_t minLength, bool& first);
@@ -141,29 +166,9 @@ class FrontendDatabase : public persistence::Database {
   bool isInIdCache(long long id) const;
   template <class T>
   void reserveIdCache(std::size_t rows);
+  template <class T>
+  const IdCache<T>& idCacheOf() const;
   void clearIdCaches();
-
-  /// Rows inserted, updated and deleted on this connection so far.
-  int countChanges() const;
-  /// Rows that listALL has given so far, all tables together.
-  unsigned long long countRowsListed() const { return rowsListed; }
-  /// Rows that add has inserted so far, all tables together.
-  unsigned long long countRowsAdded() const { return rowsAdded; }
-  /// How often get has answered null for a row that cannot become an element.
-  unsigned long getLeftOutReferences() const { return leftOutReferences; }
-  template <class T>
-  void noteLeftOutRow() {
-    persistence::Database::noteLeftOutRow(tableName<T>());
-  }
-  template <class T>
-  void noteLostReference() {
-    persistence::Database::noteLostReference(tableName<T>());
-  }
-  template <class T>
-  const char* tableName() const;
-
- private:
-  friend class mergerImpl;
 
   template <class T>
   bool isReadyFor(const char* operation);
@@ -174,17 +179,20 @@ class FrontendDatabase : public persistence::Database {
   template <class T>
   void reportWrite(const TableStatement<T>& statement, int line = __builtin_LINE());
   template <class T>
+  static bool mergeWithRow(T& element, const T& row);
+  template <class T>
+  T* getElement(long long id, bool isFound);
+  template <class T>
   bool readRow(T& element);
   template <class T>
   void readEmptyRow(T& element);
   template <class T>
   long long nextRow(StatementKind statementKind, bool& first, T& row);
-  bool isReadyToSearch(const char* table, const char* operation);
+  bool isReadyToSearch(const NamedQuery& query);
   template <class ValuesOf>
-  long long nextId(RawQuery query, const char* operation, bool& first, ValuesOf&& valuesOf);
+  long long nextId(Query query, bool& first, ValuesOf&& valuesOf);
   template <class Bind>
-  long long nextId(persistence::DatabaseStatement& statement, const char* table,
-                   const char* operation, bool& first, Bind&& bind);
+  long long nextIdOnUse(Query query, bool& first, Bind&& bind);
   template <class T>
   long long lookUpId(const T* element);
 
@@ -194,13 +202,17 @@ class FrontendDatabase : public persistence::Database {
   std::unique_ptr<NamedQueries> namedQueries;
   unsigned long leftOutReferences = 0;
   unsigned long long rowsListed = 0;
+  unsigned long long rowsFound = 0;
   unsigned long long rowsAdded = 0;
 };
 
 /// All facts of a translation unit, or of many. The file has to be there, with its tables: the
 /// library makes none (the fe_db program does).
 class CompilationDatabase : public FrontendDatabase {
- public:
+ private:
+  friend class CompilationData;
+  friend struct std::default_delete<CompilationDatabase>;
+
   CompilationDatabase(std::string_view path, CompilationData* dataset);
   ~CompilationDatabase() override;
 };
@@ -209,12 +221,16 @@ class CompilationDatabase : public FrontendDatabase {
 /// file; addTables() lays its schema.
 class PreprocessingDatabase : public FrontendDatabase {
  public:
-  PreprocessingDatabase(std::string_view path, CompilationData* dataset);
-  ~PreprocessingDatabase() override;
-
   /// Makes tables, indexes and views, and prepares the statements. Harmless on a file that has
   /// them. REQUIRES: connected.
-  FE_DB_EXPORT bool addTables();
+  [[nodiscard]] FE_DB_EXPORT bool addTables();
+
+ private:
+  friend class CompilationData;
+  friend struct std::default_delete<PreprocessingDatabase>;
+
+  PreprocessingDatabase(std::string_view path, CompilationData* dataset);
+  ~PreprocessingDatabase() override;
 };
 
 }  // namespace orvalesca::databases_merger

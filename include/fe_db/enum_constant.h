@@ -9,6 +9,10 @@ class EnumConstant : public NamedElement {
  public:
   using NamedElement::NamedElement;
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 

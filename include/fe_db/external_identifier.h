@@ -23,13 +23,16 @@ class ExternalIdentifier : public persistence::GenericElement {
   EntityKind getEntityKind() const { return description.kind; }
   void setEntityKind(EntityKind kind) { description.kind = kind; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   Identifier* identifier = nullptr;
   EntityDescription description;
 };

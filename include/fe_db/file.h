@@ -11,8 +11,6 @@ namespace orvalesca::databases_merger {
 class FrontendDatabase;
 
 /// One source path that the front end has seen. Unique in a dataset by its bytes.
-///
-/// A new stored field also needs: a line in columns.cpp, the schema texts, docs/stored_format.md.
 class File : public persistence::GenericElement {
  public:
   File() = default;
@@ -37,13 +35,16 @@ class File : public persistence::GenericElement {
   std::uint32_t getHugeForDB() const { return huge ? 1 : 0; }
   void setHugeFromDB(std::uint32_t stored) { huge = stored != 0; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;     ///< the whole table has been read; process-wide
   static bool isPreLoaded;  ///< every stored row is in memory with its id; process-wide
 
- private:
   std::string path;
   FileKind kind{};
   results_api::LanguageKind language{};

@@ -23,13 +23,16 @@ class Function : public LinkedElement {
   EffectKind getEffect() const { return effect; }
   void setEffect(EffectKind newEffect) { effect = newEffect; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   Identifier* sourceName = nullptr;
   bool isSpecial = false;
   EffectKind effect = EffectKind::Unknown;

@@ -21,14 +21,19 @@ class Identifier : public persistence::GenericElement {
   const std::string& getName() const { return name; }
   void setName(const std::string& newName) { name = newName; }
   /// Uses counted for the name: one for each by-name emplace that is a first or an accumulating
-  /// sight of the name.
+  /// occurrence of the name.
   std::uint32_t getCount() const { return count; }
   void setCount(std::uint32_t newCount) { count = newCount; }
   IdentifierKind getKind() const { return kind; }
   void setKind(IdentifierKind newKind) { kind = newKind; }
 
-  /// Merges a second sight of the name into this element; its id goes back to 0.
-  void addSight(IdentifierKind seenKind, std::uint32_t seenCount);
+ private:
+  friend class CompilationData;
+  friend class FrontendDatabase;
+  friend struct ElementSave;
+
+  /// Merges a repeated occurrence of the name into this element; its id goes back to 0.
+  void addOccurrence(IdentifierKind seenKind, std::uint32_t seenCount);
   /// Merges the stored row of the name into this element, which takes the row's id. True when the
   /// row has to be written again.
   bool updateFromRow(const Identifier& row);
@@ -39,7 +44,6 @@ class Identifier : public persistence::GenericElement {
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   std::string name;
   std::uint32_t count = 1;
   IdentifierKind kind{};

@@ -18,9 +18,6 @@ class mergerImpl;
 /// One definition of a preprocessor macro. A name may have several, at several positions; in a
 /// dataset a macro is found by its name and position, or by its name alone where either position
 /// is a wildcard.
-///
-/// A new stored field also needs: a line in columns.cpp, the schema texts, Macro::update,
-/// emplaceMacro, docs/stored_format.md.
 class FE_DB_EXPORT Macro : public NamedElement {
  public:
   using Value = std::variant<std::monostate, std::int64_t, std::uint64_t>;
@@ -64,9 +61,6 @@ class FE_DB_EXPORT Macro : public NamedElement {
   bool getIsPredefined() const { return isPredefined; }
   void setIsPredefined(bool on) { isPredefined = on; }
 
-  /// May be called on a macro of a dataset to set or clear `wildcard`.
-  void setLocalization(const Localization& position);
-
   /// The column Value: the 64 bits of the value taken as signed, empty without a value. Signedness
   /// is a column of its own, read after this one.
   std::optional<std::int64_t> getIntegralValueForDB() const;
@@ -93,6 +87,7 @@ class FE_DB_EXPORT Macro : public NamedElement {
 
  private:
   friend class CompilationData;
+  friend class LocatedElement;
   friend class MacroGroup;
   friend class MacroGroups;
   friend class mergerImpl;
@@ -107,8 +102,8 @@ class FE_DB_EXPORT Macro : public NamedElement {
   bool isVariadic = false;
   bool isCommandLineDefinition = false;
   bool isPredefined = false;
-  /// The other macros of the name in the dataset that owns this one, if there are any; not copied.
-  MacroGroup* group = nullptr;
+  /// The other macros of the name in the dataset that owns this one, if there are any.
+  NotCopied<MacroGroup*> group;
 };
 
 }  // namespace orvalesca::databases_merger

@@ -10,7 +10,7 @@ namespace orvalesca::databases_merger {
 class FrontendDatabase;
 
 /// The text of a macro call and the code that it expands to, at one place of the preprocessed text
-/// (line and column from 1). There is no second sight.
+/// (line and column from 1). Every occurrence is an element of its own.
 class MacroExpansion : public LocatedElement {
  public:
   MacroExpansion() = default;
@@ -31,13 +31,16 @@ class MacroExpansion : public LocatedElement {
   std::uint32_t getPpColumn() const { return ppColumn; }
   void setPpColumn(std::uint32_t column) { ppColumn = column; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   std::string expandedCode;
   std::string macroCall;
   std::uint32_t ppLine = 0;

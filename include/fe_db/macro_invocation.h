@@ -11,7 +11,7 @@ class Macro;
 class MacroInvocationCodeOrigin;
 
 /// One use of a macro, with its position in the source and its range in the preprocessed text.
-/// There is no second sight: every emplace makes a new element.
+/// Every emplace makes a new element.
 class MacroInvocation : public LocatedElement {
  public:
   MacroInvocation() = default;
@@ -25,8 +25,6 @@ class MacroInvocation : public LocatedElement {
   void setMacro(Macro* newMacro) { macro = newMacro; }
   /// The tokens of this invocation, ascending by offset; filled by a load only. Not owned.
   const std::vector<MacroInvocationCodeOrigin*>& getCodeOrigins() const { return codeOrigins; }
-  /// Puts an origin in front of those with an equal or a larger offset.
-  void insertCodeOrigin(MacroInvocationCodeOrigin* origin);
 
   std::uint32_t getPpLine() const { return range.line; }
   void setPpLine(std::uint32_t line) { range.line = line; }
@@ -35,13 +33,18 @@ class MacroInvocation : public LocatedElement {
   std::uint32_t getPpEndColumn() const { return range.endColumn; }
   void setPpEndColumn(std::uint32_t column) { range.endColumn = column; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
+  /// Puts an origin in front of those with an equal or a larger offset.
+  void insertCodeOrigin(MacroInvocationCodeOrigin* origin);
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   OneLineRange range;
   Macro* macro = nullptr;
   std::vector<MacroInvocationCodeOrigin*> codeOrigins;

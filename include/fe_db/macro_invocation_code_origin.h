@@ -11,8 +11,8 @@ class FrontendDatabase;
 class MacroInvocation;
 
 /// One token inside the text of a macro invocation, and where it really comes from. Offsets count
-/// from the invocation's first column in the preprocessed text; the end is the column behind the
-/// token. There is no second sight.
+/// from the invocation's first column in the preprocessed text; the end is the column after the
+/// token. Every occurrence is an element of its own.
 class MacroInvocationCodeOrigin : public LocatedElement {
  public:
   MacroInvocationCodeOrigin() = default;
@@ -37,13 +37,16 @@ class MacroInvocationCodeOrigin : public LocatedElement {
   const std::string& getTokenString() const { return tokenString; }
   void setTokenString(const std::string& token) { tokenString = token; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   MacroInvocation* invocation = nullptr;
   std::uint32_t offset = 0;
   std::uint32_t endOffset = 0;

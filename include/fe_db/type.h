@@ -4,11 +4,8 @@
 
 namespace orvalesca::databases_merger {
 
-/// One declaration of a type. Two sights at one place with one name are one element, whatever
+/// One declaration of a type. Two occurrences at one place with one name are one element, whatever
 /// their kinds; the first kind stays.
-///
-/// A new stored field also needs: a line in columns.cpp, the compilation schema, Type::update, the
-/// merge copy, docs/stored_format.md.
 class Type : public NamedElement {
  public:
   Type() = default;
@@ -42,7 +39,25 @@ class Type : public NamedElement {
 
   /// The same with the other copy's fields.
   bool merge(long long otherId, bool otherUnnamed, std::uint32_t otherRefCount,
-             std::uint32_t otherRefTagCount, bool otherLocal, bool otherIncomplete);
+             std::uint32_t otherRefTagCount, bool otherLocal, bool otherIncomplete) {
+    bool changed = NamedElement::merge(otherId, otherRefCount);
+    refTagCount += otherRefTagCount;
+    // The grown count: one that the row lacks must not be lost.
+    changed = changed || refTagCount != 0;
+    const auto makeSticky = [&changed](bool& mine, bool theirs) {
+      changed = changed || (mine && !theirs);
+      mine = mine || theirs;
+    };
+    makeSticky(unnamed, otherUnnamed);
+    makeSticky(local, otherLocal);
+    makeSticky(incomplete, otherIncomplete);
+    dirty = dirty || changed;
+    return changed;
+  }
+
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
@@ -50,7 +65,6 @@ class Type : public NamedElement {
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   TypeKind kind{};
   bool unnamed = false;
   bool local = false;

@@ -20,13 +20,16 @@ class TypeReference : public persistence::GenericElement {
   Type* getReferencedType() const { return referencedType; }
   void setReferencedType(Type* type) { referencedType = type; }
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 
   static bool isLoaded;
   static bool isPreLoaded;
 
- private:
   Type* declaredType = nullptr;
   Type* referencedType = nullptr;
 };

@@ -13,6 +13,10 @@ class Variable : public LinkedElement {
            LinkageKind linkage, std::uint32_t refCount)
       : LinkedElement(identifier, localization, refCount, type, isDefined, linkage) {}
 
+ private:
+  friend class CompilationData;
+  friend struct ElementSave;
+
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);
 

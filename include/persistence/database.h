@@ -29,7 +29,9 @@ struct Failure {
 /// Threads:  one at a time per object; two objects may be used by two threads at once.
 /// Errors:   every operation reports a failure on standard error, once, and answers false or 0.
 ///           So does every operation on a database that is not connected.
-/// Lifetime: destroying a connected database rolls back, finalizes what is still compiled, closes.
+/// Lifetime: destroying a connected database rolls back, finalizes the statements that are still
+///           compiled, closes.
+/// Writing:  no trigger of the file runs on a connection that may write.
 class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
  public:
   /// queueName: name of an environment variable. When that is set and not empty, its value is the
@@ -49,39 +51,41 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   /// Opens the file, read-write unless readOnly (a file that may not be written is then opened
   /// for reading), and calls prepareStatements. False, with one report naming path and reason,
   /// when the file is missing, no database, or has no table where tables have to be there.
-  bool quick_connect(bool readOnly);
+  [[nodiscard]] bool quick_connect(bool readOnly);
   /// Rolls back an open transaction, finalizes all statements, closes. Harmless when not connected.
   void disconnect();
   bool isConnected() const { return connection != nullptr; }
 
   /// Takes the write lock, and before it the queue lock of a shared file; waits for both together
   /// up to the busy timeout.
-  bool beginTransaction();
+  [[nodiscard]] bool beginTransaction();
   /// For readers: takes neither lock.
-  bool beginReading();
-  /// False, and everything rolled back, when the commit fails or SQLite has rolled the transaction
-  /// back before: a transaction never commits half of what it was asked to write.
-  bool commitTransaction();
+  [[nodiscard]] bool beginReading();
+  /// False, and everything rolled back, when the commit fails or the transaction has failed before:
+  /// SQLite has rolled it back, or a write has failed for another reason than the refusal of its
+  /// own row. A transaction never commits half of what it was asked to write.
+  [[nodiscard]] bool commitTransaction();
   bool rollbackTransaction();
 
   /// Row id of the latest insertion on this connection.
   long long lastInsertRowID();
 
-  /// Runs SQL of the caller's own, inside the transaction if one is open. Rows are dropped.
-  bool execute(const std::string& sql);
+  /// Runs SQL of the caller's own, inside the transaction if one is open. Rows are dropped. What
+  /// fails fails the transaction as well, unless a row was refused.
+  [[nodiscard]] bool execute(const std::string& sql);
 
   /// How long a lock held by others is waited for; 60 s unless set. In milliseconds.
   void setBusyTimeout(int milliseconds);
 
   /// A read has failed: a row could not be had or a statement not be compiled, so what is in memory
   /// may be less than what the file holds. Stays for the life of this object.
-  bool hasFailed() const { return readFailed; }
+  bool hasFailed() const { return failedReads != 0; }
   /// The first failed read or write.
   const Failure& lastFailure() const { return failure; }
   /// Rows that were read and could not become elements, per table.
   const std::map<std::string, std::size_t>& leftOutRows() const { return leftOut; }
-  /// Rows that became elements without a reference of theirs, because it leads to a row that is not
-  /// there or was left out; per table.
+  /// Rows that became elements without a reference of theirs, because it references a row that is
+  /// not there or was left out; per table.
   const std::map<std::string, std::size_t>& lostReferences() const { return withoutReference; }
 
   const std::string& getPath() const { return path; }
@@ -89,8 +93,10 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
  protected:
   /// True when connected; otherwise reports that the operation was called without a connection.
   bool isConnectedFor(const char* operation);
-  /// SQLite has rolled back the open transaction, or failTransaction() was called; nothing runs
-  /// until it is ended.
+  /// How many reads have failed so far.
+  unsigned long countFailedReads() const { return failedReads; }
+  /// SQLite has rolled back the open transaction, a write in it has failed, or failTransaction()
+  /// was called; nothing runs until it is ended.
   bool hasTransactionFailed() const;
   /// The open transaction will not be committed.
   void failTransaction();
@@ -112,6 +118,7 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   bool open(bool readOnly);
   bool countTables(int& tables);
   void close();
+  void finalizeForeignStatements();
   bool isFreeToBegin();
   bool hasPages();
   bool takeQueueLock(std::chrono::steady_clock::time_point deadline);
@@ -124,7 +131,7 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   int busyTimeout = 60'000;
   std::unique_ptr<QueueLock> queueLock;
   std::unique_ptr<ConnectionState> state;
-  bool readFailed = false;
+  unsigned long failedReads = 0;
   Failure failure;
   std::map<std::string, std::size_t> leftOut;
   std::map<std::string, std::size_t> withoutReference;

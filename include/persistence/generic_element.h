@@ -4,21 +4,27 @@
 
 namespace persistence {
 
-/// Base of every stored element: its row id and whether it differs from its row.
+/// Base of every stored element: its row id, its place in a merge, and whether it differs from its
+/// row.
 /// Copyable; a copy takes every field. Nothing here is virtual: elements are plain values.
 class SHARED_PERSISTENCE_EXPORT GenericElement {
  public:
-  explicit GenericElement(long long id = 0, unsigned value = 0) : id(id), value(value) {}
+  explicit GenericElement(long long id = 0, unsigned place = 0) : id(id), place(place) {}
 
   /// Row ids count from 1; 0 means that no row is known for the element. An id belongs to one
   /// database at a time.
   long long getId() const { return id; }
   void setId(long long newId) { id = newId; }
 
+  /// Its number in the insertion order of its class, from 0; a merge finds elements by it. resetIds
+  /// clears it.
+  unsigned getPlace() const { return place; }
+  void setPlace(unsigned newPlace) { place = newPlace; }
+
   /// Back to an element without a row, in whichever database.
   void forgetRow() {
     id = 0;
-    value = 0;
+    place = 0;
   }
 
   /// Process-wide. True: an element without an id is inserted at once, without looking for its
@@ -31,10 +37,10 @@ class SHARED_PERSISTENCE_EXPORT GenericElement {
 
  private:
   long long id;
-  unsigned value;
+  unsigned place;
 
  public:
-  /// The element differs from its row. Set by merging sights; no save clears it.
+  /// The element differs from its row. Set by merging occurrences; no save clears it.
   bool dirty = false;
 };
 

@@ -5,7 +5,8 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-/// The one place through which both libraries write to standard error, traces apart.
+/// The one place through which both libraries write to standard error, traces apart. Texts that
+/// come from a file are escaped (escaped_text.h).
 namespace persistence {
 
 /// Reports an SQLite result code:

@@ -18,11 +18,15 @@ struct ConnectionState;
 ///           and reset() at the end.
 /// Indexes:  bind() fills the parameters in turn, from 1; reset() and exec() start over.
 /// Errors:   bind, exec, reset and prepare report on standard error and return nothing; result()
-///           tells the code of the last run. step() reports nothing, its caller does.
-/// Lifetime: finalize() before the connection closes; destruction needs no connection. A copy has
-///           the text and is not compiled.
-/// In a transaction that SQLite has rolled back by itself, step() and exec() do nothing and the
-/// result is SQLITE_ABORT.
+///           is the code of the last run. step() reports nothing, its caller does.
+/// Lifetime: destruction finalizes, and so does closing the Database that the statement was
+/// compiled
+///           on. On any other connection call finalize() before that closes. A copy has the text
+///           and is not compiled.
+/// In a transaction: exec() and run() are writes. One that fails for any reason but the refusal of
+///           its own row (a constraint, a type mismatch, a value that is too big) fails the
+///           transaction. In a failed transaction step(), exec() and run() do nothing and the
+///           result is SQLITE_ABORT.
 class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
  public:
   /// The flag is reserved; pass false.
@@ -48,18 +52,18 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
   /// Runs a statement without rows to its end and makes it ready to be bound again.
   void exec(sqlite3* connection);
   /// As exec, and leaves the report to the caller; the result code, SQLITE_DONE when all is well.
-  int run();
+  int run(sqlite3* connection);
   /// Says nothing of a code that the last step has already answered.
   void reset(sqlite3* connection);
   void finalize(sqlite3* connection);
 
   /// Whether the report of a failed bind is followed by the statement with its values; true at
   /// first.
-  void tellStatementAtBind(bool on) { tellsStatement = on; }
+  void reportStatementAtBind(bool on) { reportsStatement = on; }
 
   /// Code of the last step, exec or run.
   int result() const { return lastResult; }
-  /// The failure that result() tells has been reported before: the compilation failed, or SQLite
+  /// The failure of result() has been reported before: the compilation failed, or SQLite
   /// has rolled the transaction back.
   bool isFailureReported() const;
   const std::string& getText() const { return text; }
@@ -75,7 +79,7 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
   ConnectionState* state = nullptr;
   int lastResult = 0;
   int parameter = 0;
-  bool tellsStatement = true;
+  bool reportsStatement = true;
   bool compilationFailed = false;
 };
 

@@ -1,4 +1,4 @@
-# Sourced by scripts/demo: what stands in the recorded files.
+# Sourced by scripts/demo: prints the content of the recorded files.
 # shellcheck shell=bash
 
 # Rows per table, added up over the files of a directory: one column for each kind of database.

@@ -5,12 +5,13 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 program=$(basename "$0")
 cd "$root" || exit 1
 
-# What every build needs, and what fe_db_record needs on top. "a|b" is satisfied by either; the
+# What every build needs, and what fe_db_record needs in addition. "a|b" is satisfied by either; the
 # first is what gets installed.
 build_packages=(g++ cmake make ninja-build libsqlite3-dev "libboost-dev|libboost1.81-dev" libcli11-dev
                 nlohmann-json3-dev libgtest-dev libgmock-dev)
-# What the benchmarks need on top, and the report on instructions at the end of the tests.
+# What the benchmarks and the instruction counts at the end of the tests need in addition.
 bench_packages=(libbenchmark-dev valgrind python3)
+fault_packages=(python3)  # the fault kit, which the tests run in part
 record_packages=(libclang-19-dev llvm-19-dev)
 record_fallback=(libclang-14-dev)
 
@@ -21,7 +22,7 @@ is_installed() {
   [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
-# Prints those of the given packages that are not there.
+# Prints those of the given packages that are not installed.
 missing_of() {
   local wanted one
   for wanted in "$@"; do
@@ -32,8 +33,8 @@ missing_of() {
   done
 }
 
-# How to become root: nothing to put in front, "sudo", or failure. sudo may ask only where somebody
-# can answer.
+# How to become root: prints no prefix or "sudo", or fails. sudo may ask only if somebody can
+# answer.
 root_prefix() {
   if [ "$(id -u)" = 0 ]; then return 0; fi
   command -v sudo >/dev/null || return 1
@@ -53,8 +54,8 @@ apt() { # PREFIX ARGUMENT...
 
 install_line() { echo "apt-get update && apt-get install -y --no-install-recommends $*"; }
 
-# Sets record_missing: the packages of fe_db_record that are not there, none when an older Clang
-# that serves as well is.
+# Sets record_missing: the packages of fe_db_record that are not installed; empty if an older
+# supported Clang is.
 find_record_missing() {
   record_missing=()
   if [ "${FE_DB_RECORD:-}" = OFF ]; then return; fi
@@ -72,14 +73,14 @@ install_record_packages() { # PREFIX
     if apt "$1" install -y --no-install-recommends $choice; then return; fi
     complain "could not install $choice"
   done
-  complain "going on without fe_db_record: no Clang development packages can be had"
+  complain "continuing without fe_db_record: Clang's development packages are not available"
 }
 
-# Makes sure that the packages given, and those of fe_db_record, are there; installs only what is
-# missing. Without the right to install, says what to install and ends the script.
+# Makes sure that the packages given, and those of fe_db_record, are installed; installs only what
+# is missing. Without the right to install, prints what to install and ends the script.
 need_packages() {
   if ! command -v dpkg-query >/dev/null; then
-    complain "no dpkg here: not looking for packages; needed are the likes of $*"
+    complain "dpkg is not installed: packages are not checked; required are: $*"
     return
   fi
   local missing prefix
@@ -87,15 +88,15 @@ need_packages() {
   find_record_missing
   if [ $((${#missing[@]} + ${#record_missing[@]})) = 0 ]; then return; fi
   if ! prefix=$(root_prefix); then
-    complain "some packages are missing, and installing them takes root. Run as root:"
+    complain "some packages are missing, and installing them requires root. Run as root:"
     echo "  $(install_line "${missing[@]}" "${record_missing[@]}")" >&2
     if [ ${#missing[@]} = 0 ]; then
-      complain "or go on without fe_db_record: FE_DB_RECORD=OFF scripts/$program"
+      complain "or continue without fe_db_record: FE_DB_RECORD=OFF scripts/$program"
     fi
     exit 1
   fi
   say "Installing ${missing[*]} ${record_missing[*]}"
-  apt "$prefix" update || complain "apt-get update failed; trying with the lists that are there"
+  apt "$prefix" update || complain "apt-get update failed; trying with the existing lists"
   if [ ${#missing[@]} -gt 0 ] && ! apt "$prefix" install -y --no-install-recommends "${missing[@]}"; then
     complain "these packages could not be installed: ${missing[*]}"
     exit 1
@@ -103,7 +104,7 @@ need_packages() {
   if [ ${#record_missing[@]} -gt 0 ]; then install_record_packages "$prefix"; fi
 }
 
-memory_mb() { # what this machine, or the container, can still give
+memory_mb() { # available in this machine or container
   local available limit
   available=$(awk '/^MemAvailable:/ { print int($2 / 1024) }' /proc/meminfo)
   limit=$(cat /sys/fs/cgroup/memory.max 2>/dev/null || echo max)
@@ -113,7 +114,7 @@ memory_mb() { # what this machine, or the container, can still give
   echo "$available"
 }
 
-# As many compilers as there are processors, and no more than memory has room for: a source of
+# As many compilers as there are processors, but no more than fit into memory: a source of
 # fe_db_record takes 1.4 GB.
 count_jobs() {
   local jobs room

@@ -5,6 +5,7 @@
 
 #include "connection_state.h"
 #include "persistence/sqlite_report.h"
+#include "persistence/statement.h"
 #include "queue_lock.h"
 
 namespace persistence {
@@ -65,12 +66,14 @@ bool Database::open(bool readOnly) {
   state->end();
   state->attach(connection);
   sqlite3_busy_timeout(connection, busyTimeout);
+  // What a trigger of the file's owner would write or drop is in nobody's count.
+  if (!readOnly) sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
   // 64 MiB of pages while a save fills the tables in no particular order: a twentieth off a write.
   sqlite3_exec(connection, "PRAGMA cache_size=-65536", nullptr, nullptr, nullptr);
   return true;
 }
 
-/// An open alone reads nothing; this tells whether the file is a database.
+/// An open alone reads nothing; this finds out whether the file is a database.
 bool Database::countTables(int& tables) {
   sqlite3_stmt* statement = nullptr;
   const int rc = sqlite3_prepare_v2(
@@ -88,16 +91,34 @@ void Database::disconnect() {
   close();
 }
 
-/// Also finalizes what its owners have left compiled, or SQLite would keep the file open.
+/// Finalizes what its owners have left compiled, or SQLite would keep the file open.
 void Database::close() {
   if (connection == nullptr) return;
   state->end();
-  while (sqlite3_stmt* statement = sqlite3_next_stmt(connection, nullptr)) {
-    sqlite3_finalize(statement);
-  }
-  sqlite3_close(connection);  // rolls back what is open
+  while (!state->compiled.empty()) state->compiled.back()->finalize(connection);
+  finalizeForeignStatements();
+  sqlite3_close_v2(connection);  // rolls back what is open
   connection = nullptr;
   queueLock->release();
+}
+
+/// Statements that an owner has compiled past this layer. Virtual tables have some of their own,
+/// which cannot be distinguished from them and which the close finalizes; where there are any, an
+/// owner's statement keeps the connection open until the owner finalizes it.
+void Database::finalizeForeignStatements() {
+  if (sqlite3_next_stmt(connection, nullptr) == nullptr) return;
+  constexpr char kVirtualTables[] =
+      "SELECT 1 FROM sqlite_schema WHERE type='table' AND rootpage=0 UNION ALL "
+      "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND rootpage=0";
+  sqlite3_stmt* search = nullptr;
+  sqlite3_prepare_v2(connection, kVirtualTables, -1, &search, nullptr);
+  const bool hasNone = sqlite3_step(search) == SQLITE_DONE;
+  sqlite3_finalize(search);
+  while (hasNone) {
+    sqlite3_stmt* statement = sqlite3_next_stmt(connection, nullptr);
+    if (statement == nullptr) return;
+    sqlite3_finalize(statement);
+  }
 }
 
 bool Database::isConnectedFor(const char* operation) {
@@ -183,7 +204,7 @@ bool Database::begin(const char* sql) {
 
 bool Database::commitTransaction() {
   if (!isConnectedFor("commitTransaction")) return false;
-  if (allOrNothing && readFailed) failTransaction();
+  if (allOrNothing && hasFailed()) failTransaction();
   if (state->transactionFailed) {
     state->refuses();
     rollbackTransaction();
@@ -233,12 +254,13 @@ bool Database::execute(const std::string& sql) {
   const int rc = sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr);
   if (rc == SQLITE_OK) return true;
   reportMessage("%s: %s: %s", path.c_str(), sql.c_str(), sqlite3_errmsg(connection));
+  state->noteFailedWrite(rc, connection);
   noteFailedWrite("", sqlite3_errmsg(connection));
   return false;
 }
 
 void Database::noteFailedRead(std::string_view table, std::string_view reason) {
-  readFailed = true;
+  ++failedReads;
   rememberFailure(table, reason);
 }
 

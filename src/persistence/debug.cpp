@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "formatted.h"
+#include "persistence/escaped_text.h"
 
 namespace persistence {
 
@@ -20,8 +21,8 @@ int highestLevelShown() {
 /// A line of this thread's depth, written at once so that lines of other threads do not mix in.
 void writeLine(std::string_view head, std::string_view message) {
   std::string line(static_cast<std::size_t>(depth) * 2, ' ');
-  line.append(head).append(message);
-  if (line.back() != '\n') line.push_back('\n');
+  if (message.ends_with('\n')) message.remove_suffix(1);
+  line.append(head).append(escaped(message)).push_back('\n');
   std::fputs(line.c_str(), stderr);
 }
 

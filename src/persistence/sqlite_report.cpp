@@ -7,6 +7,7 @@
 #include <string>
 
 #include "formatted.h"
+#include "persistence/escaped_text.h"
 
 namespace persistence {
 
@@ -20,10 +21,10 @@ constexpr char kSource[] = "src/verifier/databases_merger/fe_database/compilatio
 void reportSqlite(int rc, int expected, sqlite3* connection, sqlite3_stmt* whileExecuting,
                   int line) {
   std::fprintf(stderr, "orvalesca: sqlite error:%s:%s:%d: rc=%d (expected rc=%d) %s\n", "unknown",
-               kSource, line, rc, expected, sqlite3_errmsg(connection));
+               kSource, line, rc, expected, escaped(sqlite3_errmsg(connection)).c_str());
   if (whileExecuting == nullptr) return;
   char* sql = sqlite3_expanded_sql(whileExecuting);
-  std::fprintf(stderr, "While executing %s\n", sql != nullptr ? sql : "");
+  std::fprintf(stderr, "While executing %s\n", escaped(sql != nullptr ? sql : "").c_str());
   sqlite3_free(sql);
 }
 
@@ -33,7 +34,7 @@ void reportMessage(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   // One write, so that lines of several processes or threads do not mix.
-  const std::string line = "orvalesca: " + formatted(format, arguments) + '\n';
+  const std::string line = "orvalesca: " + escaped(formatted(format, arguments)) + '\n';
   va_end(arguments);
   std::fputs(line.c_str(), stderr);
 }

@@ -22,10 +22,15 @@ DatabaseStatement::DatabaseStatement(std::string_view sql, bool) : text(sql) {}
 
 DatabaseStatement::DatabaseStatement(const DatabaseStatement& other) : text(other.text) {}
 
-DatabaseStatement::~DatabaseStatement() = default;
+/// A statement that a connection knows of is finalized at the latest when that connection closes,
+/// and forgets it then.
+DatabaseStatement::~DatabaseStatement() {
+  if (prepared && state != nullptr) finalize(sqlite3_db_handle(handle));
+}
 
 void DatabaseStatement::prepare(sqlite3* connection) {
   if (prepared || compilationFailed) return;
+  state = ConnectionState::of(connection);
   const int rc = sqlite3_prepare_v2(connection, text.c_str(), -1, &handle, nullptr);
   if (rc != SQLITE_OK) {
     reportSqlite(rc, SQLITE_OK, connection);
@@ -33,7 +38,7 @@ void DatabaseStatement::prepare(sqlite3* connection) {
     lastResult = rc;
     return;
   }
-  state = ConnectionState::of(connection);
+  if (state != nullptr) state->compiled.push_back(this);
   prepared = true;
 }
 
@@ -45,12 +50,12 @@ void DatabaseStatement::bind(sqlite3* connection, unsigned long long value) {
 
 void DatabaseStatement::bind(sqlite3* connection, const long long& value) {
   const int rc = sqlite3_bind_int64(handle, nextParameter(), value);
-  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, tellsStatement ? handle : nullptr);
+  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, reportsStatement ? handle : nullptr);
 }
 
 void DatabaseStatement::bind(sqlite3* connection, int value) {
   const int rc = sqlite3_bind_int(handle, nextParameter(), value);
-  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, tellsStatement ? handle : nullptr);
+  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, reportsStatement ? handle : nullptr);
 }
 
 int DatabaseStatement::step() {
@@ -64,16 +69,17 @@ int DatabaseStatement::step() {
 
 void DatabaseStatement::column(long long& value) { value = sqlite3_column_int64(handle, 0); }
 
-int DatabaseStatement::run() {
+int DatabaseStatement::run(sqlite3* connection) {
   int rc = step();
   while (rc == SQLITE_ROW) rc = step();
   parameter = 0;
+  if (rc != SQLITE_DONE && state != nullptr) state->noteFailedWrite(rc, connection);
   if (handle != nullptr) sqlite3_reset(handle);
   return rc;
 }
 
 void DatabaseStatement::exec(sqlite3* connection) {
-  const int rc = run();
+  const int rc = run(connection);
   if (rc != SQLITE_DONE && !isFailureReported()) reportSqlite(rc, SQLITE_DONE, connection);
 }
 
@@ -92,6 +98,7 @@ void DatabaseStatement::finalize(sqlite3* connection) {
   // The code of a statement that failed before comes back here, and was reported then.
   const int rc = sqlite3_finalize(handle);
   if (rc != SQLITE_OK && rc != lastResult) reportSqlite(rc, SQLITE_OK, connection);
+  if (prepared && state != nullptr) std::erase(state->compiled, this);
   handle = nullptr;
   state = nullptr;
   prepared = compilationFailed = false;

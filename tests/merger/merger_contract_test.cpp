@@ -20,7 +20,7 @@ constexpr char kRows[] =
 
 struct Case {
   const char* rule;
-  const char* sql;
+  std::string sql;
 };
 struct Merger : MergeTest, testing::WithParamInterface<Case> {
   const std::string target = file("target.db", kRows), source = file("source.db", kRows);
@@ -28,7 +28,7 @@ struct Merger : MergeTest, testing::WithParamInterface<Case> {
 struct UnreadableSource : Merger {};
 
 TEST_P(UnreadableSource, IsNotFoldedAndItsTargetNotRewritten) {
-  GetParam().sql != nullptr ? execute(source, GetParam().sql)
+  !GetParam().sql.empty() ? execute(source, GetParam().sql)
                             : std::filesystem::resize_file(source, 10 * 32'768);
   const std::string before = dump(target);
   Loaded merger(target, /*isTarget=*/true), damaged(source);
@@ -39,19 +39,26 @@ TEST_P(UnreadableSource, IsNotFoldedAndItsTargetNotRewritten) {
   EXPECT_FALSE(rewrite(merger));
   EXPECT_THAT(takeReports(), testing::HasSubstr(target));
   merger.beginTransaction();
-  merger.db.execute("DELETE FROM Label");
+  EXPECT_TRUE(merger.db.execute("DELETE FROM Label"));
   merger.commitTransaction();
   EXPECT_NE(takeReports(), "");
   EXPECT_EQ(dump(target), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, UnreadableSource, testing::Values(
-    Case{"Truncated", nullptr}, Case{"TableMissing", "DROP TABLE Label"},
+    Case{"Truncated", ""}, Case{"TableMissing", "DROP TABLE Label"},
     Case{"ColumnMissing", "ALTER TABLE Type DROP COLUMN RefTagCount"},
     Case{"RowIdZero", "UPDATE Field SET FieldId=0"},
     Case{"DamagedPage", "PRAGMA writable_schema=ON; UPDATE sqlite_schema SET rootpage=(SELECT "
          "rootpage FROM sqlite_schema WHERE tbl_name='File' AND type='index') WHERE name='Label'"}),
     kRuleName);
+
+/// Labels of one line exclude each other, and the clause decides what becomes of the second.
+std::string labelsUnique(const std::string& clause) {
+  return "CREATE TABLE Own (LabelId INTEGER PRIMARY KEY, IdentifierId, DeclFileId, DeclLineNum "
+         "UNIQUE ON CONFLICT " + clause + ", DeclColNum); INSERT INTO Own SELECT * FROM Label; "
+         "DROP TABLE Label; ALTER TABLE Own RENAME TO Label";
+}
 
 struct RefusedRow : Merger {};
 
@@ -66,11 +73,23 @@ TEST_P(RefusedRow, FailsTheTransaction) {
 
 INSTANTIATE_TEST_SUITE_P(Cases, RefusedRow, testing::Values(
     Case{"UniqueIndex", "CREATE UNIQUE INDEX Own ON Label (DeclLineNum)"},
-    Case{"Rollback", "CREATE TRIGGER T AFTER INSERT ON File BEGIN SELECT RAISE(ROLLBACK,''); END"},
-    Case{"Ignored", "CREATE TRIGGER T BEFORE INSERT ON Label BEGIN SELECT RAISE(IGNORE); END"},
+    Case{"Rollback", labelsUnique("ROLLBACK")}, Case{"Ignored", labelsUnique("IGNORE")},
+    Case{"Replaced", labelsUnique("REPLACE")},
+    Case{"IdThatIsNoRowId", "CREATE TABLE Copy AS SELECT * FROM Field; DROP TABLE Field; "
+         "ALTER TABLE Copy RENAME TO Field"},
     Case{"NoIdLeft", "UPDATE sqlite_sequence SET seq=9223372036854775807"}), kRuleName);
 
 // clang-format on
+
+TEST_F(Merger, TriggersOfTheTarget_ChangeNothing) {
+  execute(target,
+          "CREATE TRIGGER D AFTER INSERT ON Label BEGIN DELETE FROM Field; END;"
+          "CREATE TRIGGER I BEFORE INSERT ON Type BEGIN SELECT RAISE(IGNORE); END;"
+          "CREATE TRIGGER K BEFORE DELETE ON Type BEGIN SELECT RAISE(IGNORE); END");
+  EXPECT_TRUE(merge(target, {source}));
+  EXPECT_EQ(rows(target, "SELECT (SELECT count(*) FROM Field), (SELECT count(*) FROM Type)"),
+            "1|1\n");
+}
 
 TEST_F(Merger, MergedIntoItselfOrTwice_IsReportedAndDoesNothing) {
   Loaded merger(target, /*isTarget=*/true), other(source);

@@ -153,6 +153,40 @@ TEST_F(DatabaseTest, DestroyedInATransactionWithAnActiveStatement_RollsBackAndCl
   execute(file, "INSERT INTO T VALUES (9)");
 }
 
+TEST_F(DatabaseTest, Closing_FinalizesWhatTheLayerCompiledAndLeavesSqliteItsOwn) {
+  const std::string file = databaseWithTable();
+  execute(file, "CREATE VIRTUAL TABLE V USING fts5(Name); INSERT INTO V VALUES ('one'), ('two')");
+  for (const bool isDestroyed : {false, true}) {
+    std::optional<TestDatabase> db(file);
+    ASSERT_TRUE(db->quick_connect(false));
+    // The virtual table compiles statements for itself on the same connection.
+    EXPECT_TRUE(db->execute("INSERT INTO V VALUES ('three')"));
+    persistence::DatabaseStatement open("SELECT rowid FROM V");
+    open.prepare(db->raw());
+    ASSERT_EQ(open.step(), SQLITE_ROW);
+    {
+      persistence::DatabaseStatement endsBefore("SELECT rowid FROM V");
+      endsBefore.prepare(db->raw());
+    }
+    isDestroyed ? db.reset() : db->disconnect();
+    EXPECT_EQ(openDescriptors(file), 0);
+    EXPECT_EQ(open.step(), SQLITE_MISUSE) << "it is finalized";
+  }
+  EXPECT_EQ(rows(file, "SELECT count(*) FROM V"), "4\n");
+}
+
+TEST_F(DatabaseTest, TriggersOfTheFile_DoNotRun) {
+  const std::string file = databaseWithTable();
+  execute(file,
+          "CREATE TRIGGER Doubles AFTER INSERT ON T BEGIN INSERT INTO T VALUES (NEW.A + 10); END;"
+          "CREATE TRIGGER Drops BEFORE INSERT ON T WHEN NEW.A = 2 BEGIN SELECT RAISE(IGNORE); END");
+  TestDatabase db(file);
+  ASSERT_TRUE(db.quick_connect(false));
+  db.add(1);
+  db.add(2);
+  EXPECT_EQ(rows(file, "SELECT A FROM T"), "1\n2\n");
+}
+
 TEST_F(DatabaseTest, BeginOnAFileWithoutPages_LeavesThePageSizeOpen) {
   TestDatabase db(path("new.db"), /*mustHaveTables=*/false);
   ASSERT_TRUE(db.quick_connect(false));

@@ -80,5 +80,48 @@ TEST_P(FailedTransaction, CommitRightAfterTheFailure_AnswersFalse) {
 INSTANTIATE_TEST_SUITE_P(By, FailedTransaction, testing::Values(kConstraint, kStatement, kFull),
                          caseName);
 
+using FailedWrite = DatabaseTest;
+
+// The file may be written and its directory not: SQLite cannot make a journal and rolls nothing
+// back. Once the journal can be made, what follows would be committed without the first row.
+TEST_F(FailedWrite, WithoutARollbackOfSqlite_FailsTheTransactionAllTheSame) {
+  const std::string file = databaseWithTable();
+  const std::string journal = file + "-journal";
+  const std::function<void(TestDatabase&)> writes[] = {
+      [](TestDatabase& db) { db.add(1); },
+      [](TestDatabase& db) { EXPECT_FALSE(db.execute("INSERT INTO T VALUES (1)")); },
+  };
+  for (const auto& write : writes) {
+    TestDatabase db(file);
+    ASSERT_TRUE(db.quick_connect(false));
+    ASSERT_TRUE(db.beginTransaction());
+    std::filesystem::create_directory(journal);
+    write(db);
+    EXPECT_THAT(takeReports(), HasSubstr("unable to open database file"));
+    EXPECT_EQ(sqlite3_get_autocommit(db.raw()), 0) << "SQLite has rolled back";
+    std::filesystem::remove(journal);
+    db.add(2);
+    EXPECT_EQ(db.insert.result(), SQLITE_ABORT);
+    EXPECT_FALSE(db.commitTransaction());
+    expectOneLine({file, "nothing more is written"});
+    EXPECT_EQ(rows(file, "SELECT A FROM T"), "");
+  }
+}
+
+TEST_F(FailedWrite, RefusedRow_LeavesTheRestOfTheTransaction) {
+  TestDatabase db(databaseWithTable());
+  execute(db.getPath(), "CREATE TABLE U (I INTEGER PRIMARY KEY)");
+  ASSERT_TRUE(db.quick_connect(false));
+  ASSERT_TRUE(db.beginTransaction());
+  db.add(1);
+  db.add(1);
+  EXPECT_FALSE(db.execute("INSERT INTO U VALUES ('no number')"));
+  EXPECT_FALSE(db.execute("INSERT INTO T VALUES (zeroblob(2000000000))"));
+  EXPECT_EQ(lineCount(takeReports()), 3);
+  db.add(2);
+  EXPECT_TRUE(db.commitTransaction());
+  EXPECT_EQ(rows(db.getPath(), "SELECT A FROM T"), "1\n2\n");
+}
+
 }  // namespace
 }  // namespace fe_db_tests

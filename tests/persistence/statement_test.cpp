@@ -106,6 +106,14 @@ TEST_F(StatementTest, FailedCompilation_IsReportedOnceUntilFinalize) {
   }
 }
 
+TEST_F(StatementTest, ReportsOfAHostileSchema_AreEscaped) {
+  execute(db.getPath(), "CREATE TABLE H (\"\x1b[2J\" UNIQUE); INSERT INTO H VALUES (1)");
+  EXPECT_FALSE(db.execute("INSERT INTO H VALUES (1)"));
+  const std::string report = takeReports();
+  EXPECT_THAT(report, testing::HasSubstr("H.\\x1b[2J"));
+  EXPECT_EQ(report.find('\x1b'), std::string::npos);
+}
+
 TEST_F(StatementTest, ExecOfARefusedRow_ReportsOnceAndIsReadyForTheNext) {
   execute(db.getPath(), "INSERT INTO T VALUES (1)");
   run(insert, 1);

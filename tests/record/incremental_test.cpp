@@ -119,10 +119,11 @@ TEST_F(Incremental, KeepGoing_SavesWhatThereIsOfErrorsAndNeverReusesIt) {
 TEST_F(Incremental, UnitsThatAreGone_AreNamedAndRemovedOnRequest) {
   writeDatabase({"gcc -Isecond -c unit.c", "gcc -Isecond -DA -c unit.c"});
   recordQuietly({"-p", "."});
-  shell("touch ../out/notes.db");
+  shell("cd ../out; touch notes.db; mkdir .gone.c-0123456789abcdef.fe_db-new");
   writeDatabase({"gcc -Isecond -c unit.c"});
-  EXPECT_THAT(record({"-p", "."}).output, AllOf(HasSubstr("unit.c-"), HasSubstr("--prune")));
-  EXPECT_THAT(outputs(), SizeIs(7));
+  EXPECT_THAT(record({"-p", "."}).output,
+              AllOf(HasSubstr("gone.c-"), HasSubstr("2 units"), HasSubstr("--prune")));
+  EXPECT_THAT(outputs(), SizeIs(8));
   recordQuietly({"--prune", "-p", "."});
   EXPECT_THAT(outputs(), AllOf(SizeIs(4), testing::Contains("notes.db")));
   EXPECT_THAT(record({"-p", "."}).output, AllOf(HasSubstr("1 reused"), Not(HasSubstr("prune"))));

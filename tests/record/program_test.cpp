@@ -106,17 +106,21 @@ TEST_F(RecordProgram, CommandWithTwoSourcesAndUnknownFlags_GivesTwoUnits) {
   EXPECT_THAT(outputs(), SizeIs(6));
 }
 
-TEST_F(RecordProgram, LeftoversOfAKilledRun_AreOverwritten) {
+TEST_F(RecordProgram, FilesOfOthersBesideThoseOfAUnit_StayAsTheyAre) {
   recordQuietly({"--", "gcc", "-c", "good.c"});
   const std::vector<std::string> names = outputs();
   for (const std::string& name : names) {
-    for (const char* leftover : {".tmp", ".tmp-journal"}) {
-      std::ofstream(output() / (name + leftover)) << "left behind";
+    for (const char* ending : {".tmp", ".new", ".tmp-journal"}) {
+      std::ofstream(output() / (name + ending)) << "precious";
     }
   }
-  recordQuietly({"--force", "--", "gcc", "-c", "good.c"});
-  EXPECT_EQ(outputs(), names);
+  recordQuietly({"--force", "--keep-preprocessed", "--", "gcc", "-c", "good.c"});
   expectWhole(names);
+  for (const std::string& name : names) {
+    for (const char* ending : {".tmp", ".new", ".tmp-journal"}) {
+      EXPECT_EQ(readFile(output() / (name + ending)), "precious") << name << ending;
+    }
+  }
 }
 
 TEST_F(RecordProgram, KilledWhileItReads_LeavesNothing) {

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +28,8 @@ class SqlTrace {
   std::vector<std::string> take() { return std::exchange(statements, {}); }
   /// The connection opened last.
   sqlite3* connection() const { return latest; }
+  /// Called with each text, before the statement runs.
+  std::function<void(const std::string&)> onStatement;
 
  private:
   static int install(sqlite3* connection, char**, const void*) {
@@ -34,7 +37,9 @@ class SqlTrace {
     return sqlite3_trace_v2(connection, SQLITE_TRACE_STMT, record, nullptr);
   }
   static int record(unsigned, void*, void*, void* sql) {
-    if (current != nullptr) current->statements.push_back(static_cast<const char*>(sql));
+    if (current == nullptr) return 0;
+    current->statements.push_back(static_cast<const char*>(sql));
+    if (current->onStatement) current->onStatement(current->statements.back());
     return 0;
   }
 

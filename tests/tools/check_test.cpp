@@ -58,14 +58,14 @@ TEST_P(CheckDamage, Printed) {
 constexpr DamageCase kDamages[] = {
     {"TablesMissing", "DROP TABLE Type; DROP TABLE MacroExpansion; UPDATE Label SET DeclFileId=77",
      "FILE: it has no table MacroExpansion\nFILE: it has no table Type\n"
-     "Label row 1: DeclFileId 77 leads to no row of File\n"},
+     "Label row 1: DeclFileId references File row 77, which does not exist\n"},
     {"ColumnsMissing", "ALTER TABLE Variable DROP COLUMN Linkage; UPDATE Variable SET TypeId=77;"
      "ALTER TABLE Label RENAME COLUMN LabelId TO Id; UPDATE Label SET Id=8, DeclFileId=77",
      "FILE: its table Variable has no column Linkage\n"
      "FILE: its table Label has no column LabelId\n"
-     "Variable row 5: TypeId 77 leads to no row of Type\n"
-     "Label row 8: DeclFileId 77 leads to no row of File\n"},
-    {"PageSize", "PRAGMA page_size=4096; VACUUM", "FILE: its pages have 4096 bytes, not 32768\n"},
+     "Variable row 5: TypeId references Type row 77, which does not exist\n"
+     "Label row 8: DeclFileId references File row 77, which does not exist\n"},
+    {"PageSize", "PRAGMA page_size=4096; VACUUM", "FILE: the page size is 4096 bytes, not 32768\n"},
     {"Index", "CREATE INDEX I ON Label (DeclLineNum); PRAGMA writable_schema=1; UPDATE "
      "sqlite_schema SET sql='CREATE INDEX I ON Label (DeclColNum)' WHERE name='I'",
      "FILE: row 1 missing from index I\n"},
@@ -82,10 +82,27 @@ constexpr DamageCase kDamages[] = {
      "INSERT INTO Function VALUES (9, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0);"
      "INSERT INTO Variable VALUES (8, 1, 1, 0, 0, 0, 0, 0, 0);"
      "INSERT INTO ExternalIdentifier VALUES (4, 1, 0, 0), (5, 1, 1, NULL)",
-     "ExternalIdentifier row 1: EntityId 9 leads to no row of Variable\n"
-     "ExternalIdentifier row 2: EntityId 8 leads to no row of Function\n"
-     "ExternalIdentifier row 4: EntityId is 0 and has to lead to a row of Variable\n"
+     "ExternalIdentifier row 1: EntityId references Variable row 9, which does not exist\n"
+     "ExternalIdentifier row 2: EntityId references Function row 8, which does not exist\n"
+     "ExternalIdentifier row 4: EntityId is 0 but must reference a row of Variable\n"
      "ExternalIdentifier row 5: EntityId is NULL, not an integer\n"},
+    {"NoRowIdsBehindIds", "CREATE TABLE T AS SELECT * FROM Field; DROP TABLE Field; ALTER TABLE T "
+     "RENAME TO Field; DROP TABLE Label; CREATE TABLE Label (LabelId INT PRIMARY KEY, "
+     "IdentifierId, DeclFileId, DeclLineNum, DeclColNum); INSERT INTO Label VALUES (1, 1, 1, 10, 1);"
+     "DROP TABLE EnumConstant; CREATE VIRTUAL TABLE EnumConstant USING rtree_i32 (EnumConstantId, "
+     "IdentifierId, DeclFileId, DeclLineNum, DeclColNum);"
+     "INSERT INTO EnumConstant VALUES (1, 1, 2, 7, 9);"
+     "DROP TABLE TypeReference; CREATE TABLE TypeReference (RowId, DeclaredType, ReferencedType)",
+     "TypeReference: rowid is not the row id (not declared INTEGER PRIMARY KEY)\n"
+     "Field: FieldId is not the row id (not declared INTEGER PRIMARY KEY)\n"
+     "EnumConstant: it is a virtual table\n"
+     "Label: LabelId is not the row id (not declared INTEGER PRIMARY KEY)\n"},
+    {"IdsAtBothEnds", "CREATE TABLE T AS SELECT 9223372036854775807*2+Kind AS FileId, Path, Kind, "
+     "Lang, Huge FROM File; INSERT INTO T VALUES (-9223372036854775807-1, 'x', 0, 0, 0), "
+     "(-9223372036854775807-1, 'y', 0, 0, 0), (9223372036854775807, 'z', 0, 0, 0),"
+     "(9223372036854775807, 'z2', 0, 0, 0), (1, 'a', 0, 0, 0), (2, 'b', 0, 0, 0);"
+     "DELETE FROM T WHERE typeof(FileId)<>'integer'; DROP TABLE File; ALTER TABLE T RENAME TO File",
+     "File: FileId is not the row id (not declared INTEGER PRIMARY KEY)\n"},
     {"EqualPathsAndNames", "CREATE TABLE T (FileId INTEGER PRIMARY KEY, Path, Kind, Lang, Huge);"
      "INSERT INTO T SELECT * FROM File; INSERT INTO T VALUES (7, 'a.c', 0, 0, 0), (9, 'A.C', 0, 0, "
      "0), (8, 'a.c', 1, 2, 0); DROP TABLE File; ALTER TABLE T RENAME TO File;"
@@ -96,22 +113,23 @@ constexpr DamageCase kDamages[] = {
      "Identifier row 4: the same Name as row 3\nIdentifier row 5: Name is an integer, not text\n"},
     {"RowIdsFromNegativeOverZero", "UPDATE Field SET FieldId=-3, RefCount=NULL; INSERT INTO Field "
      "VALUES (0, 1, 2, 7, 8, 77), (-9, 1, 99, 7, 8, 0); UPDATE TypeReference SET rowid=0",
-     "TypeReference row 0: its row id is 0, which means no row\n"
-     "Field row -9: DeclFileId 99 leads to no row of File\n"
+     "TypeReference row 0: row id 0 is reserved (it means \"no row\")\n"
+     "Field row -9: DeclFileId references File row 99, which does not exist\n"
      "Field row -3: RefCount is NULL, not an integer\n"
-     "Field row 0: its row id is 0, which means no row\n"
+     "Field row 0: row id 0 is reserved (it means \"no row\")\n"
      "Field row 0: the same DeclFileId, DeclLineNum, DeclColNum, IdentifierId as row -3\n"},
     {"Notes", "UPDATE MacroInvocation SET MacroId=77, FileId=77; UPDATE MacroInvocationCodeOrigin "
      "SET FileId=NULL; UPDATE ExternalIdentifier SET Kind=iif(Kind, -2, 2) WHERE Kind<>1",
-     "note: MacroInvocation: ids that lead to no row, as a merge leaves them: 2\n"
-     "note: ExternalIdentifier row 1: Kind 2 is none of -1, 0 and 1\n"
-     "note: ExternalIdentifier row 3: Kind -2 is none of -1, 0 and 1\n"},
+     "note: MacroInvocation: 2 macro-use ids are stale since a merge renumbered their "
+     "targets (expected)\n"
+     "note: ExternalIdentifier row 1: Kind 2 is not -1, 0 or 1\n"
+     "note: ExternalIdentifier row 3: Kind -2 is not -1, 0 or 1\n"},
     {"BitsOfNames", "UPDATE Identifier SET Kind=Kind|1024|9 WHERE Name='main'; "
      "UPDATE Identifier SET Kind=1 WHERE Name='ns::f'; DROP TABLE ExternalIdentifier",
      "FILE: it has no table ExternalIdentifier\n"
-     "note: Identifier row 1: bit 1 of Kind is set, but no row of Type bears the name\n"
-     "note: Identifier row 1: bit 8 of Kind is set, but no row of Macro bears the name\n"
-     "note: Identifier row 2: bit 2 of Kind is not set, but a row of Function bears the name\n"},
+     "note: Identifier row 1: bit 1 of Kind is set, but no row of Type has the name\n"
+     "note: Identifier row 1: bit 8 of Kind is set, but no row of Macro has the name\n"
+     "note: Identifier row 2: bit 2 of Kind is not set, but a row of Function has the name\n"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Cases, CheckDamage, testing::ValuesIn(kDamages), kRuleName);
@@ -128,11 +146,12 @@ TEST_P(CheckReference, LeadsToARow_OrIsUnsetWhereItMayBe) {
     stream >> std::ws;
     const std::string& file = files[table.rfind("Macro", 0) == 0];
     for (const std::string value : {"99", "0", "NULL"}) {
-      const std::string reason = value == "99" ? " 99 leads to no row of "
-                                               : " is " + value + " and has to lead to a row of ";
+      const std::string reason =
+          value == "99" ? " references " + target + " row 99, which does not exist"
+                        : " is " + value + " but must reference a row of " + target;
       const std::string expected = rows(file,
           "UPDATE " + table + " SET " + column + "=" + value + "; SELECT '" + table +
-          " row ' || min(rowid) || ': " + column + reason + target + "' FROM " + table);
+          " row ' || min(rowid) || ': " + column + reason + "' FROM " + table);
       const std::string text = checked(file);
       EXPECT_TRUE(value != "99" && mayBeUnset ? text.empty() : text.find(expected) != text.npos)
           << expected << text;
@@ -186,8 +205,8 @@ INSTANTIATE_TEST_SUITE_P(Cases, CheckKey, testing::Values(
 
 TEST_F(Check, BitsInAPreprocessingFile_OnlyThatOfMacrosIsJudged) {
   EXPECT_EQ(checked(preprocessing("UPDATE Identifier SET Kind=255-Kind WHERE Name<>'main'")),
-      "note: Identifier row 2: bit 8 of Kind is set, but no row of Macro bears the name\n"
-      "note: Identifier row 3: bit 8 of Kind is not set, but a row of Macro bears the name\n");
+      "note: Identifier row 2: bit 8 of Kind is set, but no row of Macro has the name\n"
+      "note: Identifier row 3: bit 8 of Kind is not set, but a row of Macro has the name\n");
 }
 
 // clang-format on
@@ -197,9 +216,10 @@ TEST_F(Check, DamagedBytes_AreAFindingAndTheRestIsChecked) {
   std::fstream(file, std::ios::in | std::ios::out | std::ios::binary)
       .seekp(std::stol(page) * 32768)
       .write(std::string(500, '\xff').data(), 500);
-  EXPECT_THAT(checked(file), testing::MatchesRegex(
-                                 "(FILE: [^\n]*\n)+File: not all of it could be checked: [^\n]*\n"
-                                 "CallPoint row 1: CalleeId 77 leads to no row of Function\n"));
+  EXPECT_THAT(checked(file),
+              testing::MatchesRegex(
+                  "(FILE: [^\n]*\n)+File: the check is incomplete: [^\n]*\n"
+                  "CallPoint row 1: CalleeId references Function row 77, which does not exist\n"));
 }
 
 TEST_F(Check, Json_HasOneObjectALine) {
@@ -207,8 +227,9 @@ TEST_F(Check, Json_HasOneObjectALine) {
   const std::string file = compilation(kinds + "DROP TABLE Field; UPDATE Label SET DeclFileId=7");
   EXPECT_EQ(feDb({"check", "--json", file}).output,
             R"({"severity":"finding","table":null,"row":null,"reason":"it has no table Field"}
-{"severity":"note","table":"ExternalIdentifier","row":3,"reason":"Kind 7 is none of -1, 0 and 1"}
-{"severity":"finding","table":"Label","row":1,"reason":"DeclFileId 7 leads to no row of File"}
+{"severity":"note","table":"ExternalIdentifier","row":3,"reason":"Kind 7 is not -1, 0 or 1"}
+{"severity":"finding","table":"Label","row":1,)"
+            R"("reason":"DeclFileId references File row 7, which does not exist"}
 )");
 }
 
@@ -232,7 +253,13 @@ TEST_F(Check, Text_HasEachTokenAndExpansionWhereItsRowSays) {
             "'1+'\n"
             "MacroExpansion row 2: '2' is not in line 2, column 5, where the text has '+'\n"
             "MacroExpansion row 3: '(1+2)' is not in line 9, column 3, where the text has ''\n");
-  EXPECT_EQ(feDb({"check", "--text", path("none.i"), file}).exitCode, 1);
+  execute(file,
+          "UPDATE MacroInvocationCodeOrigin SET OffsetColumnInInvocation=-9, "
+          "EndOffsetColumnInInvocation=9223372036854775807 WHERE rowid=1");
+  EXPECT_THAT(feDb({"check", "--text", text, file}).output, testing::HasSubstr("row 1: '('"));
+  for (const std::string& none : {path("none.i"), path(".")}) {
+    expectRefusal({"check", "--text", none, file}, "fe_db: " + none + ": cannot read it: ");
+  }
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ class Index : public FeDbProgram {
   static std::string all(const std::string& own) {
     std::set<std::string> lines;
     fe_db_tools::eachSearchIndex(
-        [&](const auto& index) { lines.insert(std::string(index.name) + '|' + index.sql + '\n'); });
+        [&](const auto& index) { lines.insert(index.name + '|' + index.sql + '\n'); });
     if (!own.empty()) lines.insert(own);
     std::string text;
     for (const std::string& line : lines) text += line;
@@ -45,6 +45,18 @@ TEST_F(Index, OfAFileThatIsLocked_OrNoCompilationDatabase_IsRefused) {
   writer.rows("ROLLBACK");
   EXPECT_EQ(rows(file, kIndexes), "");
   expectRefusal({"index", preprocessingFile(path("pp.db"), "")}, "it is a preprocessing database");
+}
+
+TEST_F(Index, ThatCannotBeMade_IsOneReport_AndTheFileStaysAsItIs) {
+  execute(file, "CREATE TABLE Macro_Key_Index (x); CREATE TABLE Type_Key_Index (x)");
+  const std::string before = rows(file, kIndexes);
+  const ProgramResult result = feDb({"index", file});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors,
+              testing::MatchesRegex("orvalesca: [^\n]*\nfe_db: " + file +
+                                    ": the file is unchanged: there is already a table named "
+                                    "Macro_Key_Index\n"));
+  EXPECT_EQ(rows(file, kIndexes), before);
 }
 
 }  // namespace

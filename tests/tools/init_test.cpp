@@ -49,7 +49,7 @@ TEST_F(Init, WhatIsThere_IsNeverOverwritten) {
     const ProgramResult result = feDb({"init", path(name)});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.errors,
-              "fe_db: " + path(name) + ": it exists already; remove it or choose another name\n");
+              "fe_db: " + path(name) + ": it already exists; remove it or choose another name\n");
   }
   EXPECT_EQ(std::filesystem::file_size(path("text")), 8U);
   EXPECT_FALSE(std::filesystem::exists(path("nowhere")));
@@ -58,16 +58,18 @@ TEST_F(Init, WhatIsThere_IsNeverOverwritten) {
 TEST_F(Init, NoSuchDirectory_IsNamed) {
   const ProgramResult result = feDb({"init", path("missing/x.db")});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.errors, "fe_db: " + path("missing/x.db.new") +
-                               ": cannot create it: No such file or directory\n");
+  EXPECT_EQ(result.errors, "fe_db: " + path("missing/x.db") +
+                               ": cannot create it: No such file or directory; choose a file in a "
+                               "directory that exists and is writable\n");
 }
 
 TEST_F(Init, FullDisk_LeavesNothing) {
   const ProgramResult result = runProgram({"bash", "-c", "trap '' XFSZ; ulimit -f 100; exec \"$@\"",
                                            "bash", FE_DB_PROGRAM, "init", path("x.db")});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.errors, HasSubstr("x.db.new: cannot create it: File too large"));
-  EXPECT_FALSE(std::filesystem::exists(path("x.db")) || std::filesystem::exists(path("x.db.new")));
+  EXPECT_THAT(result.errors,
+              HasSubstr(path("x.db") + ": cannot create it: File too large; free some space"));
+  EXPECT_TRUE(std::filesystem::is_empty(path(".")));
 }
 
 TEST_F(Init, SeveralAtOnce_OneMakesTheFile) {

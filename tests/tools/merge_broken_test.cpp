@@ -84,6 +84,8 @@ struct MergeBroken : FeDbProgram, testing::WithParamInterface<std::tuple<const c
       EXPECT_THAT(result.errors, HasSubstr("fe_db: "));
       EXPECT_TRUE(files() == !isNew || (!isNew && how != "FullDisk")) << "left something";
     }
+    EXPECT_TRUE(result.signal != SIGINT || !isNew || files() == (found == after))
+        << "left something";
     merge();
     EXPECT_TRUE(stateOf(folder) == (found == after ? afterTwo : after)) << "the next merge differs";
     EXPECT_EQ(files(), 1) << "left something";

@@ -92,8 +92,7 @@ constexpr UsageCase kUsageCases[] = {{"NoTarget", "", ""},
                                      {"TargetIsASymbolicLinkToASource", "soft a", "soft and a "}};
 INSTANTIATE_TEST_SUITE_P(Cases, MergeUsage, testing::ValuesIn(kUsageCases), kRuleName);
 
-TEST_F(Merge, TargetThatIsNotThere_IsMadeInTheStoredFormat_ALeftoverIsOverwritten) {
-  fileHolding("t.new", "half a database");
+TEST_F(Merge, TargetThatIsNotThere_IsMadeInTheStoredFormat) {
   unit("a"), merged({"t", "a"});
   EXPECT_EQ(rows(path("t"), "PRAGMA page_size; PRAGMA user_version"), "32768\n1\n");
   EXPECT_EQ(entries("."), 2);
@@ -102,10 +101,12 @@ TEST_F(Merge, TargetThatIsNotThere_IsMadeInTheStoredFormat_ALeftoverIsOverwritte
 TEST_F(Merge, ListsAndNames_AreMergedInTheOrderGiven_WhatTheTargetHoldsFirst) {
   unit("a b", 5), unit("c", 6), unit("d", 7), unit("t4", 8);
   const std::string list = fileHolding("list", "\na b\n\n./c");  // no newline at its end
+  const std::string windows = fileHolding("windows", "\r\na b\r\n./c\r\n");
   merged({"t1", "@list", "d"}), merged({"t2", "-", "d"}, list), merged({"t3", "d", "@list"});
   merged({"t4", "c"});
   EXPECT_EQ(files("t1"), "a b.c|2\nc.c|2\nd.c|2\nh.h|5\n3\n");
-  EXPECT_EQ(files("t2"), files("t1"));
+  merged({"t5", "@windows", "d"}), merged({"t6", "-", "d"}, windows);
+  for (const char* same : {"t2", "t5", "t6"}) EXPECT_EQ(files(same), files("t1"));
   EXPECT_EQ(files("t3"), "a b.c|2\nc.c|2\nd.c|2\nh.h|7\n3\n");
   EXPECT_EQ(files("t4"), "c.c|2\nh.h|8\nt4.c|2\n2\n");
 }
@@ -224,6 +225,141 @@ TEST_P(MergeBadFile, AsASource_StopsTheMergeOrIsPassedOver_AsATarget_StaysAsItIs
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, MergeBadFile, testing::ValuesIn(kBadCases), kRuleName);
+
+/// The tables are emptied and written anew, and what they are made as decides what is left.
+struct LossCase {
+  std::string rule;  ///< the table, before a '_' if there is one
+  std::string sql;
+  const char* reason;
+};
+
+constexpr char kNoRowId[] = "Id is not the row id \\(not declared INTEGER PRIMARY KEY\\)";
+
+LossCase copied(const std::string& table) {
+  return {table,
+          "CREATE TABLE T AS SELECT * FROM " + table + "; DROP TABLE " + table +
+              "; ALTER TABLE T RENAME TO " + table,
+          kNoRowId};
+}
+
+LossCase label(const std::string& rule, const std::string& id, const std::string& end,
+               const char* reason = kNoRowId) {
+  return {"Label_" + rule,
+          "DROP TABLE Label; CREATE " + id + ", IdentifierId, DeclFileId, DeclLineNum, DeclColNum" +
+              end,
+          reason};
+}
+
+struct MergeLoss : Merge, testing::WithParamInterface<LossCase> {};
+
+TEST_P(MergeLoss, IsRefusedBeforeAnyWork_AsIsAnIndex) {
+  const auto& [rule, sql, reason] = GetParam();
+  const std::string table = rule.substr(0, rule.find('_'));
+  unit("a"), unit("t");
+  execute(path("t"), sql);
+  const std::string before = bytesOf("t");
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"merge", "t", "a"}, {"index", "t"}}) {
+    const ProgramResult result = feDb(words, {.directory = path(".")});
+    EXPECT_EQ(result.exitCode, 1) << words[0];
+    EXPECT_THAT(result.errors, MatchesRegex("fe_db: t: its table " + table +
+                                            " cannot be rewritten without data loss: [^\n]*" +
+                                            reason + "; merge the file into a new one instead\n"));
+    EXPECT_TRUE(bytesOf("t") == before);
+    EXPECT_EQ(entries("."), 2);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, MergeLoss,
+    testing::Values(
+        copied("File"), copied("Identifier"), copied("Macro"), copied("MacroInvocation"),
+        copied("Type"), copied("Variable"), copied("Function"), copied("ExternalIdentifier"),
+        copied("Field"), copied("EnumConstant"), copied("Label"), copied("CallPoint"),
+        label("Int", "TABLE Label (LabelId INT PRIMARY KEY", ")"),
+        label("Descending", "TABLE \"LABEL\" (labelID INTEGER PRIMARY KEY DESC", ")"),
+        label("OfSeveral", "TABLE Label (LabelId INTEGER",
+              ", PRIMARY KEY (LabelId, IdentifierId))"),
+        label("OtherKey", "TABLE Label (LabelId INTEGER, Key INTEGER PRIMARY KEY", ")"),
+        label("WithoutRowId", "TABLE Label (LabelId INTEGER PRIMARY KEY", ") WITHOUT ROWID"),
+        label("Virtual", "VIRTUAL TABLE Label USING fts5 (LabelId", ")", "it is a virtual table"),
+        LossCase{"TypeReference_OwnRowId", "ALTER TABLE TypeReference ADD COLUMN \"ROWID\" INTEGER",
+                 "rowid is not the .*"}),
+    kRuleName);
+
+TEST_F(Merge, SourceWhoseTablesHaveNoRowIds_IsReadAllTheSame) {
+  unit("a");
+  for (const char* table : {"File", "Identifier", "Function", "Label"}) {
+    execute(path("a"), copied(table).sql);
+  }
+  merged({"new", "a"});
+  EXPECT_EQ(files("new"), files("a"));
+}
+
+struct MergeKeeps : Merge, testing::WithParamInterface<LossCase> {};
+
+TEST_P(MergeKeeps, WhatHasRowIds_HoweverItIsDeclared) {
+  unit("a"), unit("t");
+  fs::copy_file(path("t"), path("plain"));
+  execute(path("t"), GetParam().sql);
+  for (const char* target : {"t", "plain"}) {
+    execute(path(target), "INSERT INTO Label VALUES (7, 1, 1, 2, 3)");
+    merged({target, "a"});
+  }
+  EXPECT_EQ(dumpOf("t"), dumpOf("plain"));
+  EXPECT_EQ(rows(path("t"), "SELECT typeof(LabelId) FROM Label"), "integer\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, MergeKeeps,
+    testing::Values(
+        label("QuotedNames", "TABLE \"label\" (\"LABELID\" \"INTEGER\" PRIMARY KEY", ")"),
+        label("TableConstraint", "TABLE Label (LabelId INTEGER", ", PRIMARY KEY (LabelId DESC))"),
+        LossCase{"TypeReference_NamedRowId",
+                 "DROP TABLE TypeReference; CREATE TABLE TypeReference (rowid INTEGER "
+                 "PRIMARY KEY, DeclaredType, ReferencedType)",
+                 ""}),
+    kRuleName);
+
+TEST_F(Merge, TriggersOfATarget_AreReportedOnce) {
+  unit("a"), unit("t");
+  for (const char* event : {"INSERT", "DELETE"}) {
+    execute(path("t"), std::string("CREATE TRIGGER ") + event + "_T AFTER " + event +
+                           " ON Label BEGIN DELETE FROM Field; END");
+  }
+  const ProgramResult result = merge({"t", "a"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.errors, MatchesRegex("fe_db: t: triggers do not run in a merge: 2; "
+                                          "rebuild what they maintain, [^\n]*\n"));
+  EXPECT_EQ(merged({"t2", "t"}).find("trigger"), std::string::npos);  // sources are only read
+}
+
+/// Whatever the limit: the program says what has no room, and the target is whole or as it was.
+TEST_F(Merge, WithoutMemory_NamesTheFile) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the sanitizer needs more address space than any limit here";
+#endif
+  unit("t");
+  compilationFile(path("a"),
+                  "INSERT INTO Identifier (Name) VALUES ('x'); WITH RECURSIVE n(i) AS (SELECT 1 "
+                  "UNION ALL SELECT i + 1 FROM n LIMIT 200000) INSERT INTO Label "
+                  "(IdentifierId, DeclLineNum, DeclColNum) SELECT 1, i, i FROM n");
+  const std::string before = bytesOf("t");
+  int refused = 0;
+  for (int megabytes = 24; refused == 0 || megabytes < 64; megabytes += 4) {
+    const ProgramResult result = runProgram(
+        {"bash", "-c", "ulimit -v " + std::to_string(megabytes * 1024) + "; exec \"$0\" merge t a",
+         FE_DB_PROGRAM},
+        {.directory = path(".")});
+    ASSERT_EQ(result.signal, 0) << megabytes;
+    if (result.exitCode == 127) continue;  // not even the libraries had room
+    if (result.exitCode == 0) break;
+    ++refused;
+    EXPECT_TRUE(bytesOf("t") == before) << megabytes;
+    EXPECT_THAT(result.errors, MatchesRegex("(orvalesca: [^\n]*\n|fe_db: [at]: [^\n]*\n)+"));
+  }
+  EXPECT_GT(refused, 0);
+}
 
 }  // namespace
 }  // namespace fe_db_tests

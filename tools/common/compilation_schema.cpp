@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <array>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -12,37 +11,24 @@
 #include "fe_db/schema.h"
 #include "new_file.h"
 #include "search_indexes.h"
+#include "tables.h"
 
 namespace fe_db_tools {
 namespace {
 
 namespace schema = orvalesca::databases_merger::schema;
 
-/// The tables that only a compilation database has. Columns stand in the order in which the
-/// library writes them. Their ids go without AUTOINCREMENT, which costs a quarter of the writing
-/// time: no row of theirs is named by an id from outside the file.
-constexpr std::array<const char*, 9> kCompilationTables = {
-    "CREATE TABLE Type (TypeId INTEGER PRIMARY KEY, IdentifierId INTEGER, Unnamed BOOL, Local "
-    "BOOL, Incomplete BOOL, DeclFileId INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER, Kind "
-    "INTEGER, RefCount INTEGER, RefTagCount INTEGER)",
-    "CREATE TABLE TypeReference (DeclaredType INTEGER, ReferencedType INTEGER)",
-    "CREATE TABLE Variable (VariableId INTEGER PRIMARY KEY, IdentifierId INTEGER, DeclFileId "
-    "INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER, TypeId INTEGER, isDefined BOOL, Linkage "
-    "INTEGER, RefCount INTEGER)",
-    "CREATE TABLE Function (FunctionId INTEGER PRIMARY KEY, IdentifierId INTEGER, SourceNameId "
-    "INTEGER, DeclFileId INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER, isDefined BOOL, "
-    "isSpecial BOOL, Effect INTEGER, Linkage INTEGER, RefCount INTEGER)",
-    "CREATE TABLE ExternalIdentifier (ExternalIdentifierId INTEGER PRIMARY KEY, IdentifierId "
-    "INTEGER, Kind INTEGER, EntityId INTEGER)",
-    "CREATE TABLE Field (FieldId INTEGER PRIMARY KEY, IdentifierId INTEGER, DeclFileId INTEGER, "
-    "DeclLineNum INTEGER, DeclColNum INTEGER, RefCount INTEGER)",
-    "CREATE TABLE EnumConstant (EnumConstantId INTEGER PRIMARY KEY, IdentifierId INTEGER, "
-    "DeclFileId INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER)",
-    "CREATE TABLE Label (LabelId INTEGER PRIMARY KEY, IdentifierId INTEGER, DeclFileId INTEGER, "
-    "DeclLineNum INTEGER, DeclColNum INTEGER)",
-    "CREATE TABLE CallPoint (CallPointId INTEGER PRIMARY KEY, FileId INTEGER, LineNum INTEGER, "
-    "ColNum INTEGER, IsValueUsed BOOL, CallerId INTEGER, CalleeId INTEGER)",
-};
+/// Of a table that only a compilation database has. Its id goes without AUTOINCREMENT, which costs
+/// a quarter of the writing time: no row of these is named by an id from outside the file.
+std::string creationOf(const Table& table) {
+  std::string columns;
+  const auto add = [&columns](std::string_view name, std::string_view type) {
+    columns.append(columns.empty() ? "" : ", ").append(name).append(" ").append(type);
+  };
+  if (table.rowId != "rowid") add(table.rowId, "INTEGER PRIMARY KEY");
+  for (const Column& column : table.columns) add(column.name, column.declaredType);
+  return "CREATE TABLE " + std::string(table.name) + " (" + columns + ")";
+}
 
 /// An empty database is built in memory and written out as one piece: nothing but complete files
 /// ever stands in the file system, and no journal beside them.
@@ -58,19 +44,19 @@ class SchemaBuilder {
     for (const char* table : schema::kSharedTables) run(table);
   }
 
-  void run(const char* sql) {
-    if (sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
+  void run(const std::string& sql) {
+    if (sqlite3_exec(connection_.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+      fail();
   }
 
-  /// Calls write(bytes).
-  template <class Write>
-  void commitAndWrite(Write&& write) {
+  /// The bytes of the file.
+  std::string commit() {
     run("COMMIT");
     sqlite3_int64 size = 0;
     const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> image(
         sqlite3_serialize(connection_.get(), "main", &size, 0), sqlite3_free);
     if (!image) throw std::bad_alloc();
-    write(std::span<const unsigned char>(image.get(), static_cast<std::size_t>(size)));
+    return {reinterpret_cast<const char*>(image.get()), static_cast<std::size_t>(size)};
   }
 
  private:
@@ -82,31 +68,28 @@ class SchemaBuilder {
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection_{nullptr, sqlite3_close};
 };
 
-template <class Write>
-void buildCompilationDatabase(KeyIndexes indexes, Write&& write) {
-  SchemaBuilder builder;
-  for (const char* table : kCompilationTables) builder.run(table);
-  if (indexes == KeyIndexes::yes) {
-    for (const SearchIndex& index : kKeyIndexes) builder.run(index.sql);
-  }
-  builder.run("PRAGMA user_version=1");
-  builder.commitAndWrite(write);
-}
-
 }  // namespace
 
-void createCompilationDatabase(const std::string& path, KeyIndexes indexes) {
-  buildCompilationDatabase(indexes, [&](auto bytes) { writeNewFile(path, bytes); });
+std::string emptyCompilationDatabase(KeyIndexes indexes) {
+  SchemaBuilder builder;
+  for (const Table& table : kTables) {
+    if (table.onlyInCompilation) builder.run(creationOf(table));
+  }
+  if (indexes == KeyIndexes::yes) {
+    for (const SearchIndex& index : keyIndexes()) builder.run(index.sql);
+  }
+  builder.run("PRAGMA user_version=1");
+  return builder.commit();
 }
 
-void writeCompilationDatabase(const NewFile& file, KeyIndexes indexes) {
-  buildCompilationDatabase(indexes, [&](auto bytes) { file.write(bytes); });
+void createCompilationDatabase(const std::string& path, KeyIndexes indexes) {
+  writeNewFile(path, emptyCompilationDatabase(indexes));
 }
 
 void createPreprocessingDatabase(const std::string& path) {
   SchemaBuilder builder;
   for (const char* sql : schema::kPreprocessingIndexesAndViews) builder.run(sql);
-  builder.commitAndWrite([&](auto bytes) { writeNewFile(path, bytes); });
+  writeNewFile(path, builder.commit());
 }
 
 std::size_t countRows(const std::string& path) {

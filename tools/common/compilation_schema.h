@@ -5,19 +5,17 @@
 
 namespace fe_db_tools {
 
-class NewFile;
-
 /// Whether a new file gets the indexes that key look-ups use: worth their cost in a file that many
 /// processes save into, not in one that is written once.
 enum class KeyIndexes { no, yes };
 
-/// Makes an empty compilation database with its fifteen tables at `path`, whole or not at all.
+/// The bytes of an empty compilation database with its fifteen tables.
+std::string emptyCompilationDatabase(KeyIndexes indexes);
+
+/// Makes such a file at `path`, whole or not at all.
 /// Throws std::runtime_error, naming the path and the reason, when something is there already or
 /// the file cannot be written.
 void createCompilationDatabase(const std::string& path, KeyIndexes indexes);
-
-/// Writes an empty compilation database into a file that does not have its name yet.
-void writeCompilationDatabase(const NewFile& file, KeyIndexes indexes);
 
 /// The same for a preprocessing database, made at once.
 void createPreprocessingDatabase(const std::string& path);

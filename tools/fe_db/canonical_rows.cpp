@@ -37,9 +37,9 @@ CanonicalRows::CanonicalRows(const ReadOnlyFile& file, const Table& table) : fil
   const std::string name = "line_of_" + std::string(table.name);
   const std::string sql = "SELECT " + name + "(" + function->query.columns() + ") FROM " +
                           function->query.tables() + " ORDER BY 1";
-  // SQLite owns the function from here on, also when it refuses it.
-  sqlite3_create_function_v2(file.connection(), name.c_str(), -1, SQLITE_UTF8, function, buildLine,
-                             nullptr, nullptr, deleteFunction);
+  // No schema may call it, with other arguments. SQLite owns it from here on, also when it refuses.
+  sqlite3_create_function_v2(file.connection(), name.c_str(), -1, SQLITE_UTF8 | SQLITE_DIRECTONLY,
+                             function, buildLine, nullptr, nullptr, deleteFunction);
   statement_ = file.prepare(sql);
 }
 

@@ -1,6 +1,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "canonical_text.h"
 #include "check_rules.h"
 #include "check_text.h"
 #include "output.h"
@@ -19,7 +20,7 @@ struct CheckOptions {
 /// `table` is null for the file as a whole.
 std::string textOf(const Remark& remark, const std::string& file, const Table* table) {
   std::string line = remark.isNote ? "note: " : "";
-  line += table != nullptr ? table->name : file;
+  line += table != nullptr ? std::string(table->name) : printable(file);
   if (remark.row) line += " row " + std::to_string(*remark.row);
   return line + ": " + remark.reason + "\n";
 }
@@ -36,6 +37,8 @@ std::string jsonOf(const Remark& remark, const Table* table) {
 
 int check(const CheckOptions& options) {
   const ReadOnlyFile file(options.file, options.waitSeconds, Gaps::accepted);
+  const bool hasText = !options.text.empty();
+  const std::string text = hasText ? readText(options.text) : "";
   bool good = true;
   const auto tell = [&](const Table* table, const std::vector<Remark>& remarks) {
     for (const Remark& remark : remarks) {
@@ -44,7 +47,7 @@ int check(const CheckOptions& options) {
     }
   };
   checkFile(file, tell);
-  if (!options.text.empty()) checkText(file, options.text, tell);
+  if (hasText) checkText(file, text, tell);
   return good ? kDone : kFailed;
 }
 
@@ -53,25 +56,28 @@ int check(const CheckOptions& options) {
 void addCheck(CLI::App& program, Action& action) {
   auto options = std::make_shared<CheckOptions>();
   CLI::App* command = program.add_subcommand(
-      "check", "Look for damage: what the file holds and the library would never write");
+      "check", "Check a file for damage: content that the library would never write");
   command->footer(
-      "Prints one finding a line, `TABLE row ID: reason`, or `FILE: reason` of the whole file;\n"
-      "nothing for a good file. Findings: whatever SQLite's integrity check finds, missing tables\n"
-      "and columns, another page size than 32768, values of a wrong type, ids that lead to no row\n"
-      "or are missing, rows with equal keys, row id 0. Lines that begin with `note: ` are no\n"
-      "findings: bits of Identifier.Kind that differ from what the tables hold, unknown kinds of\n"
-      "external identifiers, and macro uses in a compilation file whose ids a merge has outdated.\n"
-      "Exit code 1 when there is a finding.");
+      "Prints one finding per line, `TABLE row ID: reason`, or `FILE: reason` for the file as a\n"
+      "whole; prints nothing if the file is sound. Findings: errors of SQLite's integrity check,\n"
+      "missing tables and columns, tables whose ids are not the row ids (fe_db merge would lose\n"
+      "them), virtual tables, a page size other than 32768, values of a wrong type, missing or\n"
+      "dangling references, rows with equal keys, row id 0. Lines that begin with `note: ` are\n"
+      "not findings: bits of Identifier.Kind that differ from the content of the tables, unknown\n"
+      "kinds of external identifiers, and ids of macro uses in a compilation file that are stale\n"
+      "since a merge. Exit code 1 if there is a finding.");
   command->add_option("FILE", options->file, "The database file")->required();
   command
       ->add_option("--text", options->text,
-                   "The preprocessed text of a preprocessing FILE: look as well whether each token "
-                   "and each expansion stands in it where its row says")
+                   "The preprocessed text of a preprocessing FILE: also check that it has each "
+                   "token and each expansion at the position in its row")
       ->type_name("UNIT.i");
   command->add_flag("--json", options->json,
-                    "One JSON object a line: severity, table, row, reason");
+                    "One JSON object per line: severity, table, row, reason");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return check(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return check(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -39,7 +39,7 @@ std::optional<Remark> damageMetBy(Read&& read) {
     const int code = error.code & 0xff;
     // A plain error is a table of another make, for instance without row ids.
     if (code != SQLITE_CORRUPT && code != SQLITE_ERROR && code != SQLITE_TOOBIG) throw;
-    return Remark{false, std::nullopt, "not all of it could be checked: " + error.reason};
+    return Remark{false, std::nullopt, "the check is incomplete: " + printable(error.reason)};
   }
 }
 
@@ -52,7 +52,7 @@ class RowIds {
                                        table.name + " NOT INDEXED ORDER BY 1");
     for (; file.step(ids); ++count_) {
       const sqlite3_int64 id = sqlite3_column_int64(ids.get(), 0);
-      if (runs_.empty() || id - 1 != runs_.back().last) runs_.push_back({id, id, count_});
+      if (runs_.empty() || !isNext(id, runs_.back().last)) runs_.push_back({id, id, count_});
       runs_.back().last = id;
     }
   }
@@ -67,6 +67,9 @@ class RowIds {
   }
 
  private:
+  /// Ids that are no row ids may be there twice, the smallest and the largest number as well.
+  static bool isNext(sqlite3_int64 id, sqlite3_int64 last) { return id > last && id - 1 == last; }
+
   struct Run {
     sqlite3_int64 first, last;
     std::size_t rowsBefore;
@@ -92,6 +95,7 @@ class TableCheck {
     remarks_.push_back({isNote, row, std::move(reason)});
   }
   const RowIds* idsOf(TableId id);
+  void checkLayout();
   void checkRows();
   void checkCell(const Column& column, int cell);
   void checkEntity(const Column& column, int cell);
@@ -114,15 +118,20 @@ class TableCheck {
 };
 
 std::vector<Remark> TableCheck::run() {
-  if (!file_.hasColumn(table_, "rowid")) return {};
-  std::optional<Remark> damage = damageMetBy([&] { checkRows(); });
+  if (!file_.hasColumn(table_, rowId_)) return {};
+  std::optional<Remark> damage = damageMetBy([&] { checkLayout(); });
+  if (auto more = damageMetBy([&] { checkRows(); }); !damage) damage = std::move(more);
   if (auto more = damageMetBy([&] { checkKeys(); }); !damage) damage = std::move(more);
   if (auto more = damageMetBy([&] { checkNameBits(); }); !damage) damage = std::move(more);
   if (damage) remarks_.push_back(*damage);
   if (danglingAfterMerge_ > 0) {
+    const bool isOne = danglingAfterMerge_ == 1;
     remarks_.push_back({/*isNote=*/true, std::nullopt,
-                        "ids that lead to no row, as a merge leaves them: " +
-                            std::to_string(danglingAfterMerge_)});
+                        std::to_string(danglingAfterMerge_) +
+                            (isOne ? " macro-use id is stale since a merge renumbered its target"
+                                   : " macro-use ids are stale since a merge renumbered their "
+                                     "targets") +
+                            " (expected)"});
   }
   std::stable_sort(remarks_.begin(), remarks_.end(),
                    [](const Remark& a, const Remark& b) { return a.row < b.row; });
@@ -139,6 +148,13 @@ const RowIds* TableCheck::idsOf(TableId id) {
   return ids ? &*ids : nullptr;
 }
 
+void TableCheck::checkLayout() {
+  if (!file_.hasColumn(table_, table_.rowId)) return;
+  if (const std::string reason = file_.reasonNotToWrite(table_); !reason.empty()) {
+    remarks_.push_back({/*isNote=*/false, std::nullopt, reason});
+  }
+}
+
 /// Without indexes: what they hold may differ from the table in a damaged file.
 void TableCheck::checkRows() {
   std::string sql = "SELECT " + rowId_;
@@ -153,7 +169,7 @@ void TableCheck::checkRows() {
   row_ = statement.get();
   while (file_.step(statement)) {
     id_ = sqlite3_column_int64(row_, 0);
-    if (id_ == 0) add(id_, "its row id is 0, which means no row");
+    if (id_ == 0) add(id_, R"(row id 0 is reserved (it means "no row"))");
     int cell = 0;
     for (const Column* column : columns) checkCell(*column, ++cell);
   }
@@ -181,7 +197,8 @@ void TableCheck::checkEntity(const Column& column, int cell) {
   if (kind == 0 || kind == 1) {
     checkReference(column, cell, kEntityTables[kind], /*required=*/true);
   } else if (kind != -1) {
-    add(id_, "Kind " + std::to_string(kind) + " is none of -1, 0 and 1", /*isNote=*/true);
+    add(id_, "Kind " + std::to_string(kind) + " is not -1, 0 or 1",
+        /*isNote=*/true);
   }
 }
 
@@ -192,12 +209,13 @@ void TableCheck::checkReference(const Column& column, int cell, TableId target, 
     if (!required) return;
     const bool isNull = sqlite3_column_type(row_, cell) == SQLITE_NULL;
     return add(id_, std::string(column.name) + (isNull ? " is NULL" : " is 0") +
-                        " and has to lead to a row of " + table);
+                        " but must reference a row of " + table);
   }
   const RowIds* ids = idsOf(target);
   if (ids == nullptr || ids->find(id)) return;
   if (isMacroUse(table_) && file_.isCompilation()) return static_cast<void>(++danglingAfterMerge_);
-  add(id_, std::string(column.name) + " " + std::to_string(id) + " leads to no row of " + table);
+  add(id_, std::string(column.name) + " references " + std::string(table) + " row " +
+               std::to_string(id) + ", which does not exist");
 }
 
 void TableCheck::checkKeys() {
@@ -273,8 +291,7 @@ void TableCheck::addNameBits(sqlite3_int64 id, int stored, int wrong) {
         (stored & bit) != 0 ? " is set, but no row of " : " is not set, but a row of ";
     if ((wrong & bit) != 0) {
       add(id,
-          "bit " + std::to_string(bit) + " of Kind" + said + tableOf(bearer).name +
-              " bears the name",
+          "bit " + std::to_string(bit) + " of Kind" + said + tableOf(bearer).name + " has the name",
           /*isNote=*/true);
     }
     bit *= 2;
@@ -302,7 +319,7 @@ std::vector<Remark> checkWhole(const ReadOnlyFile& file) {
   });
   if (damage) remarks.push_back(*damage);
   if (const sqlite3_int64 size = file.number("PRAGMA page_size"); size != 32768) {
-    addLines(remarks, "its pages have " + std::to_string(size) + " bytes, not 32768");
+    addLines(remarks, "the page size is " + std::to_string(size) + " bytes, not 32768");
   }
   for (const std::string& gap : file.findGaps()) addLines(remarks, gap);
   return remarks;

@@ -60,15 +60,18 @@ int diff(const DiffOptions& options) {
 void addDiff(CLI::App& program, Action& action) {
   auto options = std::make_shared<DiffOptions>();
   CLI::App* command =
-      program.add_subcommand("diff", "Compare the content of two files, whatever their row ids");
+      program.add_subcommand("diff", "Compare the content of two files, ignoring row ids");
   command->footer(
-      "Prints the rows that only A has with '-' and those that only B has with '+', each as\n"
-      "`fe_db dump` does. Exits with 1 when there are any.");
-  command->add_option("A", options->left, "A database file")->required();
-  command->add_option("B", options->right, "Another one")->required();
+      "Prints the rows that only A has with '-' and those that only B has with '+', in the format\n"
+      "of `fe_db dump`. Exits with 1 if there are any.");
+  command->add_option("A", options->left, "The first database file")->required();
+  command->add_option("B", options->right, "The second database file")->required();
   addTableOption(*command, options->table);
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return diff(*options); }; });
+  command->callback([options, &action] {
+    action =
+        namingFiles(options->left + " and " + options->right, [options] { return diff(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -73,19 +73,22 @@ int dump(const DumpOptions& options) {
 void addDump(CLI::App& program, Action& action) {
   auto options = std::make_shared<DumpOptions>();
   CLI::App* command = program.add_subcommand(
-      "dump", "Print the content without row ids: equal content prints equal bytes");
+      "dump", "Print the content without row ids; equal content gives equal output");
   command->footer(
-      "Prints one row a line: the table, then name=value, separated by tabs, sorted by bytes. A\n"
-      "reference is printed as the key that it leads to (path:line:column:name), one that leads\n"
-      "nowhere as !id. Control characters, backslashes and bytes that are no UTF-8 are printed as\n"
-      "\\xNN, and so is a ':' within a part of a key, or the first byte of a text that could be\n"
-      "taken for something else. `!integer 5` is a value of another type than its column has.");
+      "Prints one row per line: the table, then name=value, separated by tabs, sorted by bytes. A\n"
+      "reference is printed as the key of the row that it references (path:line:column:name), a\n"
+      "dangling one as !id. Control characters, bidirectional controls, line separators,\n"
+      "backslashes and bytes that are not UTF-8 are printed as \\xNN, and so is a ':' within a\n"
+      "part of a key, or the first byte of an ambiguous text. `!integer 5` is a value whose type\n"
+      "is not that of its column.");
   command->add_option("FILE", options->file, "The database file")->required();
   addTableOption(*command, options->table);
   command->add_flag("--json", options->json,
-                    "One JSON object a line; texts and keys as they are printed without --json");
+                    "One JSON object per line; texts and keys are escaped as without --json");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return dump(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return dump(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -14,13 +14,13 @@ struct Rule {
   const char* description;
 };
 constexpr Rule kRules[] = {
-    {"unused-macro", "A macro that nothing uses"},
-    {"unused-type", "A type without a tag that nothing uses"},
-    {"unused-tag", "A struct, union, enumeration or class that nothing names"},
-    {"unused-variable", "A variable that nothing uses"},
-    {"unused-field", "A field that nothing uses"},
-    {"no-effect-calls", "A call for nothing: its value is dropped, and it has no effect"},
-    {"long-names", "A name that has the length asked for or more"},
+    {"unused-macro", "Unused macro"},
+    {"unused-type", "Unused type without a tag"},
+    {"unused-tag", "Unused struct, union, enum or class tag"},
+    {"unused-variable", "Unused variable"},
+    {"unused-field", "Unused field"},
+    {"no-effect-calls", "Useless call: the callee has no side effects and its result is discarded"},
+    {"long-names", "Name of the requested length or longer"},
 };
 
 const Rule& ruleOf(const Finding& finding, std::string_view question) {

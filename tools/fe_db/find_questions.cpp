@@ -52,6 +52,14 @@ std::unordered_set<long long> numbers(Search& search, const char* sql,
 
 // --- What meets the filter.
 
+/// False for the element that stands for a row that is not there: it has nothing, not even a name.
+template <class T>
+bool isThere(const T& element) {
+  if constexpr (requires { element.getIdentifier(); }) return element.getIdentifier() != nullptr;
+  return true;
+}
+
+/// REQUIRES: isThere(element).
 template <class T>
 bool accepts(const FindFilter& filter, const T& element) {
   if constexpr (std::is_base_of_v<dm::NamedElement, T>) {
@@ -80,6 +88,7 @@ constexpr auto kNone = [](const auto&) { return false; };
 
 template <class T, class Wanted>
 void add(Search& search, T& element, Wanted&& wanted) {
+  if (!isThere(element)) return static_cast<void>(++search.passedOver);
   if (!wanted(element)) return;
   if constexpr (std::is_same_v<dm::Function, T>) {
     // A dataset does not take over the count of a function.

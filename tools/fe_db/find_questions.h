@@ -31,6 +31,7 @@ struct Search {
   const ReadOnlyFile& file;
   std::vector<Finding> findings = {};
   std::unordered_set<const void*> found = {};
+  unsigned long passedOver = 0;  ///< ids that the file lists and has no row of
   std::unordered_map<long long, dm::CallPoint> calls = {};        ///< by their row ids
   std::map<std::string, Statement, std::less<>> statements = {};  ///< by their texts
 };

@@ -33,19 +33,19 @@ std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
 }
 
 int makeIndexes(const IndexOptions& options) {
-  checkMergeInput(options.file, options.waitSeconds);
+  checkWritable(options.file, options.waitSeconds);
   const std::set<std::string> known = indexTexts(options.file, options.waitSeconds);
   CompilationData data(options.file, "");
   CompilationDatabase& db = data.getCompDb();
   db.setBusyTimeout(busyTimeoutOf(options.waitSeconds));
   if (!db.quick_connect(/*readOnly=*/false) || !db.beginTransaction()) {
     throw std::runtime_error(options.file +
-                             ": cannot be locked for writing; see that it may be written and that "
-                             "no other program writes it, or raise --wait");
+                             ": cannot be locked for writing; check that it is writable and that "
+                             "no other program is writing it, or increase --wait");
   }
   options.drop ? dropSearchIndexes(db) : makeSearchIndexes(db, known);
   if (!db.lastFailure().reason.empty() || !db.commitTransaction()) {
-    throw std::runtime_error(options.file + ": it was left as it was: " + failureOf(db));
+    throw std::runtime_error(options.file + ": the file is unchanged: " + failureOf(db));
   }
   return kDone;
 }
@@ -54,15 +54,18 @@ int makeIndexes(const IndexOptions& options) {
 
 void addIndex(CLI::App& program, Action& action) {
   auto options = std::make_shared<IndexOptions>();
-  CLI::App* command =
-      program.add_subcommand("index", "Make the search indexes that a compilation database lacks");
+  CLI::App* command = program.add_subcommand(
+      "index", "Create the search indexes of a compilation database if they are missing");
   command->footer(
-      "With them the questions of `fe_db find` and the searches of the library take the same time\n"
-      "in a large file as in a small one. They change no answer, and slow down saving.");
+      "With the indexes, `fe_db find` and the searches of the library take as long in a large "
+      "file\n"
+      "as in a small one. They do not change any answer. They slow down saving.");
   command->add_option("FILE", options->file, "The database file")->required();
-  command->add_flag("--drop", options->drop, "Remove them instead");
+  command->add_flag("--drop", options->drop, "Drop the indexes instead");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return makeIndexes(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return makeIndexes(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -8,23 +8,23 @@ using orvalesca::databases_merger::CompilationDatabase;
 
 namespace {
 
-void drop(CompilationDatabase& db, const SearchIndex& index) {
-  db.execute("DROP INDEX IF EXISTS " + std::string(index.name));
+bool drop(CompilationDatabase& db, const SearchIndex& index) {
+  return db.execute("DROP INDEX IF EXISTS " + std::string(index.name));
 }
 
 }  // namespace
 
 void dropSearchIndexes(CompilationDatabase& db) {
-  eachSearchIndex([&](const SearchIndex& index) { drop(db, index); });
+  everySearchIndex([&](const SearchIndex& index) { return drop(db, index); });
 }
 
 void makeSearchIndexes(CompilationDatabase& db, const std::set<std::string>& known) {
-  eachSearchIndex([&](const SearchIndex& index) {
-    if (known.count(index.sql) != 0) return;
-    drop(db, index);  // another one may bear the name
-    db.execute(index.sql);
+  const bool isDone = everySearchIndex([&](const SearchIndex& index) {
+    // Another one may bear the name.
+    return known.count(index.sql) != 0 || (drop(db, index) && db.execute(index.sql));
   });
-  db.execute(kLengthIndexHint);
+  // What fails fails the transaction.
+  if (isDone) (void)db.execute(kLengthIndexHint);
 }
 
 }  // namespace fe_db_tools

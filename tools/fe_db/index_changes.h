@@ -5,8 +5,8 @@
 
 #include "fe_db/compilation_database.h"
 
-/// Search indexes of a compilation database, inside the transaction that is open on it. Failures
-/// are the database's to report and to remember.
+/// Search indexes of a compilation database, inside the transaction that is open on it. The
+/// first failure, which the database reports and remembers, ends the work.
 namespace fe_db_tools {
 
 void dropSearchIndexes(orvalesca::databases_merger::CompilationDatabase& db);

@@ -29,14 +29,14 @@ int init(const InitOptions& options) {
 void addInit(CLI::App& program, Action& action) {
   auto options = std::make_shared<InitOptions>();
   CLI::App* command = program.add_subcommand(
-      "init", "Make an empty database; a file that is there is never overwritten");
+      "init", "Create an empty database; an existing file is never overwritten");
   command
       ->add_option("--kind", options->kind,
                    "compilation: facts of many translation units, with indexes for saving into it; "
                    "preprocessing: the macros of one unit")
       ->check(CLI::IsMember({kCompilation, kPreprocessing}))
       ->capture_default_str();
-  command->add_option("FILE", options->file, "The file to make")->required();
+  command->add_option("FILE", options->file, "The file to create")->required();
   command->callback([options, &action] { action = [options] { return init(*options); }; });
 }
 

@@ -4,11 +4,11 @@
 #include <chrono>
 #include <cstdio>
 #include <iomanip>
-#include <iostream>
 #include <memory>
 #include <sstream>
 #include <thread>
 
+#include "canonical_text.h"
 #include "merge_sources.h"
 #include "merge_target.h"
 #include "output.h"
@@ -69,7 +69,7 @@ Folded foldSources(const MergeOptions& options, const std::vector<std::string>& 
       folded.isComplete = folded.isComplete && source->isComplete;
     } else {
       bar.clear();
-      std::cerr << "fe_db: " << source->failure << '\n';
+      report(source->failure);
       ++folded.failed;
       if (!options.keepGoing) break;
     }
@@ -87,8 +87,8 @@ void printSummary(const MergeOptions& options, const Folded& folded, const Merge
   struct rusage usage {};
   getrusage(RUSAGE_SELF, &usage);
   std::ostringstream line;
-  line << options.target << ": " << sourceCount(folded.sources) << " merged, " << folded.facts
-       << " facts read, ";
+  line << printable(options.target) << ": " << sourceCount(folded.sources) << " merged, "
+       << folded.facts << " facts read, ";
   if (!target.isNew()) line << target.factsBefore() << " facts before, ";
   line << target.factsStored() << " facts stored, " << std::fixed << std::setprecision(2) << seconds
        << " s, " << std::setprecision(1) << static_cast<double>(usage.ru_maxrss) / 1024
@@ -100,25 +100,25 @@ int merge(const MergeOptions& options) {
   const Clock::time_point start = Clock::now();
   const std::vector<std::string> paths = expandSources(options.sources);
   if (paths.empty()) {
-    std::cerr << "fe_db: merge: no sources are given; name at least one, see fe_db merge --help\n";
+    report("merge: no sources given; name at least one, see fe_db merge --help");
     return kWrongUsage;
   }
   if (const std::string same = findSameFile(options.target, paths); !same.empty()) {
-    std::cerr << "fe_db: merge: " << same << "; give each file once\n";
+    report("merge: " + same + "; give each file once");
     return kWrongUsage;
   }
   MergeTarget target(options.target, options.waitSeconds);
   if (options.debug) target.merger().setDebug();
   const Folded folded = foldSources(options, paths, target, start);
   if (folded.sources == 0 || (folded.failed != 0 && !options.keepGoing)) {
-    std::cerr << "fe_db: " << options.target << ": nothing was written"
-              << (options.keepGoing ? "" : "; --keep-going merges the other sources") << '\n';
+    report(options.target + ": nothing was written" +
+           (options.keepGoing ? "" : "; use --keep-going to merge the other sources"));
     return kFailed;
   }
   target.write(options.index);
   printSummary(options, folded, target, secondsSince(start));
   if (folded.failed != 0) {
-    std::cerr << "fe_db: " << options.target << ": " << sourceCount(folded.failed) << " left out\n";
+    report(options.target + ": " + sourceCount(folded.failed) + " skipped");
   }
   return folded.failed != 0 || (options.strict && !folded.isComplete) ? kFailed : kDone;
 }
@@ -127,30 +127,31 @@ int merge(const MergeOptions& options) {
 
 void addMerge(CLI::App& program, Action& action) {
   auto options = std::make_shared<MergeOptions>();
-  CLI::App* command =
-      program.add_subcommand("merge", "Fold compilation databases into one, each fact once");
+  CLI::App* command = program.add_subcommand(
+      "merge", "Merge compilation databases into one that has each fact once");
   command->footer(
-      "SOURCE is a file, @LISTFILE for a file that lists one path a line, or - for a list on\n"
-      "standard input. Sources are folded in the order given; where two disagree, what is there\n"
-      "first stays, and counts add up. TARGET is made when it is not there; otherwise what it "
-      "holds\n"
-      "comes first. Whatever goes wrong, TARGET then holds the whole merge or is what it was.");
-  command->add_option("TARGET", options->target, "The file to fold into")->required();
-  command->add_option("SOURCE", options->sources, "The files to fold, or lists of them")
+      "SOURCE is a file, @LISTFILE for a file that lists one path per line, or - for a list on\n"
+      "standard input. Sources are merged in the order given; where two disagree, the first value\n"
+      "is kept, and counts add up. TARGET is created if it does not exist; otherwise its content\n"
+      "comes first, and its triggers do not run. On any failure TARGET either has the result of\n"
+      "the whole merge or is unchanged.");
+  command->add_option("TARGET", options->target, "The file to merge into")->required();
+  command->add_option("SOURCE", options->sources, "The files to merge, or lists of them")
       ->required();
   command->add_option("-j,--jobs", options->jobs, "How many sources to read ahead, in parallel")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
-  command->add_flag(
-      "--index,!--no-index", options->index,
-      "Make the search indexes on the merged file, or leave them out (default: make)");
+  command->add_flag("--index,!--no-index", options->index,
+                    "Create the search indexes in the merged file, or omit them (default: create)");
   command->add_flag("--keep-going", options->keepGoing,
-                    "Leave out sources that cannot be read; the exit code is 1 all the same");
+                    "Skip sources that cannot be read; the exit code is still 1");
   command->add_flag("--strict", options->strict,
-                    "Exit with 1 when rows or references of a source had to be left out");
+                    "Exit with 1 if rows or references of a source had to be skipped");
   command->add_flag("--debug", options->debug, "Print the number of rows of each table");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return merge(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->target, [options] { return merge(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

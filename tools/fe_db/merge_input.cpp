@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "output.h"
 #include "read_only_file.h"
 
 namespace fe_db_tools {
@@ -10,10 +11,34 @@ namespace fe_db_tools {
 using orvalesca::databases_merger::CompilationDatabase;
 using orvalesca::databases_merger::CompilationDataMerger;
 
+namespace {
+
+ReadOnlyFile openCompilation(const std::string& path, int waitSeconds) {
+  ReadOnlyFile file(path, waitSeconds);
+  if (!file.isCompilation()) {
+    throw std::runtime_error(
+        path + ": it is a preprocessing database; a compilation database is required");
+  }
+  return file;
+}
+
+}  // namespace
+
 void checkMergeInput(const std::string& path, int waitSeconds) {
-  const ReadOnlyFile file(path, waitSeconds);
-  if (!file.has(tableOf(TableId::type))) {
-    throw std::runtime_error(path + ": it is a preprocessing database; give compilation databases");
+  openCompilation(path, waitSeconds);
+}
+
+void checkWritable(const std::string& path, int waitSeconds) {
+  openCompilation(path, waitSeconds).requireWritable();
+}
+
+void checkMergeTarget(const std::string& path, int waitSeconds) {
+  const ReadOnlyFile file = openCompilation(path, waitSeconds);
+  file.requireWritable();
+  if (const auto triggers =
+          file.number("SELECT count(*) FROM sqlite_schema WHERE type='trigger'")) {
+    report(path + ": triggers do not run in a merge: " + std::to_string(triggers) +
+           "; rebuild what they maintain, a full-text index for instance");
   }
 }
 
@@ -30,7 +55,7 @@ void loadMergeInput(CompilationDataMerger& merger, const CompilationDatabase& db
   merger.loadDataFromDB();
   if (db.hasFailed()) {
     throw std::runtime_error(path + ": cannot be read to its end: " + failureOf(db) +
-                             "; make the file anew or take a copy");
+                             "; create the file again or restore a copy");
   }
 }
 

@@ -5,12 +5,18 @@
 #include "fe_db/compilation_data_merger.h"
 #include "fe_db/compilation_database.h"
 
-/// What source and target of a merge have in common: a file that is opened and read to its last
-/// row. Each of these throws std::runtime_error with the words for the user.
+/// What source and target of a merge have in common: a file that is looked at, opened and read to
+/// its last row. Each of these throws std::runtime_error with the words for the user.
 namespace fe_db_tools {
 
 /// The file is there, is a compilation database, and has all tables and columns.
 void checkMergeInput(const std::string& path, int waitSeconds);
+
+/// And no table would lose anything when a program writes it.
+void checkWritable(const std::string& path, int waitSeconds);
+
+/// The same for a file that is rewritten. Reports triggers, which the library switches off.
+void checkMergeTarget(const std::string& path, int waitSeconds);
 
 /// Connects the merger, which gives its database. `path` is the name that the user knows.
 orvalesca::databases_merger::CompilationDatabase& openMergeInput(

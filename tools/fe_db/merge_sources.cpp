@@ -16,6 +16,7 @@ namespace {
 void appendLines(std::istream& list, const std::string& name, std::vector<std::string>& paths) {
   errno = 0;
   for (std::string line; std::getline(list, line);) {
+    if (line.ends_with('\r')) line.pop_back();  // a list written on Windows
     if (!line.empty()) paths.push_back(line);
   }
   // A directory opens, and fails at the first read.
@@ -57,7 +58,7 @@ std::string findSameFile(const std::string& target, const std::vector<std::strin
   findOther(target);
   for (const std::string& source : sources) {
     if (const std::string* other = findOther(source)) {
-      return *other + " and " + source + " are one file";
+      return *other + " and " + source + " are the same file";
     }
   }
   return "";

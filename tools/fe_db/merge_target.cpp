@@ -1,9 +1,5 @@
 #include "merge_target.h"
 
-#include <signal.h>
-#include <unistd.h>
-
-#include <cstring>
 #include <stdexcept>
 
 #include "compilation_schema.h"
@@ -13,40 +9,6 @@
 
 namespace fe_db_tools {
 namespace {
-
-constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
-
-/// What a signal that ends the program takes along. Only a file under its temporary name: a target
-/// that was there is brought back by SQLite, from its journal, when it is opened next.
-char removedOnSignal[2][4096];
-
-void removeAndEnd(int signal) {
-  for (const char* path : removedOnSignal) unlink(path);
-  raise(signal);
-}
-
-void removeOnSignal(const std::string& path) {
-  const std::string names[] = {path, path + "-journal"};
-  for (int i = 0; i < 2; ++i) {
-    std::strncpy(removedOnSignal[i], names[i].c_str(), sizeof removedOnSignal[i] - 1);
-  }
-  struct sigaction action {};
-  action.sa_handler = removeAndEnd;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);  // the second one ends the program
-  for (const int signal : kEndingSignals) {
-    struct sigaction before {};
-    sigaction(signal, nullptr, &before);
-    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
-  }
-}
-
-void leaveSignalsAlone() {
-  for (const int signal : kEndingSignals) {
-    struct sigaction current {};
-    sigaction(signal, nullptr, &current);
-    if (current.sa_handler == removeAndEnd) ::signal(signal, SIG_DFL);
-  }
-}
 
 /// After a failure in the middle of a write SQLite leaves pages of it in the file, and the journal
 /// beside it, until somebody reads the file. Where that does not work now, the next program does
@@ -65,30 +27,28 @@ MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(pa
     newFile_.emplace(path_, waitSeconds);
     // Another run may have made the file while this one waited for the temporary name.
     if (isTaken(path_)) newFile_.reset();
+  } else {
+    WorkDirectory::removeLeftover(path_);  // of a run that was killed when the file had its name
   }
   if (isNew()) {
-    removeOnSignal(newFile_->temporaryPath());
-    writeCompilationDatabase(*newFile_, KeyIndexes::no);
+    // A target that was there needs nothing: SQLite brings it back, from its journal, when it is
+    // opened next.
+    removedOnSignal_.emplace(newFile_->temporaryNames());
+    newFile_->write(emptyCompilationDatabase(KeyIndexes::no));
   } else {
-    checkMergeInput(path_, waitSeconds);
+    checkMergeTarget(path_, waitSeconds);
   }
   merger_.emplace(isNew() ? newFile_->temporaryPath() : path_);
   db_ = &openMergeInput(*merger_, path_, waitSeconds);
   // Before the load: what somebody saved between the two would be lost.
   if (!db_->beginTransaction()) {
     throw std::runtime_error(path_ +
-                             ": cannot be locked for writing; see that it may be written and that "
-                             "no other program writes it, or raise --wait");
+                             ": cannot be locked for writing; check that it is writable and that "
+                             "no other program is writing it, or increase --wait");
   }
   loadMergeInput(*merger_, *db_, path_);
   factsBefore_ = db_->countRowsListed();
   refuseLoss();
-}
-
-MergeTarget::~MergeTarget() {
-  merger_.reset();  // SQLite's own removal of the journal comes first
-  newFile_.reset();
-  leaveSignalsAlone();
 }
 
 void MergeTarget::refuseLoss() const {

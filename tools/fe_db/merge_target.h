@@ -6,6 +6,7 @@
 #include "fe_db/compilation_data_merger.h"
 #include "fe_db/compilation_database.h"
 #include "new_file.h"
+#include "removed_on_signal.h"
 
 namespace fe_db_tools {
 
@@ -17,7 +18,6 @@ class MergeTarget {
   /// Reads the whole file if it is there. Throws std::runtime_error when it cannot be read or
   /// locked, or has rows that the rewriting would lose.
   MergeTarget(std::string path, int waitSeconds);
-  ~MergeTarget();
 
   orvalesca::databases_merger::CompilationDataMerger& merger() { return *merger_; }
   bool isNew() const { return newFile_.has_value(); }
@@ -34,7 +34,10 @@ class MergeTarget {
   void refuseLoss() const;
 
   std::string path_;
+  // In an order in which they can be destroyed: SQLite removes its journal, the names may be
+  // another run's after that of the new file.
   std::optional<NewFile> newFile_;
+  std::optional<RemovedOnSignal> removedOnSignal_;
   std::optional<orvalesca::databases_merger::CompilationDataMerger> merger_;
   orvalesca::databases_merger::CompilationDatabase* db_ = nullptr;
   unsigned long long factsBefore_ = 0;

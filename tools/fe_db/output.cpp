@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+#include "canonical_text.h"
+
 namespace fe_db_tools {
 namespace {
 
@@ -21,6 +23,12 @@ void print(std::string_view text) {
 
 void finishOutput() {
   if (std::fflush(stdout) != 0) fail(errno);
+}
+
+void report(std::string_view message) {
+  // One write, so that the lines of several processes do not mix.
+  const std::string line = "fe_db: " + printable(message) + '\n';
+  std::fputs(line.c_str(), stderr);
 }
 
 }  // namespace fe_db_tools

@@ -16,4 +16,7 @@ void print(std::string_view text);
 /// REQUIRES: called once behind the last print(). What stands in the buffer may still fail.
 void finishOutput();
 
+/// A message on standard error: "fe_db: " and one line, with printable().
+void report(std::string_view message);
+
 }  // namespace fe_db_tools

@@ -19,8 +19,8 @@ const char* reasonNotToOpen(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return std::strerror(errno);
   if (S_ISDIR(status.st_mode)) return "it is a directory, not a file";
-  if (!S_ISREG(status.st_mode)) return "it is no regular file";
-  if (status.st_size == 0) return "it is empty; make a database with fe_db init";
+  if (!S_ISREG(status.st_mode)) return "it is not a regular file";
+  if (status.st_size == 0) return "it is empty; create a database with fe_db init";
   if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) return std::strerror(errno);
   return nullptr;
 }
@@ -32,25 +32,51 @@ std::string lowerCase(std::string_view name) {
   return lower;
 }
 
-constexpr char kNotOurs[] = "; give a file that fe_db init or fe_db_record made";
+constexpr char kNotOurs[] = "; use a file created by fe_db init or fe_db_record";
+constexpr char kLeaveWal[] =
+    "; close it in all programs and run: sqlite3 FILE 'PRAGMA journal_mode=DELETE', on a copy if "
+    "the "
+    "file must stay as it is";
 
-std::string lacksTable(const Table& table) { return "it has no table " + std::string(table.name); }
+/// A connection to a file in WAL mode writes even where it only reads: it makes or changes the
+/// files beside it, and the last one that closes moves the log into the file. SQLite also takes up
+/// a log that lies beside a file of another mode. Reads through the connection's own handle, before
+/// the first statement: closing a second one would give up this process's locks on the file.
+std::string reasonNotToRead(sqlite3* connection) {
+  const std::string log = sqlite3_filename_wal(sqlite3_db_filename(connection, "main"));
+  struct stat status {};
+  if (stat(log.c_str(), &status) == 0 && status.st_size > 0) {
+    return "it has a write-ahead log beside it (" + log + "), which reading would change";
+  }
+  constexpr std::string_view kMagic("SQLite format 3", 16);
+  constexpr std::size_t kReadVersion = 19;
+  constexpr char kWal = 2;
+  char header[kReadVersion + 1];
+  sqlite3_file* file = nullptr;
+  const bool isRead =
+      sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK &&
+      file->pMethods != nullptr &&
+      file->pMethods->xRead(file, header, sizeof header, 0) == SQLITE_OK;
+  const bool isWal =
+      isRead && std::string_view(header, kMagic.size()) == kMagic && header[kReadVersion] == kWal;
+  return isWal ? "it is in WAL mode, and even reading would change it" : "";
+}
 
 const char* adviceFor(int code) {
   switch (code & 0xff) {
     case SQLITE_NOTADB:
       return kNotOurs;
     case SQLITE_CORRUPT:
-      return "; the file is damaged, make it anew or take a copy";
+      return "; the file is damaged: create it again or restore a copy";
     case SQLITE_BUSY:
-      return "; try again when the other program has finished, or raise --wait";
+      return "; try again when the other program has finished, or increase --wait";
     case SQLITE_READONLY:
-      return "; a killed program left a half-done write in it, and taking that back needs "
+      return "; a killed program left an incomplete write, and rolling it back requires "
              "permission to write the file and its directory";
     case SQLITE_FULL:
     case SQLITE_IOERR:
-      return "; see that the disk is sound and that the directory for temporary files "
-             "(SQLITE_TMPDIR) has room";
+      return "; check the disk, and the free space of the directory for temporary files "
+             "(SQLITE_TMPDIR)";
     default:
       return "";
   }
@@ -84,6 +110,7 @@ void ReadOnlyFile::open(int flags, int waitSeconds) {
   const int code = sqlite3_open_v2(absolute.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   connection_.reset(opened);
   if (code != SQLITE_OK) failWithReason();
+  if (const std::string reason = reasonNotToRead(opened); !reason.empty()) fail(reason + kLeaveWal);
   sqlite3_extended_result_codes(opened, 1);
   sqlite3_busy_timeout(opened, busyTimeoutOf(waitSeconds));
 }
@@ -99,18 +126,61 @@ std::vector<std::string> ReadOnlyFile::findGaps() const {
   std::vector<std::string> gaps;
   for (const Table& table : tables()) {
     if (!tableExists(table.name)) {
-      gaps.push_back(lacksTable(table));
+      gaps.push_back(missing(table));
       continue;
     }
-    const auto look = [&](std::string_view column) {
-      if (hasColumn(table, column)) return;
-      gaps.push_back("its table " + std::string(table.name) + " has no column " +
-                     std::string(column));
-    };
-    look(table.rowId);
-    for (const Column& column : table.columns) look(column.name);
+    if (!hasColumn(table, table.rowId)) gaps.push_back(missing(table, table.rowId));
+    for (const Column& column : table.columns) {
+      if (!hasColumn(table, column.name)) gaps.push_back(missing(table, column.name));
+    }
   }
   return gaps;
+}
+
+std::string ReadOnlyFile::missing(const Table& table) const {
+  const std::string name(table.name);
+  const bool isView = number("SELECT count(*) FROM sqlite_schema WHERE type='view' AND name='" +
+                             name + "' COLLATE NOCASE") != 0;
+  return isView ? "its " + name + " is a view, not a table" : "it has no table " + name;
+}
+
+std::string ReadOnlyFile::missing(const Table& table, std::string_view column) const {
+  const std::string name(table.name), of = std::string(column) + " of its table " + name;
+  if (column == "rowid") return "its table " + name + " has no row ids";
+  const bool isGenerated =
+      number("SELECT count(*) FROM pragma_table_xinfo('" + name + "') WHERE name='" +
+             std::string(column) + "' COLLATE NOCASE") != 0;
+  return isGenerated ? "the column " + of + " is generated, not stored"
+                     : "its table " + name + " has no column " + std::string(column);
+}
+
+std::string ReadOnlyFile::reasonNotToWrite(const Table& table) const {
+  const std::string name(table.name), id(table.rowId);
+  const auto count = [&](const std::string& rows) {
+    return number("SELECT count(*) FROM " + rows);
+  };
+  if (count("sqlite_schema WHERE type='table' AND rootpage=0 AND name='" + name +
+            "' COLLATE NOCASE") != 0) {
+    return "it is a virtual table";
+  }
+  // A column stands for the row id if it alone is the primary key and SQLite needs no index for it.
+  const bool isDeclared =
+      count("pragma_table_info('" + name + "') WHERE name='" + id + "' COLLATE NOCASE") != 0;
+  const bool isKey = count("pragma_table_info('" + name + "') WHERE pk<>0 AND name='" + id +
+                           "' COLLATE NOCASE") != 0 &&
+                     count("pragma_index_list('" + name + "') WHERE origin='pk'") == 0;
+  const bool needsNone = id == "rowid" && !isDeclared;
+  return isKey || needsNone ? "" : id + " is not the row id (not declared INTEGER PRIMARY KEY)";
+}
+
+void ReadOnlyFile::requireWritable() const {
+  requirePermission();
+  for (const Table& table : tables()) {
+    const std::string reason = reasonNotToWrite(table);
+    if (reason.empty()) continue;
+    fail("its table " + std::string(table.name) + " cannot be rewritten without data loss: " +
+         reason + "; merge the file into a new one instead");
+  }
 }
 
 std::span<const Table> ReadOnlyFile::tables() const {
@@ -121,8 +191,24 @@ std::span<const Table> ReadOnlyFile::tables() const {
   return {kTables.begin(), end};
 }
 
+/// SQLite would find out at the first write, when all else is done. The journal lies in the real
+/// directory of a file that a symbolic link leads to.
+void ReadOnlyFile::requirePermission() const {
+  constexpr char kAdvice[] = "; change the permissions, or write to a copy elsewhere";
+  const auto mayWrite = [](const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+  };
+  const char* file = sqlite3_db_filename(connection(), "main");
+  if (!mayWrite(file)) fail(std::string("it cannot be written: ") + std::strerror(errno) + kAdvice);
+  const std::filesystem::path journal = sqlite3_filename_journal(file);
+  if (!mayWrite(std::filesystem::exists(journal) ? journal : journal.parent_path())) {
+    fail(std::string("its directory cannot be written, where SQLite needs a journal: ") +
+         std::strerror(errno) + kAdvice);
+  }
+}
+
 void ReadOnlyFile::require(const Table& table) const {
-  if (!tableExists(table.name)) fail(lacksTable(table) + kNotOurs);
+  if (!tableExists(table.name)) fail(missing(table) + kNotOurs);
 }
 
 /// All at once: asked column by column it would take a fortieth of a merge.
@@ -139,6 +225,12 @@ void ReadOnlyFile::readColumns() {
     return reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
   };
   while (step(statement)) columns_[textOf(0)].insert(textOf(1));
+  for (auto& [table, columns] : columns_) {
+    if (sqlite3_table_column_metadata(connection(), "main", table.c_str(), "rowid", nullptr,
+                                      nullptr, nullptr, nullptr, nullptr) == SQLITE_OK) {
+      columns.insert("rowid");
+    }
+  }
 }
 
 bool ReadOnlyFile::tableExists(std::string_view name) const {
@@ -147,8 +239,7 @@ bool ReadOnlyFile::tableExists(std::string_view name) const {
 
 bool ReadOnlyFile::hasColumn(const Table& table, std::string_view column) const {
   const auto found = columns_.find(lowerCase(table.name));
-  return found != columns_.end() &&
-         (column == "rowid" || found->second.contains(lowerCase(column)));
+  return found != columns_.end() && found->second.contains(lowerCase(column));
 }
 
 Statement ReadOnlyFile::prepare(const std::string& sql) const {

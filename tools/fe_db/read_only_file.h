@@ -52,9 +52,15 @@ class ReadOnlyFile {
   bool has(const Table& table) const { return isCompilation_ || !table.onlyInCompilation; }
   void require(const Table& table) const;
   bool isCompilation() const { return isCompilation_; }
+  /// "rowid" is one, of every table that has row ids.
   bool hasColumn(const Table& table, std::string_view column) const;
   /// What a file of this kind has and this one lacks, a sentence for each table or column.
   std::vector<std::string> findGaps() const;
+  /// Why a program that rewrites the table would lose what it holds, the ids above all; or empty.
+  /// REQUIRES: the table has no gap.
+  std::string reasonNotToWrite(const Table& table) const;
+  /// Throws when there is such a reason for one of the tables, or no permission to write.
+  void requireWritable() const;
 
   Statement prepare(const std::string& sql) const;
   /// True for a row, false behind the last.
@@ -66,6 +72,9 @@ class ReadOnlyFile {
   bool begin();
   void readColumns();
   bool tableExists(std::string_view name) const;
+  void requirePermission() const;
+  std::string missing(const Table& table) const;
+  std::string missing(const Table& table, std::string_view column) const;
   [[noreturn]] void fail(const std::string& what) const;
   [[noreturn]] void failWithReason() const;
 

@@ -1,5 +1,6 @@
 #include "source_reader.h"
 
+#include <new>
 #include <stdexcept>
 
 #include "fe_db/compilation_database.h"
@@ -25,6 +26,8 @@ Source readSource(const std::string& path, int waitSeconds) {
     source.merger = std::move(merger);
   } catch (const std::runtime_error& error) {
     source.failure = error.what();
+  } catch (const std::bad_alloc&) {
+    source.failure = path + ": not enough memory to read it; try fewer --jobs";
   }
   return source;
 }
@@ -32,7 +35,9 @@ Source readSource(const std::string& path, int waitSeconds) {
 }  // namespace
 
 std::optional<Source> SourceReader::next() {
-  const auto launch = jobs_ > 1 ? std::launch::async : std::launch::deferred;
+  // Without a thread to be had, what is asked for is read all the same.
+  const auto launch =
+      jobs_ > 1 ? std::launch::async | std::launch::deferred : std::launch::deferred;
   while (started_ < paths_.size() && ahead_.size() < jobs_) {
     ahead_.push_back(std::async(launch, readSource, paths_[started_++], waitSeconds_));
   }

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "canonical_text.h"
 #include "output.h"
 #include "read_only_file.h"
 #include "subcommands.h"
@@ -59,14 +60,11 @@ void printText(const Stats& stats) {
 
 void printJson(const Stats& stats, const std::string& file) {
   using nlohmann::ordered_json;
-  const auto line = [](const ordered_json& object) {
-    // A file name need not be UTF-8.
-    print(object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n");
-  };
+  const auto line = [](const ordered_json& object) { print(object.dump() + "\n"); };
   for (const auto& [name, rows] : stats.rowsPerTable) {
     line({{"table", name}, {"rows", rows}});
   }
-  ordered_json whole = {{"file", file}, {"rows", stats.rows}, {"bytes", stats.bytes}};
+  ordered_json whole = {{"file", printable(file)}, {"rows", stats.rows}, {"bytes", stats.bytes}};
   whole["bytesPerRow"] = stats.rows == 0 ? ordered_json() : ordered_json(stats.bytesPerRow());
   line(whole);
 }
@@ -85,9 +83,11 @@ void addStats(CLI::App& program, Action& action) {
   CLI::App* command =
       program.add_subcommand("stats", "Show rows per table, file size and bytes per row");
   command->add_option("FILE", options->file, "The database file")->required();
-  command->add_flag("--json", options->json, "One JSON object a line");
+  command->add_flag("--json", options->json, "One JSON object per line");
   addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] { action = [options] { return showStats(*options); }; });
+  command->callback([options, &action] {
+    action = namingFiles(options->file, [options] { return showStats(*options); });
+  });
 }
 
 }  // namespace fe_db_tools

@@ -2,12 +2,16 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <string>
 
 namespace fe_db_tools {
 
 /// What the command line asks for; answers the exit code. Throws std::runtime_error with the words
 /// for the user when something fails.
 using Action = std::function<int()>;
+
+/// The action; when memory runs out in it, the message names the files that it works on.
+Action namingFiles(std::string files, Action action);
 
 /// Exit codes of all subcommands; `kFailed` is also the answer of a comparison or check that
 /// found something.

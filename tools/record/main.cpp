@@ -1,8 +1,10 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <set>
@@ -13,6 +15,7 @@
 #include "launcher.h"
 #include "manifest.h"
 #include "output_directory.h"
+#include "standard_streams.h"
 #include "unit_output.h"
 #include "unit_runner.h"
 
@@ -75,12 +78,22 @@ void print(const CompileDatabase& database, const RunSummary& summary, const std
   std::fputs(causes.text().c_str(), stdout);
 }
 
+/// False, with a message, when not all that was printed could be written.
+bool isOutputWritten() {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
+  std::fprintf(stderr, "fe_db_record: standard output: cannot write: %s\n", std::strerror(errno));
+  return false;
+}
+
 void handleStale(const CommandLine& line, const std::set<std::string>& current) {
   const std::string& directory = line.record.outputDirectory;
   const std::vector<std::string> stale = staleUnits(directory, current);
   if (stale.empty()) return;
   for (const std::string& name : stale) {
-    if (line.prune) UnitOutput(directory, name, false).removePublished();
+    if (!line.prune) continue;
+    const UnitOutput output(directory, name, false);
+    output.removePublished();
+    output.removeLeftover();
   }
   std::printf("%zu units in %s are not in the compile_commands.json (%s%s); %s\n", stale.size(),
               directory.c_str(), stale.front().c_str(), stale.size() == 1 ? "" : ", ...",
@@ -115,6 +128,7 @@ int recordDatabase(const CommandLine& line) {
   const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
   print(database, summary, line.record.outputDirectory, spent.count());
   handleStale(line, current);
+  isOutputWritten();  // what was recorded is recorded: the exit code is about that
   const bool isWhole = isComplete && database.refused.empty() && summary.failed == 0;
   return isWhole ? kDone : kFailed;
 }
@@ -165,7 +179,7 @@ int recordCommand(const CommandLine& line) {
 int run(int argc, char** argv) {
   CommandLine line;
   int exitCode = kDone;
-  if (!readCommandLine(argc, argv, line, exitCode)) return exitCode;
+  if (!readCommandLine(argc, argv, line, exitCode)) return isOutputWritten() ? exitCode : kFailed;
   if (line.isLauncher) return launch(line);
   // Units are recorded from the directories of their commands.
   std::string& output = line.record.outputDirectory;
@@ -183,6 +197,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
+    fe_db_tools::openStandardStreams();
     return fe_db_tools::run(argc, argv);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "fe_db_record: %s\n", error.what());

@@ -136,6 +136,7 @@ bool ReuseCheck::isLineTrue(const std::string& line) {
 
 bool ReuseCheck::isUnchanged(const Unit& unit, const RecordOptions& options) {
   const UnitOutput output(options.outputDirectory, options.nameOf(unit), options.keepPreprocessed);
+  output.removeLeftover();
   if (!output.isPublished()) return false;
   std::ifstream file(output.manifest());
   std::string line;

@@ -50,6 +50,7 @@ std::size_t factsOf(const std::string& manifestPath);
 /// file: use a new one after the files may have changed.
 class ReuseCheck {
  public:
+  /// Removes also what a killed run has left of the unit: if it is unchanged nobody else does.
   bool isUnchanged(const Unit& unit, const RecordOptions& options);
 
  private:

@@ -7,11 +7,11 @@
 
 namespace fe_db_tools {
 
-class NewFile;
+class WorkDirectory;
 
-/// The files of one unit. They are built under temporary names, which a later run of the unit
-/// overwrites, and get their own names when all of them are whole. The manifest comes last: where
-/// it stands, so does the rest.
+/// The files of one unit. They are built in a WorkDirectory, and get their own names when all of
+/// them are whole. The manifest comes last: where it is, the rest is whole and of the same run,
+/// also after a power failure.
 class UnitOutput {
  public:
   /// The directory exists.
@@ -22,32 +22,36 @@ class UnitOutput {
   UnitOutput& operator=(const UnitOutput&) = delete;
 
   /// Where to build them.
-  std::string preprocessing() const { return stem + ".pp.db" + kTemporary; }
-  std::string compilation() const { return stem + ".comp.db" + kTemporary; }
-  std::string manifest() const { return stem + ".manifest"; }
+  std::string preprocessing() const;
+  std::string compilation() const;
+  std::string manifest() const;
 
-  /// Waits while another process writes this unit, and clears away what a killed one has left.
+  /// Waits while another process writes this unit, and removes what a killed one has left.
   void begin();
-  /// The text file with this ending. Throws std::runtime_error when it cannot be written.
-  void write(const std::string& ending, const std::string& text) const;
-  /// Throws std::runtime_error when a file cannot be renamed.
+  /// Removes what a killed process has left, where nothing is to be written.
+  void removeLeftover() const;
+  /// The file with this ending. Throws std::runtime_error when it cannot be written.
+  void write(const std::string& ending, const std::string& bytes) const;
+  /// Throws std::runtime_error when a file cannot be synchronised or renamed.
   void publish();
-  /// Removes what an earlier run published: it tells of a source that is another now.
+  /// Removes what an earlier run published, which describes another state of the source. Throws
+  /// std::runtime_error.
   void removePublished() const;
   bool isPublished() const;
 
  private:
-  static constexpr char kTemporary[] = ".tmp";
-
-  void removeTemporary() const;
+  std::string temporary(const std::string& ending) const;
+  void withdraw() const;
+  void sync() const;
+  void replace(const std::string& ending) const;
 
   std::string stem;
   bool keepPreprocessed;
-  std::unique_ptr<NewFile> lock;  ///< never published: two processes may have the same unit
+  std::unique_ptr<WorkDirectory> work;
 };
 
-/// Names of the units that have files in the directory and are not among the current ones, sorted.
-/// What is not named like the file of a unit is none of them.
+/// Names of the units that have files in the directory, leftovers of a killed run included, and are
+/// not among the current ones, sorted. What is not named like the file of a unit is none of them.
 std::vector<std::string> staleUnits(const std::string& directory,
                                     const std::set<std::string>& current);
 

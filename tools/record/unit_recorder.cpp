@@ -25,19 +25,27 @@ void check(bool isDone, const persistence::Database& database) {
   if (!isDone || database.hasFailed() || !database.lastFailure().reason.empty()) fail(database);
 }
 
-void save(dm::CompilationData& data) {
+/// Nobody gets to see the files before they are whole and synchronised, once, in the end. Until
+/// then there is nothing that SQLite would have to bring back after a power failure.
+void leaveSyncingToTheEnd(persistence::Database& database) {
+  check(database.execute("PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY"), database);
+}
+
+void save(dm::CompilationData& data, const UnitOutput& output) {
   dm::PreprocessingDatabase& preprocessing = data.getPpDb();
   dm::CompilationDatabase& compilation = data.getCompDb();
   data.setDataNeededForDbLink();
   data.setPropagateMacroInfo();
   check(preprocessing.quick_connect(/*readOnly=*/false), preprocessing);
+  leaveSyncingToTheEnd(preprocessing);
   check(preprocessing.addTables(), preprocessing);
   check(data.saveToPpDB(), preprocessing);
   preprocessing.disconnect();
 
   data.resetIds(preprocessing);
-  createCompilationDatabase(compilation.getPath(), KeyIndexes::no);
+  output.write(".comp.db", emptyCompilationDatabase(KeyIndexes::no));
   check(compilation.quick_connect(/*readOnly=*/false), compilation);
+  leaveSyncingToTheEnd(compilation);
   check(data.saveToCompDB(), compilation);
   compilation.disconnect();
 }
@@ -71,13 +79,14 @@ bool recordUnit(const Unit& unit, const RecordOptions& options) {
     result = parse();
   }
   if (result.outcome == ParseOutcome::failed) {
-    output.removePublished();
     reportFailed(unit, result);
+    output.begin();
+    output.removePublished();
     return false;
   }
   try {
     output.begin();
-    save(*data);
+    save(*data, output);
     if (options.keepPreprocessed) output.write(".i", result.preprocessedText);
     // Without a manifest a unit with errors is never taken for one that need not be recorded.
     if (result.outcome == ParseOutcome::whole) {

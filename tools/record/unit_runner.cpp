@@ -227,7 +227,7 @@ class Runner {
   std::string killed(const Unit& unit, int signal) const {
     try {
       UnitOutput output(options.outputDirectory, options.nameOf(unit), false);
-      output.begin();  // incomplete files are removed with this object
+      output.begin();  // what the process has left goes with this object
       output.removePublished();
     } catch (const std::runtime_error&) {
       // The next run of the unit removes them as well.

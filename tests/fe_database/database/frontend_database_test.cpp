@@ -51,8 +51,8 @@ TEST_F(FrontendDatabaseTest, FileOrIdentifierWhoseRowIsThere_TakesItsIdAndWrites
   execute("INSERT INTO Identifier VALUES (4, 'n', 2, 1)");
   File file("c.c", static_cast<FileKind>(9), static_cast<results_api::LanguageKind>(8), true);
   Identifier identifier("n", IdentifierKind::Macro, 6);
-  EXPECT_EQ(db().addOrTakeRow(file), 3);
-  EXPECT_EQ(db().addOrTakeRow(identifier), 4);
+  EXPECT_EQ(db().addOrAdoptRow(file), 3);
+  EXPECT_EQ(db().addOrAdoptRow(identifier), 4);
   EXPECT_EQ(file.getId(), 3);
   EXPECT_EQ(identifier.getId(), 4);
   EXPECT_EQ(rows("SELECT * FROM File"), "3|c.c|9|8|1\n5|e.c|3|4|1\n");

@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "fe_database/compilation_database/describe_table.h"
 #include "tests/support/database_fixture.h"
 
 namespace fe_db_tests {

@@ -131,7 +131,7 @@ TEST(Update, OfAnIdentifier_CountsAsAChangeWhatTheOtherSightOrTheRowLacks) {
     SCOPED_TRACE(&c - cases);
     Identifier seen("x", c.kind, c.count), stored = seen, row("x", c.otherKind, 3);
     seen.setId(4);
-    seen.addSight(c.otherKind, 3);
+    seen.addOccurrence(c.otherKind, 3);
     row.setId(8);
     EXPECT_EQ(stored.updateFromRow(row), c.changed);
     EXPECT_EQ(seen.getId(), 0);

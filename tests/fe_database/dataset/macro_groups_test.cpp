@@ -53,6 +53,48 @@ TEST_F(MacroGroups, AreWalkedFromTheFirstInsertedThenFromTheNewestToTheOldest) {
   EXPECT_EQ(find("no macro", wildcard()), nullptr);
 }
 
+// Large groups are searched by an index of positions, and a position can be set in many ways.
+TEST_F(MacroGroups, MovedMacro_IsFoundWhereItIs) {
+  const struct {
+    const char* name;
+    void (*move)(Macro&, File*);
+    Localization to;
+  } moves[] = {
+      {"setLine", [](Macro& m, File*) { m.setLine(99); }, line(99)},
+      {"setColumn", [](Macro& m, File*) { m.setColumn(7); }, at("a.c", 5, 7)},
+      {"setFile", [](Macro& m, File* b) { m.setFile(b); }, at("b.c", 5, 1)},
+      {"setLocalization",
+       [](Macro& m, File* b) {
+         m.setLocalization({b, 3, 3});
+       },
+       at("b.c", 3, 3)},
+      {"through a base",
+       [](Macro& m, File* b) {
+         static_cast<LocatedElement&>(m).setLocalization({b, 4, 4});
+       },
+       at("b.c", 4, 4)},
+      {"assigned to a base",
+       [](Macro& m, File* b) {
+         static_cast<NamedElement&>(m) = NamedElement(m.getIdentifier(), {b, 6, 6}, 1);
+       },
+       at("b.c", 6, 6)},
+      {"assigned",
+       [](Macro& m, File* b) {
+         m = Macro(m.getIdentifier(), {b, 8, 8}, 1);
+       },
+       at("b.c", 8, 8)},
+  };
+  for (const auto& [text, move, to] : moves) {
+    SCOPED_TRACE(text);
+    for (std::uint32_t n = 1; n <= 12; ++n) macro(text, line(n));
+    Macro* moved = find(text, line(5));
+    move(*moved, file("b.c"));
+    EXPECT_EQ(find(text, to), moved);
+    EXPECT_EQ(find(text, line(5)), nullptr);
+    EXPECT_EQ(find(text, line(6))->getLine(), 6u);
+  }
+}
+
 // Rehashes must not turn a group round, and look-ups must stay right through them.
 TEST_F(MacroGroups, KeepTheirOrderWhenLargeAndRehashed) {
   constexpr std::uint32_t kMacros = 3000;

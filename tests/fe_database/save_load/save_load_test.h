@@ -22,6 +22,21 @@ class SaveLoadTest : public CompilationTest {
     return data->saveToCompDB();
   }
 
+  /// From the first statement that begins so on: SQLite cannot make the journal of the file, and
+  /// rolls nothing back for it. `once`: the next statement finds that it can.
+  void failJournalAt(const std::string& beginning, const std::string& file, bool once) {
+    trace.onStatement = [=, failed = false](const std::string& sql) mutable {
+      if (failed && once) std::filesystem::remove(file + "-journal");
+      if (!failed && sql.starts_with(beginning)) {
+        failed = std::filesystem::create_directory(file + "-journal");
+      }
+    };
+  }
+  void letJournalBe(const std::string& file) {
+    trace.onStatement = nullptr;
+    std::filesystem::remove(file + "-journal");
+  }
+
   /// Something of every class, as a front end would see it.
   void fill() {
     File* a = &data->emplaceFile("a.c", static_cast<FileKind>(1), {});

@@ -71,21 +71,57 @@ TEST_F(SaveToPpDb, SixTables_AreWrittenInTheirOrderWithTheirReferences) {
   data->eachMacroExpansion([](const MacroExpansion& e) { EXPECT_EQ(e.getId(), 1); });
 }
 
-TEST_F(SaveToPpDb, FailedCommit_LeavesTheExpansionsMarkedAsSaved) {
+TEST_F(SaveToPpDb, FailedSave_CommitsNothing_AndCanBeTriedAgain) {
   connectPp();
-  const RawConnection other(ppFile);
-  other.rows(
-      "CREATE TRIGGER t BEFORE INSERT ON MacroInvocation "
-      "BEGIN SELECT RAISE(ROLLBACK, 'all back'); END");
-  const std::string before = dump(ppFile);
   fill();
+  ASSERT_TRUE(data->saveToPpDB());
+  const std::string expected = dump(ppFile);
+  for (const bool fails : {false, true}) {
+    SCOPED_TRACE(fails ? "the first row" : "the commit, for a reader");
+    std::filesystem::remove(ppFile);
+    openAgain();
+    connectPp().setBusyTimeout(0);
+    fill();
+    const std::string before = dump(ppFile);
+    {
+      const RawConnection reader(ppFile);
+      if (fails) {
+        failJournalAt("INSERT INTO File", ppFile, /*once=*/true);
+      } else {
+        reader.rows("BEGIN; SELECT count(*) FROM File");
+      }
+      EXPECT_FALSE(data->saveToPpDB());
+      EXPECT_NE(takeReports(), "");
+    }
+    letJournalBe(ppFile);
+    EXPECT_EQ(dump(ppFile), before);
+    EXPECT_TRUE(data->saveToPpDB());
+    EXPECT_EQ(dump(ppFile), expected);
+  }
+}
+
+// Rows of an earlier save keep their ids, and what was seen since is written by the second try.
+TEST_F(SaveToPpDb, FailedFurtherSave_CanBeTriedAgain) {
+  connectPp();
+  fill();
+  ASSERT_TRUE(data->saveToPpDB());
+  data->emplaceIdentifier("f", IdentifierKind::Function, /*accumulate=*/true, 2);
+  data->emplaceFile("new.c", {}, {});
+  failJournalAt("INSERT INTO File", ppFile, /*once=*/false);
   EXPECT_FALSE(data->saveToPpDB());
-  EXPECT_THAT(takeReports(), HasSubstr("all back\n"));
-  EXPECT_EQ(dump(ppFile), before);
-  other.rows("DROP TRIGGER t");
+  EXPECT_NE(takeReports(), "");
+  letJournalBe(ppFile);
   EXPECT_TRUE(data->saveToPpDB());
-  EXPECT_EQ(ppRows("SELECT count(*) FROM MacroExpansion"), "0\n");
-  EXPECT_EQ(ppRows("SELECT count(*) FROM MacroInvocationCodeOrigin"), "0\n");
+  EXPECT_EQ(ppRows("SELECT FileId, Path FROM File; SELECT Count FROM Identifier WHERE Name='f'"),
+            "1|a.c\n2|a.h\n3|new.c\n5\n");
+}
+
+TEST_F(AddTables, WithoutAJournal_AnswersFalse) {
+  failJournalAt("CREATE TABLE", ppFile, /*once=*/false);
+  ASSERT_TRUE(data->getPpDb().quick_connect(false));
+  EXPECT_FALSE(data->getPpDb().addTables());
+  EXPECT_THAT(takeReports(), HasSubstr("cannot make the tables: unable to open database file"));
+  letJournalBe(ppFile);
 }
 
 TEST_F(SaveToPpDb, ResetIdsInBetween_LetsTheDatasetGoToTheOtherDatabase) {

@@ -259,6 +259,43 @@ TEST_F(Reports, FailedStep_IsTheEnd_AndIsRemembered) {
   EXPECT_EQ(db().lastFailure().table, "Label");
 }
 
+TEST_F(Reports, FailedSearchForOneAnswer_IsReportedOnce) {
+  execute("DROP TABLE Function");
+  EXPECT_EQ(data->findExternalDefinedFunction(&f), nullptr);
+  expectOneSqliteError("no such table: Function");
+}
+
+/// The index of a damaged file can name a row that is not in the table. A reference to such a row
+/// makes an empty element, which is no answer either.
+TEST_F(Reports, FoundIdWithoutRow_IsPassedOverAndCounted) {
+  execute(
+      "CREATE INDEX Field_Name ON Field (IdentifierId);"
+      "CREATE INDEX Function_Name ON Function (IdentifierId)");
+  // The entries stay in the indexes when they are hidden from the deletion.
+  execute(
+      "CREATE TABLE Saved AS SELECT * FROM sqlite_schema WHERE type='index';"
+      "PRAGMA writable_schema=ON; DELETE FROM sqlite_schema WHERE type='index' AND "
+      "name IN ('Field_Name', 'Function_Name')");
+  execute("DELETE FROM Field WHERE FieldId=1; DELETE FROM Function WHERE FunctionId=1");
+  execute(
+      "PRAGMA writable_schema=ON; INSERT INTO sqlite_schema SELECT * FROM Saved WHERE name IN "
+      "('Field_Name', 'Function_Name')");
+  openAgain();
+  bool first = true;
+  EXPECT_EQ(walk([&](Data& d, bool& f) { return d.findFieldFromIdentifier(&fld, f); }, first),
+            "14 ");
+  takeReports();
+  // Calls refer to the function that has no row.
+  first = true;
+  EXPECT_EQ(walk([](Data& d, bool& f) { return d.findCallPoint(f); }, first), "20 21 30 ");
+  takeReports();
+  first = true;
+  EXPECT_EQ(walk([&](Data& d, bool& b) { return d.findFunctionFromIdentifier(&f, b); }, first),
+            "11 ");
+  EXPECT_EQ(db().leftOutRows(),
+            (std::map<std::string, std::size_t>{{"Field", 1}, {"Function", 1}}));
+}
+
 TEST_F(Reports, TableThatIsMissing_IsToldWhenConnecting) {
   execute("DROP TABLE Label");
   data.reset();

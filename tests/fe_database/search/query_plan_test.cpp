@@ -14,18 +14,9 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-/// All named searches; those of a least length with the table that they answer from.
 std::vector<std::string> namedSearches() {
   std::vector<std::string> texts;
-  for (const RawQueryText& raw : kRawQueryTexts) texts.emplace_back(raw.sql);
-  NamedQueries q;
-  for (const auto* wrapped :
-       {&q.variableIdFromRefCountAndLinkage, &q.externalVariableIdFromTotalRefCount,
-        &q.callPointIdWithNoEffect, &q.typeReferenceIdFromType, &q.macroIdFromMinLength,
-        &q.typeIdFromMinLength, &q.variableIdFromMinLength, &q.functionIdFromMinLength,
-        &q.fieldIdFromMinLength, &q.enumConstantIdFromMinLength, &q.labelIdFromMinLength}) {
-    texts.push_back(wrapped->getText());
-  }
+  for (const NamedQuery& query : kNamedQueries) texts.emplace_back(query.sql);
   return texts;
 }
 
@@ -123,8 +114,7 @@ TEST_F(SearchPlans, Indexes_ChangeNoAnswer) {
 /// Where the first row is taken, its place in the answer is part of the answer.
 TEST_F(SearchPlans, Indexes_ChangeNoOrder_OfKeyLookupsAndWholeTables) {
   std::multimap<std::string, std::string> selects = tableSelects();
-  selects.emplace("first row",
-                  kRawQueryTexts[static_cast<std::size_t>(RawQuery::definedFunctionId)].sql);
+  selects.emplace("first row", namedQuery(Query::definedFunctionId).sql);
   ASSERT_GT(selects.size(), 60U);
   for (const auto& [kind, sql] : selects) {
     // The order of a walk over ids is open, and a table without a key is not looked up by one.
@@ -152,15 +142,14 @@ struct KeyIndexPlans : QuietTest {
 TEST_F(KeyIndexPlans, KeyLookup_UsesAllColumnsOfItsIndexByEquality) {
   const RawConnection indexed(path("indexed.db"));
   const auto selects = tableSelects();
-  for (const fe_db_tools::SearchIndex& index : fe_db_tools::kKeyIndexes) {
-    const auto select = selects.find(std::string(index.table) + " get_id");
+  for (const fe_db_tools::SearchIndex& index : fe_db_tools::keyIndexes()) {
+    const auto select = selects.find(index.table + " get_id");
     ASSERT_NE(select, selects.end()) << index.table;
-    const std::string terms =
-        indexed.rows("SELECT group_concat(name || '=?', ' AND ') FROM pragma_index_info('" +
-                     std::string(index.name) + "')");
+    const std::string terms = indexed.rows(
+        "SELECT group_concat(name || '=?', ' AND ') FROM pragma_index_info('" + index.name + "')");
     EXPECT_THAT(planOf(indexed, select->second),
-                HasSubstr("SEARCH " + std::string(index.table) + " USING INDEX " + index.name +
-                          " (" + terms.substr(0, terms.size() - 1) + ")\n"));
+                HasSubstr("SEARCH " + index.table + " USING INDEX " + index.name + " (" +
+                          terms.substr(0, terms.size() - 1) + ")\n"));
   }
 }
 

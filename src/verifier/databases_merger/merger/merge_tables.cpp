@@ -1,9 +1,8 @@
-#include <cstdint>
-#include <utility>
-
-#include "fe_database/compilation_data/elements_of.h"
-#include "merger/expected_element.h"
+#include "fe_database/compilation_data/element_store.h"
+#include "fe_database/compilation_database/columns.h"
+#include "merger/lookup_predictor.h"
 #include "merger/merger_impl.h"
+#include "merger/translation.h"
 #include "persistence/sqlite_report.h"
 
 /// Keys are made of pointers, which mean nothing in another dataset. So each element of a source is
@@ -14,40 +13,25 @@ namespace orvalesca::databases_merger {
 
 namespace {
 
-static_assert(sizeof(void*) <= sizeof(long long));
-
-/// Which element of the target a source element became, kept where its row id was: that id has
-/// served once the source is loaded. A translated reference so costs one read of memory, where
-/// hashing the path and the name again for each would make a merge half as fast.
-template <class T>
-void remember(const T& source, T* inTarget) {
-  mutableElement(source).setId(reinterpret_cast<std::intptr_t>(inTarget));
-}
-
-template <class T>
-T* translate(const T* source) {
-  return source == nullptr ? nullptr : reinterpret_cast<T*>(source->getId());
-}
-
-Localization translate(const Localization& at) {
-  return {translate(at.file), at.line, at.column, /*wildcard=*/false};
-}
-
-EntityDescription translate(const EntityDescription& description) {
-  EntityDescription inTarget{description.kind, nullptr};
-  if (description.kind == EntityKind::Variable) {
-    inTarget.entity = translate(static_cast<const Variable*>(description.entity));
-  } else if (description.kind == EntityKind::Function) {
-    inTarget.entity = translate(static_cast<const Function*>(description.entity));
+/// Calls find(key) with the key that the element has in the target.
+template <class T, class Find>
+auto withKeyInTarget(const T& source, const Translation& inTarget, Find&& find) {
+  if constexpr (std::is_same_v<T, File>) {
+    return find(std::string_view(source.getPath()));
+  } else if constexpr (std::is_same_v<T, Identifier>) {
+    return find(std::string_view(source.getName()));
+  } else if constexpr (std::is_same_v<T, TypeReference>) {
+    return find(inTarget(source.getDeclaredType()));
+  } else if constexpr (std::is_same_v<T, ExternalIdentifier>) {
+    return find(entityKey(inTarget(source.getIdentifier()), inTarget(source.getDescription())));
   } else {
-    inTarget.kind = EntityKind::None;
+    const Localization at = inTarget(source.getLocalization());
+    if constexpr (std::is_same_v<T, CallPoint>) {
+      return find(LocCallerKey{at, inTarget(source.getCaller())});
+    } else {
+      return find(LocIdentifierKey{at, inTarget(source.getIdentifier())});
+    }
   }
-  return inTarget;
-}
-
-void addUses(Identifier& identifier, IdentifierKind kind, std::uint32_t count) {
-  identifier.setCount(identifier.getCount() + count);
-  identifier.setKind(identifier.getKind() | kind);
 }
 
 /// By the rule of the class's container.
@@ -68,6 +52,33 @@ Macro* findElement(const MacroSet& macros, const LocIdentifierKey& key) {
   return ofName != nullptr ? MacroGroups::find(*ofName, key.at) : nullptr;
 }
 
+void addUses(Identifier& name, IdentifierKind kind, std::uint32_t count) {
+  name.setCount(name.getCount() + count);
+  name.setKind(name.getKind() | kind);
+}
+
+/// What an element of a source does to its name in the target, known or not.
+template <class T>
+void countForName(Identifier* name) {
+  if constexpr (std::is_same_v<T, EnumConstant>) addUses(*name, IdentifierKind::EnumConstant, 1);
+  if constexpr (std::is_same_v<T, Field>) addUses(*name, IdentifierKind::Field, 1);
+  if constexpr (std::is_same_v<T, Label>) addUses(*name, IdentifierKind::Label, 1);
+  if constexpr (std::is_same_v<T, ExternalIdentifier>) addUses(*name, IdentifierKind::External, 0);
+}
+
+/// What a known element takes from one of a source: the rule of its class for a further copy of it.
+/// Classes without counts take nothing; the target's values stay.
+template <class T>
+void addCopy(T& known, const T& source) {
+  if constexpr (std::is_same_v<T, Identifier>) {
+    addUses(known, source.getKind(), source.getCount());
+  } else if constexpr (std::is_base_of_v<NamedElement, T>) {
+    const long long id = known.getId();
+    known.update(source);
+    known.setId(id);
+  }
+}
+
 }  // namespace
 
 void mergerImpl::mergeCompilationTables(mergerImpl& other) {
@@ -76,170 +87,64 @@ void mergerImpl::mergeCompilationTables(mergerImpl& other) {
     persistence::reportMessage("%s: a merger cannot be merged into itself", path);
     return;
   }
-  if (other.isSpent) {
-    persistence::reportMessage("%s: it was merged before; load it anew", path);
+  if (other.isConsumed) {
+    persistence::reportMessage("%s: already merged into a target; reload it first", path);
     return;
   }
-  if (other.database->hasFailed() || other.isHalfDone) {
+  if (other.database->hasFailed() || other.isIncomplete) {
     persistence::reportMessage("%s: not merged: it could not be read to its end", path);
     const persistence::Failure& failure = other.database->lastFailure();
     database->noteFailedRead(failure.table, std::string(path) + ": " + failure.reason);
     return;
   }
-  other.isSpent = true;
-  isHalfDone = true;
-  MergedElements::each([&]<class T>() { foldTable<T>(other); });
-  isHalfDone = false;
+  other.isConsumed = true;
+  isIncomplete = true;
+  Translation inTarget(*other.dataset->insertionOrder);
+  MergedElements::each([&]<class T>() { foldTable<T>(other, inTarget); });
+  isIncomplete = false;
 }
 
 template <class T>
-void mergerImpl::foldTable(mergerImpl& other) {
-  ExpectedElement<T> expected(dataset->arrivals->of<T>());
-  other.dataset->eachElement<T>([&](const T& source) { fold(source, expected); });
+void mergerImpl::foldTable(mergerImpl& other, Translation& inTarget) {
+  LookupPredictor<T> predictor(dataset->insertionOrder->of<T>());
+  other.dataset->eachElement<T>([&](const T& source) {
+    if constexpr (requires { source.getIdentifier(); }) {
+      countForName<T>(inTarget(source.getIdentifier()));
+    }
+    T* known =
+        withKeyInTarget(source, inTarget, [&](const auto& key) { return find<T>(key, predictor); });
+    if (known != nullptr) {
+      addCopy(*known, source);
+    } else {
+      known = &addFrom(source, inTarget);
+    }
+    inTarget.remember(source, known);
+  });
 }
 
 /// The element of the target with the key, or null.
 template <class T, class Key>
-T* mergerImpl::find(const Key& key, ExpectedElement<T>& expected) {
+T* mergerImpl::find(const Key& key, LookupPredictor<T>& predictor) {
   const auto& elements = dataset->elementsOf<T>();
-  T* known = expected.find([&](const T& element) { return hasKey(elements, element, key); });
+  T* known = predictor.find([&](const T& element) { return hasKey(elements, element, key); });
   if (known == nullptr) {
     known = findElement(elements, key);
-    if (known != nullptr) expected.foundElsewhere(*known);
+    if (known != nullptr) predictor.foundElsewhere(*known);
   }
   return known;
 }
 
-/// The latest element of its class has its place for an id until it gets a row.
+/// The whole element with its references in the target's terms.
 template <class T>
-void mergerImpl::keepPlace(T& latest) {
-  latest.setId(static_cast<long long>(dataset->arrivals->of<T>().size()));
-}
-
-template <class T, class... Arguments>
-T& mergerImpl::add(Arguments&&... arguments) {
-  T& element = dataset->addElement<T>(std::forward<Arguments>(arguments)...);
-  keepPlace(element);
-  return element;
-}
-
-void mergerImpl::fold(const File& source, ExpectedElement<File>& expected) {
-  File* known = find(std::string_view(source.getPath()), expected);
-  remember(source, known != nullptr ? known : &add<File>(source));
-}
-
-void mergerImpl::fold(const Identifier& source, ExpectedElement<Identifier>& expected) {
-  Identifier* known = find(std::string_view(source.getName()), expected);
-  if (known != nullptr) {
-    addUses(*known, source.getKind(), source.getCount());
+T& mergerImpl::addFrom(const T& source, const Translation& inTarget) {
+  T copy = source;
+  copy.forgetRow();
+  copy.dirty = false;
+  replaceReferences(copy, inTarget);
+  if constexpr (std::is_same_v<T, Macro>) {
+    return dataset->insertMacro(copy, findElement(dataset->macros, copy.getIdentifier()));
   } else {
-    known = &add<Identifier>(source.getName(), source.getKind(), source.getCount());
-  }
-  remember(source, known);
-}
-
-void mergerImpl::fold(const Function& source, ExpectedElement<Function>& expected) {
-  const Localization at = translate(source.getLocalization());
-  Identifier* identifier = translate(source.getIdentifier());
-  Function* known = find(LocIdentifierKey{at, identifier}, expected);
-  if (known != nullptr) {
-    known->merge(known->getId(), /*otherRefCount=*/0);
-  } else {
-    known = &add<Function>(identifier, translate(source.getSourceName()), at, source.getIsDefined(),
-                           source.getIsSpecial(), source.getEffect(), source.getLinkage());
-  }
-  remember(source, known);
-}
-
-void mergerImpl::fold(const CallPoint& source, ExpectedElement<CallPoint>& expected) {
-  const Localization at = translate(source.getLocalization());
-  Function* caller = translate(source.getCaller());
-  if (find(LocCallerKey{at, caller}, expected) == nullptr) {
-    add<CallPoint>(caller, translate(source.getCallee()), at, source.getIsValueUsed());
-  }
-}
-
-/// Enum constants, fields and labels: each of a source counts for its name, known or not.
-template <class T>
-void mergerImpl::foldNamed(const T& source, ExpectedElement<T>& expected, IdentifierKind kind,
-                           std::uint32_t refCount) {
-  const Localization at = translate(source.getLocalization());
-  Identifier* identifier = translate(source.getIdentifier());
-  addUses(*identifier, kind, /*count=*/1);
-  if (T* known = find(LocIdentifierKey{at, identifier}, expected)) {
-    known->merge(known->getId(), refCount);
-  } else {
-    add<T>(identifier, at, refCount);
-  }
-}
-
-void mergerImpl::fold(const EnumConstant& source, ExpectedElement<EnumConstant>& expected) {
-  foldNamed(source, expected, IdentifierKind::EnumConstant, /*refCount=*/0);
-}
-
-void mergerImpl::fold(const Type& source, ExpectedElement<Type>& expected) {
-  const Localization at = translate(source.getLocalization());
-  Identifier* identifier = translate(source.getIdentifier());
-  Type* known = find(LocIdentifierKey{at, identifier}, expected);
-  if (known != nullptr) {
-    known->merge(known->getId(), source.getUnnamed(), source.getRefCount(), source.getRefTagCount(),
-                 source.getLocal(), source.getIncomplete());
-  } else {
-    known = &add<Type>(identifier, source.getUnnamed(), at, source.getKind(), source.getRefCount(),
-                       source.getRefTagCount(), source.getLocal(), source.getIncomplete());
-  }
-  remember(source, known);
-}
-
-void mergerImpl::fold(const Field& source, ExpectedElement<Field>& expected) {
-  foldNamed(source, expected, IdentifierKind::Field, source.getRefCount());
-}
-
-void mergerImpl::fold(const Label& source, ExpectedElement<Label>& expected) {
-  foldNamed(source, expected, IdentifierKind::Label, /*refCount=*/0);
-}
-
-void mergerImpl::fold(const Macro& source, ExpectedElement<Macro>& expected) {
-  const Localization at = translate(source.getLocalization());
-  Identifier* identifier = translate(source.getIdentifier());
-  if (Macro* known = find(LocIdentifierKey{at, identifier}, expected)) {
-    known->merge(known->getId(), source.getRefCount(), source.getValue(), source.getIsDefined());
-    return;
-  }
-  Macro& added = dataset->emplaceMacro(
-      identifier, at, source.getValue(), source.getIsDefined(), /*accumulate=*/true,
-      source.getRefCount(), source.getText(), source.getIsObjectLike(), source.getIsVariadic(),
-      source.getIsCommandLineDefinition(), source.getIsPredefined());
-  keepPlace(added);
-}
-
-void mergerImpl::fold(const TypeReference& source, ExpectedElement<TypeReference>& expected) {
-  Type* declared = translate(source.getDeclaredType());
-  if (find<TypeReference>(declared, expected) == nullptr) {
-    add<TypeReference>(declared, translate(source.getReferencedType()));
-  }
-}
-
-void mergerImpl::fold(const Variable& source, ExpectedElement<Variable>& expected) {
-  const Localization at = translate(source.getLocalization());
-  Identifier* identifier = translate(source.getIdentifier());
-  Variable* known = find(LocIdentifierKey{at, identifier}, expected);
-  if (known != nullptr) {
-    known->merge(known->getId(), source.getRefCount());
-  } else {
-    known = &add<Variable>(identifier, at, translate(source.getType()), source.getIsDefined(),
-                           source.getLinkage(), source.getRefCount());
-  }
-  remember(source, known);
-}
-
-void mergerImpl::fold(const ExternalIdentifier& source,
-                      ExpectedElement<ExternalIdentifier>& expected) {
-  Identifier* identifier = translate(source.getIdentifier());
-  const EntityDescription description = translate(source.getDescription());
-  addUses(*identifier, IdentifierKind::External, /*count=*/0);
-  if (find(entityKey(identifier, description), expected) == nullptr) {
-    add<ExternalIdentifier>(identifier, description);
+    return dataset->insertElement(copy);
   }
 }
 

@@ -9,15 +9,16 @@
 namespace orvalesca::databases_merger {
 
 template <class T>
-class ExpectedElement;
+class LookupPredictor;
+class Translation;
 
 /// What a merger reads, folds and writes, each table after those that it refers to.
 using MergedElements = TypeList<File, Identifier, Function, CallPoint, EnumConstant, Type, Field,
                                 Label, Macro, TypeReference, Variable, ExternalIdentifier>;
 
 /// The private side of CompilationDataMerger. Its four topics stand in a file each: the connection
-/// and what may be rewritten (lifecycle.cpp), rows to elements (load.cpp), elements of a source to
-/// elements of the target (merge_tables.cpp), elements to rows (write.cpp).
+/// and what may be rewritten (lifecycle.cpp), rows to elements (load_rows.cpp), elements of a
+/// source to elements of the target (merge_tables.cpp), elements to rows (write_rows.cpp).
 class mergerImpl {
  public:
   explicit mergerImpl(std::string_view path);
@@ -37,41 +38,24 @@ class mergerImpl {
   template <class T>
   void loadTable();
   template <class T>
-  void foldTable(mergerImpl& other);
+  void foldTable(mergerImpl& other, Translation& inTarget);
   template <class T>
   void writeTable();
+  void checkWhatWasWritten();
   template <class T>
-  T* takeRow(T& row);
+  T* insertRow(T& row);
   template <class T, class Key>
-  T* find(const Key& key, ExpectedElement<T>& expected);
-  template <class T, class... Arguments>
-  T& add(Arguments&&... arguments);
+  T* find(const Key& key, LookupPredictor<T>& predictor);
   template <class T>
-  void keepPlace(T& latest);
-
-  template <class T>
-  void foldNamed(const T& source, ExpectedElement<T>& expected, IdentifierKind kind,
-                 std::uint32_t refCount);
-  void fold(const File& source, ExpectedElement<File>& expected);
-  void fold(const Identifier& source, ExpectedElement<Identifier>& expected);
-  void fold(const Function& source, ExpectedElement<Function>& expected);
-  void fold(const CallPoint& source, ExpectedElement<CallPoint>& expected);
-  void fold(const EnumConstant& source, ExpectedElement<EnumConstant>& expected);
-  void fold(const Type& source, ExpectedElement<Type>& expected);
-  void fold(const Field& source, ExpectedElement<Field>& expected);
-  void fold(const Label& source, ExpectedElement<Label>& expected);
-  void fold(const Macro& source, ExpectedElement<Macro>& expected);
-  void fold(const TypeReference& source, ExpectedElement<TypeReference>& expected);
-  void fold(const Variable& source, ExpectedElement<Variable>& expected);
-  void fold(const ExternalIdentifier& source, ExpectedElement<ExternalIdentifier>& expected);
+  T& addFrom(const T& source, const Translation& inTarget);
 
   std::unique_ptr<CompilationData> dataset;
   CompilationDatabase* database;  ///< owned by the dataset
   bool debug = false;
-  bool isSpent = false;        ///< it was folded: its elements' ids are no row ids any more
-  bool isHalfDone = false;     ///< a load or a fold is under way, or has ended with an exception
-  bool isWithoutLock = false;  ///< the latest begin failed: others may write the file
-  bool isRefusalTold = false;
+  bool isConsumed = false;    ///< it was folded into a target
+  bool isIncomplete = false;  ///< a load or a fold is under way, or has ended with an exception
+  bool lockFailed = false;    ///< the latest begin failed: others may write the file
+  bool refusalReported = false;
 };
 
 }  // namespace orvalesca::databases_merger

@@ -1,14 +1,18 @@
-#include "fe_database/compilation_data/elements_of.h"
+#include "fe_database/compilation_data/element_store.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 
-/// The emplace operations: is this a first sight or a second one, and what does a second one do?
+/// The emplace operations: is this occurrence the first or a repeat, and what does a repeat do?
 namespace orvalesca::databases_merger {
 
 namespace {
 
 void markExternal(Identifier& identifier) {
   identifier.setKind(identifier.getKind() | IdentifierKind::External);
+}
+
+bool hasEmptyName(const NamedElement& row) {
+  return row.getIdentifier() != nullptr && row.getIdentifier()->getName().empty();
 }
 
 }  // namespace
@@ -62,6 +66,14 @@ Function* CompilationData::emplaceFunction(Identifier* identifier, Identifier* s
                                linkage);
 }
 
+/// `ofName` is any macro of the name that is there already, or null.
+Macro& CompilationData::insertMacro(const Macro& macro, Macro* ofName) {
+  insertionOrder->makeRoom<Macro>();
+  Macro& inserted = insertionOrder->note(mutableElement(*macros.insert(macro)));
+  if (ofName != nullptr) macroGroups->join(*ofName, inserted);
+  return inserted;
+}
+
 Macro& CompilationData::emplaceMacro(Identifier* identifier, const Localization& localization,
                                      Macro::Value value, bool isDefined, bool accumulate,
                                      unsigned refCount, const std::string& text, bool isObjectLike,
@@ -74,10 +86,7 @@ Macro& CompilationData::emplaceMacro(Identifier* identifier, const Localization&
       return *known;
     }
   }
-  arrivals->makeRoom<Macro>();
-  Macro& macro =
-      arrivals->note(mutableElement(*macros.emplace(identifier, localization, refCount)));
-  if (ofName != nullptr) macroGroups->join(*ofName, macro);
+  Macro& macro = insertMacro(Macro(identifier, localization, refCount), ofName);
   macro.setValue(value);
   macro.setIsDefined(isDefined);
   macro.setText(text);
@@ -213,105 +222,126 @@ MacroExpansion* CompilationData::emplaceMacroExpansion(const Localization& local
   return &macroExpansions.emplace_back(localization, expandedCode, macroCall, ppLine, ppColumn);
 }
 
-// --- From stored rows: as a sighting of what the row says.
+// --- From stored rows: as an occurrence of what the row says. A row is copied as a whole, so that
+// no value that has a column can be forgotten here.
+
+namespace {
+
+/// A copy of a row becomes an element of the dataset like any other.
+template <class T>
+T& asNew(T& element) {
+  element.setId(0);
+  element.dirty = false;
+  return element;
+}
+
+/// What a repeated occurrence does to an element that is known.
+template <class T>
+void addOccurrence(T& known, const T& row) {
+  if constexpr (std::is_base_of_v<NamedElement, T>) known.update(row);
+  known.setId(0);
+}
+/// The stored count is not taken over: counts of functions come from the front end alone.
+void addOccurrence(Function& known, const Function&) { known.merge(0, /*otherRefCount=*/0); }
+
+}  // namespace
+
+template <class T, class Key>
+T* CompilationData::emplaceRow(const T& row, const Key& key, bool accumulate) {
+  if (T* known = findElement(elementsOf<T>(), key)) {
+    if (accumulate) addOccurrence(*known, row);
+    return known;
+  }
+  return &asNew(addElement<T>(row));
+}
+
+/// These three go by the name of their identifier and count it. Without an identifier they stand
+/// for an id that has no row, and have nothing to count.
+template <class T>
+T* CompilationData::emplaceNamedRow(T row, IdentifierKind kind, bool accumulate) {
+  if (const Identifier* name = row.getIdentifier()) {
+    row.setIdentifier(emplaceIdentifier(name->getName(), kind, accumulate, /*count=*/1));
+  }
+  return emplaceRow(row, locIdentifierKey(row), accumulate);
+}
 
 File* CompilationData::emplaceFromDB(const File& row, bool) {
-  if (File* known = getFile(row.getPath())) return known;
-  File& file = addElement<File>(row);
-  file.forgetRow();
-  return &file;
+  return emplaceRow(row, std::string_view(row.getPath()), /*accumulate=*/false);
 }
 
 Identifier* CompilationData::emplaceFromDB(const Identifier& row, bool accumulate) {
-  return emplaceIdentifier(row.getName(), row.getKind(), accumulate, row.getCount());
+  Identifier* known = findElement(identifiers, std::string_view(row.getName()));
+  if (known == nullptr) return &asNew(addElement<Identifier>(row));
+  if (accumulate) known->addOccurrence(row.getKind(), row.getCount());
+  return known;
 }
 
 Macro* CompilationData::emplaceFromDB(const Macro& row, bool accumulate) {
-  return &emplaceMacro(row.getIdentifier(), row.getLocalization(), row.getValue(),
-                       row.getIsDefined(), accumulate, row.getRefCount(), row.getText(),
-                       row.getIsObjectLike(), row.getIsVariadic(), row.getIsCommandLineDefinition(),
-                       row.getIsPredefined());
+  Macro* ofName = findElement(macros, row.getIdentifier());
+  Macro* known = ofName != nullptr ? MacroGroups::find(*ofName, row.getLocalization()) : nullptr;
+  if (known == nullptr) return &asNew(insertMacro(row, ofName));
+  if (accumulate) addOccurrence(*known, row);
+  return known;
 }
 
 MacroInvocation* CompilationData::emplaceFromDB(const MacroInvocation& row, bool) {
+  MacroInvocation& element = asNew(mutableElement(*macroInvocations.insert(row)));
   OneLineRange range = row.getRange();
   range.file = row.getFile();
-  return emplaceMacroInvocation(row.getMacro(), row.getLocalization(), range);
+  element.setRange(range);
+  return &element;
 }
 
 MacroInvocationCodeOrigin* CompilationData::emplaceFromDB(const MacroInvocationCodeOrigin& row,
                                                           bool) {
-  return emplaceMacroInvocationCodeOrigin(row.getLocalization(), row.getInvocation(),
-                                          row.getOffset(), row.getEndOffset(), row.getIsParameter(),
-                                          row.getTokenString());
+  return &asNew(macroInvocationCodeOrigins.emplace_back(row));
 }
 
 MacroExpansion* CompilationData::emplaceFromDB(const MacroExpansion& row, bool) {
-  return emplaceMacroExpansion(row.getLocalization(), row.getExpandedCode(), row.getMacroCall(),
-                               row.getPpLine(), row.getPpColumn());
+  return &asNew(macroExpansions.emplace_back(row));
 }
 
 Type* CompilationData::emplaceFromDB(const Type& row, bool accumulate) {
-  return emplaceType(row.getIdentifier(), row.getUnnamed(), row.getLocalization(), row.getKind(),
-                     accumulate, row.getRefCount(), row.getRefTagCount(), row.getLocal(),
-                     row.getIncomplete());
+  return emplaceRow(row, locIdentifierKey(row), accumulate);
 }
 
 TypeReference* CompilationData::emplaceFromDB(const TypeReference& row, bool accumulate) {
-  return emplaceTypeReference(row.getDeclaredType(), row.getReferencedType(), accumulate);
+  return emplaceRow(row, row.getDeclaredType(), accumulate);
 }
 
 Variable* CompilationData::emplaceFromDB(const Variable& row, bool accumulate) {
   if (row.getFile() == nullptr) return nullptr;
-  return emplaceVariable(row.getIdentifier(), row.getLocalization(), row.getType(),
-                         row.getIsDefined(), row.getLinkage(), accumulate, row.getRefCount());
+  return emplaceRow(row, locIdentifierKey(row), accumulate);
 }
 
-/// The stored count is not taken over: function counts come from the front end alone.
 Function* CompilationData::emplaceFromDB(const Function& row, bool accumulate) {
-  return emplaceFunction(row.getIdentifier(), row.getSourceName(), row.getLocalization(),
-                         row.getIsDefined(), row.getIsSpecial(), row.getEffect(), row.getLinkage(),
-                         accumulate);
+  Function uncounted = row;
+  uncounted.setRefCount(0);
+  return emplaceRow(uncounted, locIdentifierKey(row), accumulate);
 }
 
 ExternalIdentifier* CompilationData::emplaceFromDB(const ExternalIdentifier& row, bool accumulate) {
-  if (row.getIdentifier() != nullptr) {
-    return emplaceExternalIdentifier(row.getIdentifier(), row.getDescription(), accumulate);
-  }
-  if (ExternalIdentifier* known = findElement(externalIdentifiers, entityKey(row))) return known;
-  return &addElement<ExternalIdentifier>(nullptr, row.getDescription());
+  const bool hasName = row.getIdentifier() != nullptr;
+  if (hasName) markExternal(*row.getIdentifier());
+  return emplaceRow(row, entityKey(row), accumulate && hasName);
 }
 
-// These three go by the name of their identifier and count it. Without an identifier they stand
-// for an id that has no row, and have nothing to count.
-
 Field* CompilationData::emplaceFromDB(const Field& row, bool accumulate) {
-  const Identifier* identifier = row.getIdentifier();
-  if (identifier == nullptr) {
-    return &emplaceNamed<Field>(nullptr, row.getLocalization(), accumulate, row.getRefCount());
-  }
-  return &emplaceField(identifier->getName(), row.getLocalization(), accumulate, row.getRefCount());
+  return emplaceNamedRow(row, IdentifierKind::Field, accumulate);
 }
 
 EnumConstant* CompilationData::emplaceFromDB(const EnumConstant& row, bool accumulate) {
-  const Identifier* identifier = row.getIdentifier();
-  if (identifier == nullptr) {
-    return &emplaceNamed<EnumConstant>(nullptr, row.getLocalization(), accumulate, 0);
-  }
-  return emplaceEnumConstant(identifier->getName(), row.getLocalization(), accumulate);
+  if (hasEmptyName(row)) return nullptr;
+  return emplaceNamedRow(row, IdentifierKind::EnumConstant, accumulate);
 }
 
 Label* CompilationData::emplaceFromDB(const Label& row, bool accumulate) {
-  const Identifier* identifier = row.getIdentifier();
-  if (identifier == nullptr) {
-    return &emplaceNamed<Label>(nullptr, row.getLocalization(), accumulate, 0);
-  }
-  return emplaceLabel(identifier->getName(), row.getLocalization(), accumulate);
+  if (hasEmptyName(row)) return nullptr;
+  return emplaceNamedRow(row, IdentifierKind::Label, accumulate);
 }
 
 CallPoint* CompilationData::emplaceFromDB(const CallPoint& row, bool accumulate) {
-  return emplaceCallPoint(row.getCaller(), row.getCallee(), row.getLocalization(),
-                          row.getIsValueUsed(), accumulate);
+  return emplaceRow(row, locCallerKey(row), accumulate);
 }
 
 }  // namespace orvalesca::databases_merger

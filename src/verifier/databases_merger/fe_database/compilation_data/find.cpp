@@ -27,8 +27,8 @@ T* CompilationData::findNext(const char* operation, NextId&& nextId) const {
   if (db == nullptr) return nullptr;
   for (;;) {
     const long long id = nextId(*db);
-    T* element = db->get<T>(id);
-    if (element != nullptr || id == 0) return element;
+    if (id == 0) return nullptr;
+    if (T* element = db->getFound<T>(id)) return element;
   }
 }
 
@@ -130,7 +130,7 @@ Function* CompilationData::findExternalDefinedFunction(Identifier* identifier) {
   FrontendDatabase* db = selectDb(/*fromCompDb=*/true, "findExternalDefinedFunction");
   if (db == nullptr) return nullptr;
   const long long id = db->getExternalDefinedFunction(identifier);
-  return id == 0 ? nullptr : db->get<Function>(id);
+  return id == 0 ? nullptr : db->getFound<Function>(id);
 }
 
 // --- By count, kind, effect, declared type.

@@ -1,6 +1,6 @@
-#include "fe_database/compilation_data/elements_of.h"
+#include "fe_database/compilation_data/element_store.h"
+#include "fe_database/compilation_data/last_save.h"
 #include "fe_database/compilation_data/load_table.h"
-#include "fe_database/compilation_data/saved_rows.h"
 #include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
@@ -15,18 +15,56 @@ namespace {
 
 /// What a compilation database gets, in the order that makes referred rows first.
 using PropagatedElements = TypeList<File, Identifier, Macro>;
-using SavedElements = ArrivingElements;
-
-/// Writes an element into a row that it had at an earlier save. Classes that are not here have no
-/// column that a further sight could change.
-template <class T>
-void rewrite(T& element, FrontendDatabase& db) {
-  constexpr bool hasOnlyKeys = std::is_same_v<T, EnumConstant> || std::is_same_v<T, Label>;
-  constexpr bool isCounted = std::is_base_of_v<NamedElement, T> || std::is_same_v<T, Identifier>;
-  if constexpr (isCounted && !hasOnlyKeys) db.update(element);
-}
+using SavedElements = OrderedElements;
 
 }  // namespace
+
+/// The row ids that elements have before a save, given back to them unless the save is kept: the id
+/// of a row that was rolled back may be that of another row tomorrow.
+class CompilationData::RestoredIds {
+ public:
+  explicit RestoredIds(CompilationData& data) : data(data) {
+    Elements::each([&]<class T>() {
+      data.eachElement<T>([this](T& element) {
+        if (element.getId() != 0) ids.emplace_back(&element, element.getId());
+      });
+    });
+  }
+  RestoredIds(const RestoredIds&) = delete;
+  RestoredIds& operator=(const RestoredIds&) = delete;
+  ~RestoredIds() {
+    if (isKept) return;
+    Elements::each(
+        [this]<class T>() { data.eachElement<T>([](T& element) { element.setId(0); }); });
+    for (const auto& [element, id] : ids) element->setId(id);
+  }
+
+  void keep() { isKept = true; }
+
+ private:
+  CompilationData& data;
+  std::vector<std::pair<persistence::GenericElement*, long long>> ids;
+  bool isKept = false;
+};
+
+/// The process-wide flags of the tables that a save folds, as they are before it.
+class CompilationData::FlagsBefore {
+ public:
+  void restore() const {
+    std::size_t i = 0;
+    FoldedElements::each([&]<class T>() {
+      T::isLoaded = flags[i++];
+      T::isPreLoaded = flags[i++];
+    });
+  }
+
+ private:
+  std::vector<bool> flags = [] {
+    std::vector<bool> all;
+    FoldedElements::each([&]<class T>() { all.insert(all.end(), {T::isLoaded, T::isPreLoaded}); });
+    return all;
+  }();
+};
 
 template <class T>
 void CompilationData::saveTable(FrontendDatabase& db) {
@@ -40,40 +78,79 @@ void CompilationData::saveFilesToDB(FrontendDatabase& db) { saveTable<File>(db);
 bool CompilationData::saveToCompDB() {
   if (!propagateMacroInfo && !dataNeededForDbLink) return true;
   FrontendDatabase* db = selectDb(/*fromCompDb=*/true, "saveToCompDB");
-  if (db == nullptr || !db->beginTransaction()) return false;
-  if (savedRows == nullptr) {
+  if (db == nullptr || isRefusedAfterFailure(*db) || !db->beginTransaction()) return false;
+  RestoredIds ids(*this);
+  const FlagsBefore flags;
+  const unsigned long long rowsReadBefore = db->countRowsRead();
+  hasSaveToCompDbFailed = true;  // until the commit; an exception leaves it so
+  auto saved = std::make_unique<LastSave>();
+  if (!saveCompilationTables(*db, *saved)) {
+    // What was read has joined the counts in memory, and a second try would add it once more.
+    hasSaveToCompDbFailed = db->countRowsRead() != rowsReadBefore;
+    flags.restore();
+    return false;
+  }
+  ids.keep();
+  lastSave = std::move(saved);
+  hasSaveToCompDbFailed = false;
+  return true;
+}
+
+bool CompilationData::isRefusedAfterFailure(const FrontendDatabase& db) const {
+  if (hasSaveToCompDbFailed) {
+    persistence::reportMessage(
+        "%s: saveToCompDB: refused: an earlier save of this dataset failed when its counts had "
+        "taken in stored ones; record the facts anew in a new dataset",
+        db.getPath().c_str());
+  }
+  return hasSaveToCompDbFailed;
+}
+
+bool CompilationData::saveCompilationTables(FrontendDatabase& db, LastSave& saved) {
+  const unsigned long failedReadsBefore = db.countFailedReads();
+  if (lastSave == nullptr) {
     foldStoredRows();
   } else {
     foldUnknownRows();
   }
-  auto saved = std::make_unique<SavedRows>();
-  const auto save = [&]<class T>() { saveTableAndRemember<T>(*db, *saved); };
+  failTransactionAfterFailedRead(db, failedReadsBefore);
+  const auto save = [&]<class T>() { saveTableAndRemember<T>(db, saved); };
   PropagatedElements::each(save);
   if (dataNeededForDbLink) CompilationOnlyElements::each(save);
-  if (!db->commitTransaction()) return false;
-  SavedElements::each(
-      [&]<class T>() { eachElement<T>([&](T& element) { saved->remember(element); }); });
-  savedRows = std::move(saved);
+  failTransactionAfterFailedRead(db, failedReadsBefore);
+  if (!db.commitTransaction()) return false;
+  SavedElements::each([&]<class T>() {
+    if constexpr (!std::is_same_v<T, Function>) {
+      const bool isSaved = dataNeededForDbLink || PropagatedElements::has<T>;
+      eachElement<T>([&](T& element) { saved.remember(element, isSaved); });
+    }
+  });
+  FoldedElements::each([&]<class T>() { saved.rememberFolded<T>(db); });
   return true;
 }
 
+/// What was not read can be neither extended nor found again: the rows written would double it.
+void CompilationData::failTransactionAfterFailedRead(FrontendDatabase& db,
+                                                     unsigned long failedReadsBefore) {
+  if (db.countFailedReads() != failedReadsBefore) db.failTransaction();
+}
+
+/// A row that this dataset has written or folded before is written again only if its element has
+/// counted something since.
 template <class T>
-void CompilationData::saveTableAndRemember(FrontendDatabase& db, SavedRows& saved) {
+void CompilationData::saveTableAndRemember(FrontendDatabase& db, LastSave& saved) {
   eachElement<T>([&](T& element) {
-    if (savedRows != nullptr && savedRows->leavesRowAlone(element)) {
-      saved.leaveRowAlone(element);
-      return;
+    const RowState state = lastSave == nullptr ? RowState::unknown : lastSave->stateOf(element);
+    // The count of a stored function is not loaded. It joins the element's own when a look-up
+    // finds the row, or the row gets the element's.
+    const bool isWhole = state != RowState::unknown || element.getId() == 0 || element.dirty;
+    if (state == RowState::unknown) {
+      element.saveToDB(db);
+    } else if (state == RowState::outdated) {
+      db.update(element);
     }
-    const bool looksForItsRow = element.dirty && element.getId() == 0;
-    const int changesBefore = looksForItsRow ? db.countChanges() : 0;
-    element.saveToDB(db);
-    const bool isFound = looksForItsRow && element.getId() != 0;
-    if (isFound && db.countChanges() == changesBefore) saved.leaveRowAlone(element);
+    if (std::is_same_v<T, Function> && isWhole) saved.remember(element, /*isWhole=*/true);
   });
-  if (savedRows == nullptr) return;
-  for (T* element : savedRows->returned<T>()) {
-    if (!savedRows->leavesRowAlone(*element)) rewrite(*element, db);
-  }
 }
 
 template <class T>
@@ -98,13 +175,13 @@ void CompilationData::foldStoredRows() {
 /// it has read or written itself. Only the others are merged.
 void CompilationData::foldUnknownRows() {
   FrontendDatabase& db = *compDb;
-  SavedElements::each([this, &db]<class T>() { savedRows->giveBack<T>(db); });
+  SavedElements::each([this, &db]<class T>() { lastSave->restore<T>(db); });
   const auto fold = [this, &db]<class T>() {
     T::isLoaded = false;
     loadTable<T>(db, [&db](T& row) { return !db.isInIdCache<T>(row.getId()); });
     T::isPreLoaded = !std::is_same_v<T, File>;
   };
-  TypeList<File, Identifier, Type>::each(fold);
+  FoldedElements::each(fold);
 }
 
 // --- The preprocessing database.
@@ -114,6 +191,8 @@ bool CompilationData::saveToPpDB() {
   DebugTimer timer(2, "CompilationData::saveToPpDB");
   FrontendDatabase* db = selectDb(/*fromCompDb=*/false, "saveToPpDB");
   if (db == nullptr || !db->beginTransaction()) return false;
+  RestoredIds ids(*this);
+  const unsigned long failedReadsBefore = db->countFailedReads();
   {
     RollbackOnException guard(*db);
     const auto save = [&](const char* before, const auto& elements, const char* after,
@@ -134,8 +213,11 @@ bool CompilationData::saveToPpDB() {
     save("saving macro invocation code origins", macroInvocationCodeOrigins,
          "saving %lu macroInvocationCodeOrigins", [&] { saveMacroInvocationCodeOriginsToPpDB(); });
   }
+  failTransactionAfterFailedRead(*db, failedReadsBefore);
+  if (!db->commitTransaction()) return false;
   macroExpansionState = MacroExpansionState::Saved;
-  return db->commitTransaction();
+  ids.keep();
+  return true;
 }
 
 void CompilationData::saveMacroExpansionsToPpDB() {

@@ -4,6 +4,7 @@
 
 #include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_db/schema.h"
+#include "persistence/sqlite_report.h"
 
 namespace orvalesca::databases_merger {
 
@@ -24,10 +25,15 @@ bool PreprocessingDatabase::addTables() {
   if (!beginTransaction()) return false;
   {
     RollbackOnException guard(*this);
-    // On a file that has the schema the two indexes fail, and that is how it should be. A failure
-    // that matters makes SQLite roll back, and the commit answers false.
+    // On a file that has the schema the two indexes fail, and that is how it should be.
     const auto run = [this](const char* sql) {
-      if (!hasTransactionFailed()) sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
+      if (hasTransactionFailed()) return;
+      const int rc = sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
+      if (rc == SQLITE_OK || rc == SQLITE_ERROR) return;
+      persistence::reportMessage("%s: cannot make the tables: %s", getPath().c_str(),
+                                 sqlite3_errmsg(connection));
+      noteFailedWrite("", sqlite3_errmsg(connection));
+      failTransaction();
     };
     run(schema::kPageSize);
     for (const char* sql : schema::kSharedTables) run(sql);

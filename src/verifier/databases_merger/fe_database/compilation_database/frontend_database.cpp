@@ -5,9 +5,10 @@
 #include <filesystem>
 #include <optional>
 
+#include "fe_database/compilation_database/describe_table.h"
 #include "fe_database/compilation_database/named_queries.h"
 #include "fe_database/compilation_database/rollback_guard.h"
-#include "fe_database/compilation_database/stored_rows.h"
+#include "fe_database/compilation_database/row_validity.h"
 #include "fe_database/compilation_database/tables.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
@@ -30,10 +31,10 @@ constexpr char kQueueName[] = "ORVALESCA_TRANSACTIONS_QUEUE_NAME_FE";
 }  // namespace
 
 Tables::Tables(DatabaseKind kind) {
-  const bool hasAll = kind != DatabaseKind::Preprocessing;
-  Elements::each([&]<class T>() { describe(of<T>().description); });
-  CompilationOnlyElements::each([&]<class T>() {
-    if (!hasAll) of<T>().description.columns.clear();
+  Elements::each([&]<class T>() {
+    describe(of<T>().description);
+    const bool hasTable = kind != DatabaseKind::Preprocessing || PreprocessingElements::has<T>;
+    if (!hasTable) of<T>().description.columns.clear();
   });
   for (std::uint32_t statementKind = 0; statementKind < kStatementKinds; ++statementKind) {
     Elements::each([&]<class T>() {
@@ -60,15 +61,14 @@ bool FrontendDatabase::prepareStatements() {
   {
     RollbackOnException guard(*this);
     const bool isCompilation = kind == DatabaseKind::Compilation;
-    const auto [table, reason] =
-        namedQueries->compile(connection, isCompilation ? kRawQueries : kPreprocessingRawQueries);
+    const auto [table, reason] = namedQueries->compile(connection, isCompilation);
     if (!reason.empty()) noteFailedRead(table, reason);
   }
   return commitTransaction();
 }
 
 void FrontendDatabase::finalizeStatements() {
-  namedQueries->finalize(connection, kind == DatabaseKind::Compilation);
+  namedQueries->finalize(connection);
   Elements::each([this]<class T>() {
     for (TableStatement<T>& statement : tables->of<T>().statements) statement.finalize(connection);
   });
@@ -76,25 +76,20 @@ void FrontendDatabase::finalizeStatements() {
 
 // --- What the operations share.
 
-template <class T>
-const char* FrontendDatabase::tableName() const {
-  return tables->of<T>().description.name.c_str();
-}
-
 /// Connected, and a database of this kind has the table.
 template <class T>
 bool FrontendDatabase::isReadyFor(const char* operation) {
   if (!isConnectedFor(operation)) return false;
   if (!tables->of<T>().statements.empty()) return true;
   persistence::reportMessage("%s: %s: a preprocessing database has no table %s", getPath().c_str(),
-                             operation, tableName<T>());
+                             operation, TableColumns<T>::kName);
   return false;
 }
 
 template <class T>
 bool FrontendDatabase::isReadyToRead(const char* operation) {
   if (isReadyFor<T>(operation)) return true;
-  noteFailedRead(tableName<T>(), "not connected");
+  noteFailedRead(TableColumns<T>::kName, "not connected");
   return false;
 }
 
@@ -102,7 +97,7 @@ template <class T>
 void FrontendDatabase::reportRead(const TableStatement<T>& statement, int expected, int line) {
   // An id without a row is damage of the file; the read itself went well.
   if (statement.result() != SQLITE_DONE) {
-    noteFailedRead(tableName<T>(), sqlite3_errmsg(connection));
+    noteFailedRead(TableColumns<T>::kName, sqlite3_errmsg(connection));
   }
   if (statement.isFailureReported()) return;
   persistence::reportSqlite(statement.result(), expected, connection, nullptr, line);
@@ -125,27 +120,28 @@ long long FrontendDatabase::add(T& element) {
   statement.bind(*this, connection, element);
   statement.exec(connection);
   if (statement.result() == SQLITE_DONE && sqlite3_changes(connection) == 0) {
-    constexpr char kDropped[] = "a trigger has dropped a row";
-    noteFailedWrite(tableName<T>(), kDropped);
-    persistence::reportMessage("%s: table %s: %s", getPath().c_str(), tableName<T>(), kDropped);
+    constexpr char kDropped[] = "a constraint of the table has dropped a row";
+    noteFailedWrite(TableColumns<T>::kName, kDropped);
+    persistence::reportMessage("%s: table %s: %s", getPath().c_str(), TableColumns<T>::kName,
+                               kDropped);
   } else if (statement.result() == SQLITE_DONE) {
     element.setId(lastInsertRowID());
     ++rowsAdded;
   } else {
     // The latest row id is that of some other row: nothing may refer to it by this element.
-    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
+    noteFailedWrite(TableColumns<T>::kName, sqlite3_errmsg(connection));
   }
   return element.getId();
 }
 
 template <class T>
-long long FrontendDatabase::addOrTakeRow(T& element) {
+long long FrontendDatabase::addOrAdoptRow(T& element) {
   Debug debug(3, "FrontendDatabase::add()");
   element.setId(0);
   if (!isReadyFor<T>("FrontendDatabase::add()")) return 0;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::add);
   statement.bind(*this, connection, element);
-  if (statement.run() == SQLITE_DONE) {
+  if (statement.run(connection) == SQLITE_DONE) {
     element.setId(lastInsertRowID());
     return element.getId();
   }
@@ -161,11 +157,11 @@ long long FrontendDatabase::addOrTakeRow(T& element) {
     }
     // Some other index of the file's owner refused it; the look-up has replaced SQLite's reason.
     persistence::reportMessage("%s: table %s: a row was refused: %s", getPath().c_str(),
-                               tableName<T>(), reason.c_str());
+                               TableColumns<T>::kName, reason.c_str());
   } else {
     reportWrite(statement);
   }
-  noteFailedWrite(tableName<T>(), reason);
+  noteFailedWrite(TableColumns<T>::kName, reason);
   return 0;
 }
 
@@ -177,7 +173,7 @@ void FrontendDatabase::update(T& element) {
   statement.bind(*this, connection, element);
   statement.exec(connection);
   if (statement.result() != SQLITE_DONE) {
-    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
+    noteFailedWrite(TableColumns<T>::kName, sqlite3_errmsg(connection));
   }
 }
 
@@ -187,14 +183,36 @@ void FrontendDatabase::truncate() {
   T element;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::delete_all);
   statement.bind(*this, connection, element);
-  if (statement.step() != SQLITE_DONE) {
-    noteFailedWrite(tableName<T>(), sqlite3_errmsg(connection));
+  if (statement.run(connection) != SQLITE_DONE) {
+    noteFailedWrite(TableColumns<T>::kName, sqlite3_errmsg(connection));
     reportWrite(statement);
   }
-  statement.reset(connection);
 }
 
-int FrontendDatabase::countChanges() const { return sqlite3_total_changes(connection); }
+template <class T>
+bool FrontendDatabase::holdsJust(std::size_t rows) {
+  const std::string table = TableColumns<T>::kName, idColumn = idColumnOf<T>();
+  // A column that is no alias of the row id was given no value by any insert.
+  const std::string sql = "SELECT (SELECT count(*) FROM " + table + "), EXISTS (SELECT 1 FROM " +
+                          table + " WHERE " + idColumn + " IS NULL)";
+  sqlite3_stmt* statement = nullptr;
+  sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
+  std::string reason;
+  if (sqlite3_step(statement) != SQLITE_ROW) {
+    reason = sqlite3_errmsg(connection);
+  } else if (const auto found = static_cast<std::size_t>(sqlite3_column_int64(statement, 0));
+             found != rows) {
+    reason = std::to_string(rows) + " rows were written and it holds " + std::to_string(found);
+  } else if (sqlite3_column_int(statement, 1) != 0) {
+    reason = idColumn + " is no INTEGER PRIMARY KEY: the ids are lost";
+  }
+  sqlite3_finalize(statement);
+  if (reason.empty()) return true;
+  noteFailedWrite(table, reason);
+  persistence::reportMessage("%s: table %s: %s", getPath().c_str(), TableColumns<T>::kName,
+                             reason.c_str());
+  return false;
+}
 
 // --- Finding a row by its key.
 
@@ -211,6 +229,7 @@ long long FrontendDatabase::getId(T& element) {
     debug.print("calling column");
     statement.column(*this, connection, element);
     id = element.getId();
+    ++rowsFound;
   } else if (statement.result() != SQLITE_DONE) {
     reportRead(statement, SQLITE_DONE);
   }
@@ -231,6 +250,7 @@ long long FrontendDatabase::getId(bool& first, Type& row) {
   if (statement.step() == SQLITE_ROW) {
     debug.print("calling column");
     statement.column(*this, connection, row);
+    ++rowsFound;
     return row.getId();
   }
   if (statement.result() != SQLITE_DONE) reportRead(statement, SQLITE_DONE);
@@ -246,23 +266,19 @@ long long FrontendDatabase::getIdOrAdd(T& element) {
   return add(element);
 }
 
-namespace {
-
 /// What an element takes from the row with its key; true when the row has to be written again.
-/// These have nothing that a second sight could change.
+/// Classes without counts have nothing that a repeated occurrence could change.
 template <class T>
-bool mergeWithRow(T& element, const T& row) {
-  element.setId(row.getId());
-  return false;
+bool FrontendDatabase::mergeWithRow(T& element, const T& row) {
+  if constexpr (std::is_same_v<T, Identifier>) {
+    return element.updateFromRow(row);
+  } else if constexpr (std::is_base_of_v<NamedElement, T>) {
+    return element.update(row);
+  } else {
+    element.setId(row.getId());
+    return false;
+  }
 }
-bool mergeWithRow(Identifier& element, const Identifier& row) { return element.updateFromRow(row); }
-bool mergeWithRow(Macro& element, const Macro& row) { return element.update(row); }
-bool mergeWithRow(Type& element, const Type& row) { return element.update(row); }
-template <class T>
-requires std::is_base_of_v<NamedElement, T>
-bool mergeWithRow(T& element, const T& row) { return element.update(row); }
-
-}  // namespace
 
 template <class T>
 long long FrontendDatabase::add_or_update(T& element) {
@@ -310,7 +326,7 @@ bool FrontendDatabase::readRow(T& element) {
   if (hasRow) {
     statement.column(*this, connection, element);
   } else if (kind != DatabaseKind::Merge || statement.result() != SQLITE_DONE) {
-    // A merge tells once per table how many references lead nowhere.
+    // A merge reports once per table how many references are dangling.
     reportRead(statement, SQLITE_ROW);
   }
   statement.reset(connection);
@@ -335,11 +351,27 @@ void FrontendDatabase::readEmptyRow(T& element) {
 
 template <class T>
 T* FrontendDatabase::get(long long id) {
+  return getElement<T>(id, /*isFound=*/false);
+}
+
+template <class T>
+T* FrontendDatabase::getFound(long long id) {
+  T* element = getElement<T>(id, /*isFound=*/true);
+  if (element == nullptr) noteLeftOutRow(TableColumns<T>::kName);
+  return element;
+}
+
+/// An id that a search has found but that has no row, as the index of a damaged file can have one,
+/// makes no element; in a reference it becomes an empty one.
+template <class T>
+T* FrontendDatabase::getElement(long long id, bool isFound) {
   if (id == 0) return nullptr;
   IdCache<T>& idCache = tables->of<T>().idCache;
+  std::set<long long>& idsWithoutRow = tables->of<T>().idsWithoutRow;
   if (const std::optional<T*> known = idCache.find(id)) {
-    if (*known == nullptr) ++leftOutReferences;
-    return *known;
+    const bool isLeftOut = *known == nullptr || (isFound && idsWithoutRow.count(id) != 0);
+    if (isLeftOut) ++leftOutReferences;
+    return isLeftOut ? nullptr : *known;
   }
   Debug debug(3, "FrontendDatabase::get()");
   if (!isReadyToRead<T>("FrontendDatabase::get()")) return nullptr;
@@ -347,8 +379,13 @@ T* FrontendDatabase::get(long long id) {
   row.setId(id);
   const unsigned long leftOutBefore = leftOutReferences;
   const bool hasRow = readRow(row);
+  if (!hasRow && isFound) {
+    ++leftOutReferences;
+    return nullptr;
+  }
+  if (!hasRow) idsWithoutRow.insert(id);
   if (!hasRow && kind != DatabaseKind::Merge) readEmptyRow(row);
-  // An empty element stands for an id without a row. A variable cannot be without a file, and a
+  // An id without a row becomes an empty element. A variable cannot be without a file, and a
   // merge would write the empty element as a row of its own.
   const bool isElement = kind == DatabaseKind::Merge ? hasRow && canBeMerged(row)
                          : hasRow ? canBecomeElement(row, leftOutReferences != leftOutBefore)
@@ -381,8 +418,8 @@ long long FrontendDatabase::nextRow(StatementKind statementKind, bool& first, T&
   }
   if (statement.step() == SQLITE_ROW) {
     statement.column(*this, connection, row);
-    // The caller takes id 0 for the end, and so never sees the rows behind this one.
-    if (row.getId() == 0) noteFailedRead(tableName<T>(), "a row has the id 0");
+    // The caller takes id 0 for the end, and so never sees the rows after this one.
+    if (row.getId() == 0) noteFailedRead(TableColumns<T>::kName, "a row has the id 0");
     return row.getId();
   }
   if (statement.result() != SQLITE_DONE) reportRead(statement, SQLITE_DONE);
@@ -410,10 +447,11 @@ long long FrontendDatabase::listALL(bool& first, T& row) {
 template <class T>
 std::size_t FrontendDatabase::guessRowCount() const {
   // Each by itself is one search; together in one SELECT they would read the table. Unsigned: the
-  // ids of a damaged file may lie further apart than a signed number tells.
+  // ids of a damaged file may lie further apart than a signed number holds.
   const auto outermostId = [this](const char* which) -> std::optional<std::uint64_t> {
     sqlite3_stmt* statement = nullptr;
-    const std::string sql = std::string("SELECT ") + which + "(rowid) FROM " + tableName<T>();
+    const std::string sql =
+        std::string("SELECT ") + which + "(rowid) FROM " + TableColumns<T>::kName;
     sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
     std::optional<std::uint64_t> id;
     if (sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_type(statement, 0) != SQLITE_NULL) {
@@ -448,38 +486,46 @@ bool FrontendDatabase::isInIdCache(long long id) const {
   return tables->of<T>().idCache.find(id).has_value();
 }
 
+template <class T>
+const IdCache<T>& FrontendDatabase::idCacheOf() const {
+  return tables->of<T>().idCache;
+}
+
 void FrontendDatabase::clearIdCaches() {
-  Elements::each([this]<class T>() { tables->of<T>().idCache.clear(); });
+  Elements::each([this]<class T>() {
+    tables->of<T>().idCache.clear();
+    tables->of<T>().idsWithoutRow.clear();
+  });
 }
 
 // --- Every operation for every class. The addresses make the compiler emit what the other source
 // files call.
 
-namespace {
+struct FrontendDatabase::Operations {
+  template <class T>
+  static auto of() {
+    using Database = FrontendDatabase;
+    return std::make_tuple(
+        &Database::add<T>, &Database::addOrAdoptRow<T>, &Database::update<T>,
+        &Database::add_or_update<T>, &Database::getIdOrAdd<T>,
+        static_cast<long long (Database::*)(T&)>(&Database::getId<T>),
+        static_cast<T* (Database::*)(long long)>(&Database::get<T>), &Database::getFound<T>,
+        static_cast<void (Database::*)(T&)>(&Database::get<T>), &Database::listId<T>,
+        &Database::listALL<T>, &Database::truncate<T>, &Database::enterInIdCache<T>,
+        &Database::isInIdCache<T>, &Database::guessRowCount<T>, &Database::holdsJust<T>,
+        &Database::idCacheOf<T>, &Database::reserveIdCache<T>);
+  }
 
-template <class T>
-auto operationsOf() {
-  using Database = FrontendDatabase;
-  return std::make_tuple(&Database::add<T>, &Database::addOrTakeRow<T>, &Database::update<T>,
-                         &Database::add_or_update<T>, &Database::getIdOrAdd<T>,
-                         static_cast<long long (Database::*)(T&)>(&Database::getId<T>),
-                         static_cast<T* (Database::*)(long long)>(&Database::get<T>),
-                         static_cast<void (Database::*)(T&)>(&Database::get<T>),
-                         &Database::listId<T>, &Database::listALL<T>, &Database::truncate<T>,
-                         &Database::enterInIdCache<T>, &Database::isInIdCache<T>,
-                         &Database::guessRowCount<T>, &Database::reserveIdCache<T>,
-                         &Database::tableName<T>);
-}
-
-template <class... T>
-struct OperationsOf {
-  static auto all() { return std::make_tuple(operationsOf<T>()...); }
+  template <class... T>
+  struct All {
+    static auto addresses() { return std::make_tuple(of<T>()...); }
+  };
+  static const void* emit();
 };
 
-}  // namespace
-
-extern const decltype(Elements::Apply<OperationsOf>::all()) kFrontendDatabaseOperations;
-const decltype(Elements::Apply<OperationsOf>::all()) kFrontendDatabaseOperations =
-    Elements::Apply<OperationsOf>::all();
+const void* FrontendDatabase::Operations::emit() {
+  static const auto kAddresses = Elements::Apply<All>::addresses();
+  return &kAddresses;
+}
 
 }  // namespace orvalesca::databases_merger

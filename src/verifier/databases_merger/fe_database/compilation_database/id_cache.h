@@ -34,6 +34,15 @@ class IdCache {
     dense[index] = slot;
   }
 
+  /// Calls visit(id, element) for each id; of a row that cannot become an element, with null.
+  template <class Visit>
+  void each(Visit&& visit) const {
+    for (std::size_t id = 0; id < dense.size(); ++id) {
+      if (const auto element = entered(dense[id])) visit(static_cast<long long>(id), *element);
+    }
+    for (const auto& [id, slot] : sparse) visit(id, *entered(slot));
+  }
+
   /// Room for ids up to that of the last row.
   void reserve(std::size_t rows) {
     if (rows >= dense.size()) grow(rows + 1);
@@ -64,7 +73,7 @@ class IdCache {
     }
   }
 
-  /// In a slot null stands for an id that was never entered, and this for one without an element:
+  /// In a slot null means an id that was never entered, and this for one without an element:
   /// a slot of two words would halve what the processor's cache holds.
   static T* noElement() { return reinterpret_cast<T*>(std::uintptr_t{1}); }
   static std::optional<T*> entered(T* slot) {

@@ -26,12 +26,14 @@ Parameters<sizeof...(Value)> parameters(Value... values) {
 }
 
 /// The search of a variable (0) or of a function (1).
-constexpr RawQuery kEntityIdFromIdentifier[] = {RawQuery::variableIdFromIdentifier,
-                                                RawQuery::functionIdFromIdentifier};
-constexpr RawQuery kEntityIdFromIdentifierAndLinkage[] = {
-    RawQuery::variableIdFromIdentifierAndLinkage, RawQuery::functionIdFromIdentifierAndLinkage};
-constexpr RawQuery kEntityIdFromRefCount[] = {RawQuery::variableIdFromRefCount,
-                                              RawQuery::functionIdFromRefCount};
+constexpr Query kEntityIdFromIdentifier[] = {Query::variableIdFromIdentifier,
+                                             Query::functionIdFromIdentifier};
+constexpr Query kEntityIdFromIdentifierAndLinkage[] = {Query::variableIdFromIdentifierAndLinkage,
+                                                       Query::functionIdFromIdentifierAndLinkage};
+constexpr Query kEntityIdFromRefCount[] = {Query::variableIdFromRefCount,
+                                           Query::functionIdFromRefCount};
+
+std::string_view operationOf(Query query) { return namedQuery(query).operation; }
 
 const char* nameOf(const Identifier* identifier) {
   return identifier == nullptr ? "" : identifier->getName().c_str();
@@ -41,122 +43,117 @@ int traced(long long id) { return static_cast<int>(id); }
 
 }  // namespace
 
-bool FrontendDatabase::isReadyToSearch(const char* table, const char* operation) {
-  if (isConnectedFor(operation)) return true;
-  noteFailedRead(table, "not connected");
+bool FrontendDatabase::isReadyToSearch(const NamedQuery& query) {
+  if (isConnectedFor(query.operation.data())) return true;
+  noteFailedRead(query.table, "not connected");
   return false;
 }
 
-// --- Raw queries.
+// --- Searches that were compiled when the database was connected.
 
 /// `valuesOf` is asked for the parameters at the first call of a walk only. A walk that is begun
 /// while another one is open is not reset: SQLite refuses the binding, and the rows of the open one
 /// go on.
 template <class ValuesOf>
-long long FrontendDatabase::nextId(RawQuery query, const char* operation, bool& first,
-                                   ValuesOf&& valuesOf) {
-  const RawQueryText& text = kRawQueryTexts[static_cast<std::size_t>(query)];
-  if (!isReadyToSearch(text.table, operation)) return 0;
+long long FrontendDatabase::nextId(Query query, bool& first, ValuesOf&& valuesOf) {
+  const NamedQuery& named = namedQuery(query);
+  if (!isReadyToSearch(named)) return 0;
   sqlite3_stmt* statement = namedQueries->handle(query);
-  const auto told = [statement](bool tells) { return tells ? statement : nullptr; };
+  const auto shown = [statement](bool isShown) { return isShown ? statement : nullptr; };
   if (first) {
     int index = 0;
     for (const long long value : valuesOf()) {
       const int rc = sqlite3_bind_int64(statement, ++index, value);
-      if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, told(text.tells.atBind));
+      if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, shown(named.reports.atBind));
     }
     first = false;
   }
-  int rc = sqlite3_step(statement);
+  const int rc = sqlite3_step(statement);
   if (rc == SQLITE_ROW) return sqlite3_column_int64(statement, 0);
   if (rc != SQLITE_DONE) {
-    noteFailedRead(text.table, sqlite3_errmsg(connection));
-    reportSqlite(rc, SQLITE_DONE, connection, told(text.tells.atStep));
+    noteFailedRead(named.table, sqlite3_errmsg(connection));
+    reportSqlite(rc, SQLITE_DONE, connection, shown(named.reports.atStep));
   }
-  rc = sqlite3_reset(statement);
-  if (rc != SQLITE_OK) reportSqlite(rc, SQLITE_OK, connection, told(text.tells.atReset));
+  const int resetRc = sqlite3_reset(statement);
+  // The reset of a failed step answers with the step's code. Walks report it again; a search for
+  // one answer does not.
+  const bool isReported = query == Query::definedFunctionId && resetRc == rc;
+  if (resetRc != SQLITE_OK && !isReported) {
+    reportSqlite(resetRc, SQLITE_OK, connection, shown(named.reports.atReset));
+  }
   return 0;
 }
 
 long long FrontendDatabase::listIdentifierIdFromKindAndCount(int identifierKind, unsigned count,
                                                              int operation, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listIdentifierIdFromKindAndCount()";
-  Debug debug(3, kName, "kind=%d operation=%d count=%d", identifierKind, operation, count);
-  const long long id = nextId(RawQuery::identifierIdFromKindAndCount, kName, first,
+  Debug debug(3, operationOf(Query::identifierIdFromKindAndCount), "kind=%d operation=%d count=%d",
+              identifierKind, operation, count);
+  const long long id = nextId(Query::identifierIdFromKindAndCount, first,
                               [&] { return parameters(identifierKind, count); });
   if (id != 0) debug.print("identifierId=%d", traced(id));
   return id;
 }
 
 long long FrontendDatabase::listIdentifierIdFromKind(int identifierKind, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listIdentifierIdFromKind()";
-  Debug debug(3, kName, "kind=%d", identifierKind);
-  const long long id = nextId(RawQuery::identifierIdFromKind, kName, first,
-                              [&] { return parameters(identifierKind); });
+  Debug debug(3, operationOf(Query::identifierIdFromKind), "kind=%d", identifierKind);
+  const long long id =
+      nextId(Query::identifierIdFromKind, first, [&] { return parameters(identifierKind); });
   if (id != 0) debug.print("identifierId=%d", traced(id));
   return id;
 }
 
 long long FrontendDatabase::listMacroIdFromIdentifier(const Identifier* identifier, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listMacroIdFromIdentifier()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::macroIdFromIdentifier, kName, first,
+  Debug debug(3, operationOf(Query::macroIdFromIdentifier));
+  return nextId(Query::macroIdFromIdentifier, first,
                 [&] { return parameters(getIdentifierId(identifier)); });
 }
 
 long long FrontendDatabase::listMacroIdFromRefCount(unsigned refCount, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listMacroIdFromRefCount()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::macroIdFromRefCount, kName, first, [&] { return parameters(refCount); });
+  Debug debug(3, operationOf(Query::macroIdFromRefCount));
+  return nextId(Query::macroIdFromRefCount, first, [&] { return parameters(refCount); });
 }
 
 long long FrontendDatabase::listEntityIdFromIdentifier(int entity, Identifier* identifier,
                                                        bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listEntityIdFromIdentifier()";
-  Debug debug(3, kName);
-  return nextId(kEntityIdFromIdentifier[entity], kName, first,
+  Debug debug(3, operationOf(kEntityIdFromIdentifier[entity]));
+  return nextId(kEntityIdFromIdentifier[entity], first,
                 [&] { return parameters(getIdentifierId(identifier)); });
 }
 
 long long FrontendDatabase::listEntityIdFromIdentifier(int entity, Identifier* identifier,
                                                        int linkage, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listEntityIdFromIdentifier()";
-  Debug debug(3, kName);
-  return nextId(kEntityIdFromIdentifierAndLinkage[entity], kName, first,
+  Debug debug(3, operationOf(kEntityIdFromIdentifierAndLinkage[entity]));
+  return nextId(kEntityIdFromIdentifierAndLinkage[entity], first,
                 [&] { return parameters(getIdentifierId(identifier), linkage); });
 }
 
 long long FrontendDatabase::listEntityIdFromRefCount(int entity, unsigned refCount, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listEntityIdFromRefCount()";
-  Debug debug(3, kName);
-  return nextId(kEntityIdFromRefCount[entity], kName, first, [&] { return parameters(refCount); });
+  Debug debug(3, operationOf(kEntityIdFromRefCount[entity]));
+  return nextId(kEntityIdFromRefCount[entity], first, [&] { return parameters(refCount); });
 }
 
 long long FrontendDatabase::listTypeIdFromIdentifier(Identifier* identifier, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listTypeIdFromIdentifier()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::typeIdFromIdentifier, kName, first,
+  Debug debug(3, operationOf(Query::typeIdFromIdentifier));
+  return nextId(Query::typeIdFromIdentifier, first,
                 [&] { return parameters(getIdentifierId(identifier)); });
 }
 
 long long FrontendDatabase::listTypeIdFromIdentifierAndKind(Identifier* identifier, int typeKind,
                                                             bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listTypeIdFromIdentifierAndKind()";
-  Debug debug(3, kName, "identifier=%s kind=%d", nameOf(identifier), typeKind);
-  return nextId(RawQuery::typeIdFromIdentifierAndKind, kName, first,
+  Debug debug(3, operationOf(Query::typeIdFromIdentifierAndKind), "identifier=%s kind=%d",
+              nameOf(identifier), typeKind);
+  return nextId(Query::typeIdFromIdentifierAndKind, first,
                 [&] { return parameters(getIdentifierId(identifier), typeKind); });
 }
 
 long long FrontendDatabase::listTypeIdFromRefCount(unsigned refCount, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listTypeIdFromRefCount()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::typeIdFromRefCount, kName, first, [&] { return parameters(refCount); });
+  Debug debug(3, operationOf(Query::typeIdFromRefCount));
+  return nextId(Query::typeIdFromRefCount, first, [&] { return parameters(refCount); });
 }
 
 long long FrontendDatabase::listTypeIdFromRefTagCount(unsigned refTagCount, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listTypeIdFromRefTagCount()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::typeIdFromRefTagCount, kName, first, [&] {
+  Debug debug(3, operationOf(Query::typeIdFromRefTagCount));
+  return nextId(Query::typeIdFromRefTagCount, first, [&] {
     return parameters(refTagCount, TypeKind::Tagged4, TypeKind::Tagged64, TypeKind::Tagged128,
                       TypeKind::Tagged256);
   });
@@ -164,64 +161,55 @@ long long FrontendDatabase::listTypeIdFromRefTagCount(unsigned refTagCount, bool
 
 long long FrontendDatabase::listExternalIdentifierFromIdentifier(const Identifier* identifier,
                                                                  bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listExternalIdentifierFromIdentifier()";
-  Debug debug(3, kName, "identifier=%s", nameOf(identifier));
-  const long long id = nextId(RawQuery::externalIdentifierIdFromIdentifier, kName, first,
+  Debug debug(3, operationOf(Query::externalIdentifierIdFromIdentifier), "identifier=%s",
+              nameOf(identifier));
+  const long long id = nextId(Query::externalIdentifierIdFromIdentifier, first,
                               [&] { return parameters(getIdentifierId(identifier)); });
   if (id != 0) debug.print("externalIdentifierId=%d", traced(id));
   return id;
 }
 
 long long FrontendDatabase::listFieldIdFromIdentifier(Identifier* identifier, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listFieldIdFromIdentifier()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::fieldIdFromIdentifier, kName, first,
+  Debug debug(3, operationOf(Query::fieldIdFromIdentifier));
+  return nextId(Query::fieldIdFromIdentifier, first,
                 [&] { return parameters(getIdentifierId(identifier)); });
 }
 
 long long FrontendDatabase::listFieldIdFromRefCount(unsigned refCount, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listFieldIdFromRefCount()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::fieldIdFromRefCount, kName, first, [&] { return parameters(refCount); });
+  Debug debug(3, operationOf(Query::fieldIdFromRefCount));
+  return nextId(Query::fieldIdFromRefCount, first, [&] { return parameters(refCount); });
 }
 
 long long FrontendDatabase::listEnumConstantIdFromIdentifier(Identifier* identifier, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listEnumConstantIdFromIdentifier()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::enumConstantIdFromIdentifier, kName, first,
+  Debug debug(3, operationOf(Query::enumConstantIdFromIdentifier));
+  return nextId(Query::enumConstantIdFromIdentifier, first,
                 [&] { return parameters(getIdentifierId(identifier)); });
 }
 
 long long FrontendDatabase::listLabelIdFromIdentifier(Identifier* identifier, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listLabelIdFromIdentifier()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::labelIdFromIdentifier, kName, first,
+  Debug debug(3, operationOf(Query::labelIdFromIdentifier));
+  return nextId(Query::labelIdFromIdentifier, first,
                 [&] { return parameters(getIdentifierId(identifier)); });
 }
 
 long long FrontendDatabase::listCallPointIdFromCaller(Function* caller, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listCallPointIdFromCaller()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::callPointIdFromCaller, kName, first,
-                [&] { return parameters(lookUpId(caller)); });
+  Debug debug(3, operationOf(Query::callPointIdFromCaller));
+  return nextId(Query::callPointIdFromCaller, first, [&] { return parameters(lookUpId(caller)); });
 }
 
 long long FrontendDatabase::listCallPointIdFromCallee(Function* callee, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listCallPointIdFromCallee()";
-  Debug debug(3, kName);
-  return nextId(RawQuery::callPointIdFromCallee, kName, first,
-                [&] { return parameters(lookUpId(callee)); });
+  Debug debug(3, operationOf(Query::callPointIdFromCallee));
+  return nextId(Query::callPointIdFromCallee, first, [&] { return parameters(lookUpId(callee)); });
 }
 
 long long FrontendDatabase::getExternalDefinedFunction(Identifier* identifier) {
-  constexpr char kName[] = "FrontendDatabase::getExternalDefinedFunction()";
-  Debug debug(3, kName);
+  Debug debug(3, operationOf(Query::definedFunctionId));
   bool first = true;
-  const long long id = nextId(RawQuery::definedFunctionId, kName, first, [&] {
+  const long long id = nextId(Query::definedFunctionId, first, [&] {
     return parameters(getIdentifierId(identifier), LinkageKind::External, /*isDefined=*/1);
   });
-  // One answer is asked for, so what is behind it is given up at once.
-  if (id != 0) sqlite3_reset(namedQueries->handle(RawQuery::definedFunctionId));
+  // One answer is asked for, so the rest is given up at once.
+  if (id != 0) sqlite3_reset(namedQueries->handle(Query::definedFunctionId));
   return id;
 }
 
@@ -243,16 +231,17 @@ long long FrontendDatabase::lookUpId(const T* element) {
   return getId(copy);
 }
 
-// --- Wrapped queries.
+// --- Searches that are compiled on first use.
 
 template <class Bind>
-long long FrontendDatabase::nextId(DatabaseStatement& statement, const char* table,
-                                   const char* operation, bool& first, Bind&& bind) {
-  if (!isReadyToSearch(table, operation)) return 0;
+long long FrontendDatabase::nextIdOnUse(Query query, bool& first, Bind&& bind) {
+  const NamedQuery& named = namedQuery(query);
+  if (!isReadyToSearch(named)) return 0;
+  DatabaseStatement& statement = namedQueries->statement(query);
   statement.prepare(connection);
   if (first) {
     first = false;
-    bind();
+    bind(statement);
   }
   if (statement.step() == SQLITE_ROW) {
     long long id = 0;
@@ -260,7 +249,7 @@ long long FrontendDatabase::nextId(DatabaseStatement& statement, const char* tab
     return id;
   }
   if (statement.result() != SQLITE_DONE) {
-    noteFailedRead(table, sqlite3_errmsg(connection));
+    noteFailedRead(named.table, sqlite3_errmsg(connection));
     if (!statement.isFailureReported()) reportSqlite(statement.result(), SQLITE_DONE, connection);
   }
   statement.reset(connection);
@@ -269,64 +258,49 @@ long long FrontendDatabase::nextId(DatabaseStatement& statement, const char* tab
 
 long long FrontendDatabase::listVariableIdFromRefCountAndLinkage(unsigned refCount,
                                                                  unsigned linkage, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listVariableIdFromRefCountAndLinkage()";
-  Debug debug(3, kName);
   const bool isTotal = linkage == static_cast<unsigned>(LinkageKind::External);
-  DatabaseStatement& statement = isTotal ? namedQueries->externalVariableIdFromTotalRefCount
-                                         : namedQueries->variableIdFromRefCountAndLinkage;
-  return nextId(statement, "Variable", kName, first, [&] {
+  const Query query = isTotal ? Query::externalVariableIdFromTotalRefCount
+                              : Query::variableIdFromRefCountAndLinkage;
+  Debug debug(3, operationOf(query));
+  return nextIdOnUse(query, first, [&](DatabaseStatement& statement) {
     statement.bind(connection, static_cast<int>(refCount));
     if (!isTotal) statement.bind(connection, static_cast<int>(linkage));
   });
 }
 
 long long FrontendDatabase::listTypeReferenceIdFromType(Type* type, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listTypeReferenceIdFromType()";
-  Debug debug(3, kName);
-  DatabaseStatement& statement = namedQueries->typeReferenceIdFromType;
+  Debug debug(3, operationOf(Query::typeReferenceIdFromType));
   const long long id = type == nullptr ? 0 : type->getId();
-  return nextId(statement, "TypeReference", kName, first, [&] { statement.bind(connection, id); });
+  return nextIdOnUse(Query::typeReferenceIdFromType, first,
+                     [&](DatabaseStatement& statement) { statement.bind(connection, id); });
 }
 
 long long FrontendDatabase::listCallPointIdWithNoEffect(bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listCallPointIdWithNoEffect()";
-  Debug debug(3, kName);
-  return nextId(namedQueries->callPointIdWithNoEffect, "CallPoint", kName, first, [] {});
+  Debug debug(3, operationOf(Query::callPointIdWithNoEffect));
+  return nextIdOnUse(Query::callPointIdWithNoEffect, first, [](DatabaseStatement&) {});
 }
 
 namespace {
 
-DatabaseStatement& fromMinLength(NamedQueries& queries, const Macro*) {
-  return queries.macroIdFromMinLength;
-}
-DatabaseStatement& fromMinLength(NamedQueries& queries, const Type*) {
-  return queries.typeIdFromMinLength;
-}
-DatabaseStatement& fromMinLength(NamedQueries& queries, const Variable*) {
-  return queries.variableIdFromMinLength;
-}
-DatabaseStatement& fromMinLength(NamedQueries& queries, const Function*) {
-  return queries.functionIdFromMinLength;
-}
-DatabaseStatement& fromMinLength(NamedQueries& queries, const Field*) {
-  return queries.fieldIdFromMinLength;
-}
-DatabaseStatement& fromMinLength(NamedQueries& queries, const EnumConstant*) {
-  return queries.enumConstantIdFromMinLength;
-}
-DatabaseStatement& fromMinLength(NamedQueries& queries, const Label*) {
-  return queries.labelIdFromMinLength;
-}
+// clang-format off
+template <class T> constexpr Query kFromMinLength{};
+template <> constexpr Query kFromMinLength<Macro> = Query::macroIdFromMinLength;
+template <> constexpr Query kFromMinLength<Type> = Query::typeIdFromMinLength;
+template <> constexpr Query kFromMinLength<Variable> = Query::variableIdFromMinLength;
+template <> constexpr Query kFromMinLength<Function> = Query::functionIdFromMinLength;
+template <> constexpr Query kFromMinLength<Field> = Query::fieldIdFromMinLength;
+template <> constexpr Query kFromMinLength<EnumConstant> = Query::enumConstantIdFromMinLength;
+template <> constexpr Query kFromMinLength<Label> = Query::labelIdFromMinLength;
+// clang-format on
 
 }  // namespace
 
 template <class T>
 long long FrontendDatabase::listIdFromMinLength(std::size_t minLength, bool& first) {
-  constexpr char kName[] = "FrontendDatabase::listIdFromMinLength()";
-  Debug debug(3, kName);
-  DatabaseStatement& statement = fromMinLength(*namedQueries, static_cast<const T*>(nullptr));
-  return nextId(statement, tableName<T>(), kName, first,
-                [&] { statement.bind(connection, static_cast<unsigned long long>(minLength)); });
+  Debug debug(3, operationOf(kFromMinLength<T>));
+  return nextIdOnUse(kFromMinLength<T>, first, [&](DatabaseStatement& statement) {
+    statement.bind(connection, static_cast<unsigned long long>(minLength));
+  });
 }
 
 template long long FrontendDatabase::listIdFromMinLength<EnumConstant>(std::size_t, bool&);

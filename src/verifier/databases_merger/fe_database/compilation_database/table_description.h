@@ -26,9 +26,4 @@ struct TableDescription {
   }
 };
 
-/// Fills in the table of T: its name, and which member goes to which column. They stand in
-/// columns.cpp, all on one page.
-template <class T>
-void describe(TableDescription<T>& table);
-
 }  // namespace orvalesca::databases_merger

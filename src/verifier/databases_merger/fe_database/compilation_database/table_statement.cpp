@@ -1,6 +1,9 @@
 #include "fe_database/compilation_database/table_statement.h"
 
+#include <sqlite3.h>
+
 #include "persistence/debug.h"
+#include "persistence/sqlite_report.h"
 
 namespace orvalesca::databases_merger {
 
@@ -109,6 +112,10 @@ bool isSelected(StatementKind kind, const DatabaseColumn& column) {
 }
 
 }  // namespace
+
+void checkBind(int rc, sqlite3_stmt* statement) {
+  persistence::reportSqlite(rc, SQLITE_OK, sqlite3_db_handle(statement), statement);
+}
 
 template <class T>
 void TableStatement<T>::prepare(sqlite3* connection) {

@@ -5,6 +5,20 @@
 
 namespace orvalesca::databases_merger {
 
+/// What a statement of a table does; the values index a table's statements. 2, 3, 8 and 11 are
+/// reserved: statements of these kinds exist and have no SQL.
+enum class StatementKind : std::uint32_t {
+  add = 0,
+  update = 1,
+  get_id = 4,
+  get_from_id = 5,
+  list_id = 6,
+  list_all = 7,
+  max_id = 9,
+  delete_all = 10,
+};
+inline constexpr std::uint32_t kStatementKinds = 12;
+
 /// One prepared statement of one table. Its SQL text is generated from the table's columns on
 /// first use, and kept for the statement's life.
 ///

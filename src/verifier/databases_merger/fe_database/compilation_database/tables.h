@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <tuple>
 #include <vector>
 
@@ -14,6 +15,7 @@ struct Table {
   TableDescription<T> description;
   std::vector<TableStatement<T>> statements;  ///< indexed by StatementKind; empty without columns
   IdCache<T> idCache;
+  std::set<long long> idsWithoutRow;  ///< of idCache, those whose element stands for no row
 };
 
 template <class... T>

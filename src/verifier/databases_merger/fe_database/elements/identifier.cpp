@@ -2,7 +2,7 @@
 
 namespace orvalesca::databases_merger {
 
-void Identifier::addSight(IdentifierKind seenKind, std::uint32_t seenCount) {
+void Identifier::addOccurrence(IdentifierKind seenKind, std::uint32_t seenCount) {
   setId(0);
   // A bit that only the stored name has counts as a change: the row that this name will find
   // again may lack it.

@@ -9,34 +9,14 @@ Macro::Macro(Identifier* identifier, const Localization& localization, unsigned 
 
 Macro::Macro(std::int64_t id) { setId(id); }
 
-Macro::Macro(const Macro& other)
-    : NamedElement(other),
-      value(other.value),
-      text(other.text),
-      isDefined(other.isDefined),
-      isObjectLike(other.isObjectLike),
-      isVariadic(other.isVariadic),
-      isCommandLineDefinition(other.isCommandLineDefinition),
-      isPredefined(other.isPredefined) {}
-
-Macro& Macro::operator=(const Macro& other) {
-  NamedElement::operator=(other);
-  value = other.value;
-  text = other.text;
-  isDefined = other.isDefined;
-  isObjectLike = other.isObjectLike;
-  isVariadic = other.isVariadic;
-  isCommandLineDefinition = other.isCommandLineDefinition;
-  isPredefined = other.isPredefined;
-  if (group != nullptr) group->forgetPositions();
-  return *this;
-}
-
+Macro::Macro(const Macro& other) = default;
+Macro& Macro::operator=(const Macro& other) = default;
 Macro::~Macro() = default;
 
-void Macro::setLocalization(const Localization& position) {
-  NamedElement::setLocalization(position);
-  if (group != nullptr) group->forgetPositions();
+/// Only macros are ever indexed. Here and not in Macro, because a position can be set through a
+/// base class as well.
+void LocatedElement::forgetIndexedPositions() {
+  static_cast<Macro*>(this)->group.value->forgetPositions();
 }
 
 Macro::MacroKind Macro::getKind() const {

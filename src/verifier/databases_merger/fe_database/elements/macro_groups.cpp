@@ -28,9 +28,10 @@ void MacroPositions::clear(std::size_t macros) {
 }
 
 void MacroGroup::append(Macro& macro) {
-  macro.group = this;
+  macro.group.value = this;
+  macro.isIndexed.value = true;
   inserted.push_back(&macro);
-  // Here and not at the next search, so that a second sight allocates nothing.
+  // Here and not at the next search, so that a repeat allocates nothing.
   if (inserted.size() > kLongestWalk) bringIndexUpToDate();
 }
 
@@ -64,19 +65,19 @@ void MacroGroup::bringIndexUpToDate() {
   }
 }
 
-MacroGroup* MacroGroups::groupOf(const Macro& macro) { return macro.group; }
+MacroGroup* MacroGroups::groupOf(const Macro& macro) { return macro.group.value; }
 
 void MacroGroups::join(Macro& known, Macro& added) {
-  if (known.group == nullptr) groups.emplace_back().append(known);
-  known.group->append(added);
+  if (groupOf(known) == nullptr) groups.emplace_back().append(known);
+  groupOf(known)->append(added);
 }
 
 Macro& MacroGroups::first(Macro& known) {
-  return known.group == nullptr ? known : (*known.group)[0];
+  return groupOf(known) == nullptr ? known : (*groupOf(known))[0];
 }
 
 Macro* MacroGroups::find(Macro& known, const Localization& at) {
-  if (known.group != nullptr) return known.group->find(at);
+  if (MacroGroup* group = groupOf(known)) return group->find(at);
   return matches(known.getLocalization(), at) ? &known : nullptr;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "fe_database/compilation_database/columns.h"
 #include "fe_db/compilation_database.h"
 #include "fe_db/elements.h"
 #include "persistence/sqlite_report.h"
@@ -10,7 +11,7 @@
 /// get damaged, and other programs write them too.
 namespace orvalesca::databases_merger {
 
-/// `refersToLeftOut`: a reference of the row leads to a row that could not become an element, and
+/// `refersToLeftOut`: a reference of the row is to a row that could not become an element, and
 /// so reads as null. Where the field has to be set, the row shares that fate.
 template <class T>
 bool canBecomeElement(const T& row, bool refersToLeftOut) {
@@ -55,7 +56,7 @@ class RowTally {
   void report(const FrontendDatabase& db, const char* fate) const {
     if (count == 0) return;
     persistence::reportMessage("%s: table %s: %lld rows %s, the first with id %lld",
-                               db.getPath().c_str(), db.tableName<T>(), count, fate, firstId);
+                               db.getPath().c_str(), TableColumns<T>::kName, count, fate, firstId);
   }
 
  private:

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// The least that stands between a program and SQLite's own interface: what the floors and the
+/// The thinnest layer between a program and SQLite's own interface: what the floors and the
 /// alternatives are written with. Every failure throws std::runtime_error.
 namespace fe_db_benchmarks {
 
@@ -26,7 +26,7 @@ class Statement {
   }
   void bindNull(int parameter) { check(sqlite3_bind_null(get(), parameter)); }
 
-  /// True when a row stands ready.
+  /// True if there is a row.
   bool step() {
     const int rc = sqlite3_step(get());
     if (rc != SQLITE_ROW && rc != SQLITE_DONE) check(rc);

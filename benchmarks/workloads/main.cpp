@@ -1,5 +1,5 @@
-// One road, or what it is compared with, as a process of its own, so that its peak memory is its
-// own too. Prints one line of JSON; benchmarks/measure.py runs the roads in turn and compares.
+// One workload, or what it is compared with, as a separate process, so that its peak memory can be
+// measured. Prints one line of JSON; benchmarks/measure.py runs the workloads in turn and compares.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -9,14 +9,14 @@
 #include "alternatives.h"
 #include "compilation_schema.h"
 #include "floors.h"
-#include "library_roads.h"
+#include "library_workloads.h"
 
 namespace {
 
 using namespace fe_db_benchmarks;
 using nlohmann::json;
 
-/// The command line's arguments, of which each road takes its own.
+/// The command line's arguments, of which each workload uses some.
 struct Arguments {
   std::string target;
   std::vector<std::string> sources;
@@ -35,7 +35,7 @@ void makeEmpty(const std::string& path) {
 }
 
 json toJson(const Recorded& done) {
-  return {{"sightings", done.sightings},
+  return {{"occurrences", done.occurrences},
           {"rows", done.rows},
           {"record", toJson(done.record)},
           {"save", toJson(done.save)}};
@@ -60,7 +60,7 @@ json runAlternative(void (*merge)(const std::vector<std::string>&, const std::st
   return toJson(RowsSpent{fe_db_tools::countRows(arguments.target), spent});
 }
 
-/// A file for each unit that is not there yet, in the folder `target`.
+/// A file for each unit that does not exist yet, in the folder `target`.
 json generate(const Arguments& arguments) {
   std::filesystem::create_directories(arguments.target);
   std::size_t rows = 0;
@@ -83,11 +83,11 @@ json record(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Runs one road of the benchmarks and prints its figures as JSON.");
+  CLI::App app("Runs one workload of the benchmarks and prints its figures as JSON.");
   app.require_subcommand(1);
   Arguments arguments;
   json result;
-  const auto road = [&](const char* name, const char* description, auto run) {
+  const auto workload = [&](const char* name, const char* description, auto run) {
     CLI::App* command = app.add_subcommand(name, description);
     command->callback([&, run] { result = run(arguments); });
     return command;
@@ -101,43 +101,45 @@ int main(int argc, char** argv) {
   };
   const auto takesSeed = [&](CLI::App* command) { command->add_option("--seed", arguments.seed); };
 
-  CLI::App* generator = takesTarget(road("generate", "Fill a folder with units", generate));
+  CLI::App* generator = takesTarget(workload("generate", "Fill a folder with units", generate));
   generator->add_option("--units", arguments.units);
   takesSeed(generator);
   CLI::App* recording =
-      takesTarget(road("record", "Record a unit and save it into a file", record));
+      takesTarget(workload("record", "Record a unit and save it into a file", record));
   recording->add_option("--unit", arguments.unit);
-  recording->add_flag("--filled", arguments.filled, "The file is there and has rows");
+  recording->add_flag("--filled", arguments.filled, "The file exists and has rows");
   takesSeed(recording);
-  takesTarget(road("sights", "Sight known elements again; the target is their kind",
-                   [](const Arguments& given) {
-                     return json{{"sightings", given.count},
-                                 {"spent", toJson(secondSights(given.target, given.count))}};
-                   }))
+  takesTarget(workload("repeats", "Emplace known elements again; the target is their kind",
+                       [](const Arguments& given) {
+                         return json{{"occurrences", given.count},
+                                     {"spent", toJson(emplaceRepeats(given.target, given.count))}};
+                       }))
       ->add_option("--count", arguments.count);
-  takesSources(road("load", "Load files for a merge",
-                    [](const Arguments& given) { return toJson(load(given.sources)); }));
-  takesSources(takesTarget(road("merge", "Merge files in one thread", [](const Arguments& given) {
-    makeEmpty(given.target);
-    return toJson(merge(given.target, given.sources));
-  })));
-  takesSources(road("floor_read", "Read files",
-                    [](const Arguments& given) { return toJson(floorRead(given.sources)); }));
+  takesSources(workload("load", "Load files for a merge",
+                        [](const Arguments& given) { return toJson(load(given.sources)); }));
   takesSources(
-      takesTarget(road("floor_write", "Write the rows of a file", [](const Arguments& given) {
+      takesTarget(workload("merge", "Merge files in one thread", [](const Arguments& given) {
+        makeEmpty(given.target);
+        return toJson(merge(given.target, given.sources));
+      })));
+  takesSources(workload("floor_read", "Read files",
+                        [](const Arguments& given) { return toJson(floorRead(given.sources)); }));
+  takesSources(
+      takesTarget(workload("floor_write", "Write the rows of a file", [](const Arguments& given) {
         makeEmpty(given.target);
         return toJson(floorWrite(given.sources.front(), given.target));
       })));
-  takesSources(takesTarget(road("alt_hash", "Merge with flat arrays", [](const Arguments& given) {
-    return runAlternative(mergeByHash, given);
-  })));
-  takesSources(takesTarget(road("alt_sql", "Merge with SQL", [](const Arguments& given) {
+  takesSources(
+      takesTarget(workload("alt_hash", "Merge with flat arrays", [](const Arguments& given) {
+        return runAlternative(mergeByHash, given);
+      })));
+  takesSources(takesTarget(workload("alt_sql", "Merge with SQL", [](const Arguments& given) {
     return runAlternative(mergeBySql, given);
   })));
   try {
     CLI11_PARSE(app, argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_roads: %s\n", error.what());
+    std::fprintf(stderr, "bench_workloads: %s\n", error.what());
     return 1;
   }
   std::printf("%s\n", result.dump().c_str());

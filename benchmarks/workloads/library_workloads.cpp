@@ -1,4 +1,4 @@
-#include "library_roads.h"
+#include "library_workloads.h"
 
 #include <stdexcept>
 
@@ -38,7 +38,7 @@ Recorded recordAndSave(std::uint64_t seed, std::size_t unit, const std::string& 
   const auto data = CompilationData::newInstance(path, "");
   data->setDataNeededForDbLink();
   Recorded result;
-  result.record = runMeasured([&] { result.sightings = recordUnit(*data, files, unit); });
+  result.record = runMeasured([&] { result.occurrences = recordUnit(*data, files, unit); });
   expect(data->getCompDb().quick_connect(/*readOnly=*/false), path, "cannot connect");
   result.save = runMeasured([&] { expect(data->saveToCompDB(), path, "the save failed"); });
   data->getCompDb().disconnect();
@@ -46,7 +46,7 @@ Recorded recordAndSave(std::uint64_t seed, std::size_t unit, const std::string& 
   return result;
 }
 
-Spent secondSights(const std::string& kind, std::size_t count) {
+Spent emplaceRepeats(const std::string& kind, std::size_t count) {
   constexpr std::size_t kElements = 1000;
   const auto data = CompilationData::newInstance("", "");
   File& file =
@@ -62,11 +62,11 @@ Spent secondSights(const std::string& kind, std::size_t count) {
   const auto placeOf = [&](std::size_t i) {
     return Localization{&file, static_cast<std::uint32_t>(i + 1), 5};
   };
-  // The loop belongs to each kind, so that nothing but the sight itself is in it.
-  const auto repeat = [&](auto sight) {
-    for (std::size_t i = 0; i < kElements; ++i) sight(i);
+  // A loop for each kind, so that it contains only the operation itself.
+  const auto repeat = [&](auto emplace) {
+    for (std::size_t i = 0; i < kElements; ++i) emplace(i);
     return runMeasured([&] {
-      for (std::size_t i = 0; i < count; ++i) sight(i % kElements);
+      for (std::size_t i = 0; i < count; ++i) emplace(i % kElements);
     });
   };
   if (kind == "type by key") {
@@ -96,7 +96,7 @@ Spent secondSights(const std::string& kind, std::size_t count) {
                          /*isPredefined=*/false);
     });
   }
-  throw std::runtime_error("no such sight: " + kind);
+  throw std::runtime_error("unknown kind of repeat: " + kind);
 }
 
 Merged load(const std::vector<std::string>& sources) {

@@ -1,4 +1,4 @@
-// The plain way: what has been folded stands in tables of an in-memory database, with their keys
+// The plain way: what has been merged is in tables of an in-memory database, with their keys
 // as constraints. Each source is attached in turn; its rows go in by INSERT ... ON CONFLICT, and a
 // table of its ids and what they became leads its references to them. A missing file is 0 until the
 // result is written, as NULL would not be equal to itself.

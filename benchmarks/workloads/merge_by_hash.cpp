@@ -41,7 +41,7 @@ class Texts {
   std::size_t left_ = 0;
 };
 
-// --- Rows. Each says what is selected and inserted and where that goes, what a further sight adds
+// --- Rows. Each says what is selected and inserted and where that goes, what a repeat adds
 // to the first, and which texts have to outlive the source. Numbers keep their 32 bits.
 
 struct Stored {
@@ -292,7 +292,7 @@ class Table {
   std::vector<Ref<Row>> bySource_;
 };
 
-/// Each behind those that it refers to.
+/// Each after those that it references.
 using Tables = std::tuple<Table<File>, Table<Name>, Table<Function>, Table<CallPoint>,
                           Table<EnumConstant>, Table<Type>, Table<Field>, Table<Label>,
                           Table<Macro>, Table<TypeReference>, Table<Variable>, Table<ExternalName>>;
@@ -313,7 +313,7 @@ void take(const Statement& row, int at, const Tables& tables, Value& value) {
   }
 }
 
-/// What a column alone does not tell.
+/// What does not follow from a column alone.
 template <class Row>
 void adjust(Row&, const Tables&) {}
 void adjust(Function& function, const Tables&) { function.refCount = 0; }  // not merged

@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "fe_database/compilation_data/elements_of.h"
+#include "fe_database/compilation_data/element_store.h"
 #include "merger/merger_impl.h"
 
 namespace orvalesca::databases_merger {
@@ -34,9 +34,18 @@ void mergerImpl::writeTable() {
   dataset->eachElement<T>([this](T& element) { database->add(element); });
 }
 
+/// The tables were empty and every row was accepted, so anything else than these rows is the doing
+/// of the tables' own definitions. Found here, it is not committed.
+void mergerImpl::checkWhatWasWritten() {
+  MergedElements::each([this]<class T>() {
+    if (!database->hasTransactionFailed()) database->holdsJust<T>(dataset->elementsOf<T>().size());
+  });
+}
+
 void mergerImpl::saveToDB() {
   if (!mayRewrite("saveToDB")) return;
   MergedElements::each([this]<class T>() { writeTable<T>(); });
+  checkWhatWasWritten();
 }
 
 }  // namespace orvalesca::databases_merger
