@@ -218,10 +218,6 @@ INSTANTIATE_TEST_SUITE_P(
               1,
               "/dev/null/out: cannot be created (Not a directory)"},
         Usage{"OutputIsAFile", {"-o", "/dev/null", "-p", "."}, 1, "/dev/null: cannot be"},
-        Usage{"OutputThatTakesNoFile",
-              {"-o", "/proc", "-p", "."},
-              1,
-              "/proc: cannot be written to ("},
         Usage{"NoDatabase", {"-o", "out", "-p", "."}, 1}),
     caseName);
 
