@@ -96,16 +96,20 @@ std::size_t countRows(const std::string& path) {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
   const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(opened, sqlite3_close);
-  if (code != SQLITE_OK) return 0;
+  const auto check = [&](int result) {
+    if (result == SQLITE_OK) return;
+    throw std::runtime_error(path + ": cannot be read: " + sqlite3_errmsg(opened));
+  };
+  check(code);
   std::vector<std::string> tables;
   const auto addName = [](void* names, int, char** row, char**) {
     static_cast<std::vector<std::string>*>(names)->emplace_back(row[0]);
     return 0;
   };
-  sqlite3_exec(opened,
-               "SELECT name FROM sqlite_schema WHERE type = 'table' AND "
-               "name NOT LIKE 'sqlite%'",
-               addName, &tables, nullptr);
+  check(sqlite3_exec(opened,
+                     "SELECT name FROM sqlite_schema WHERE type = 'table' AND "
+                     "name NOT LIKE 'sqlite%'",
+                     addName, &tables, nullptr));
   std::size_t rows = 0;
   const auto addCount = [](void* sum, int, char** row, char**) {
     *static_cast<std::size_t*>(sum) += std::strtoull(row[0], nullptr, 10);
@@ -113,7 +117,7 @@ std::size_t countRows(const std::string& path) {
   };
   for (const std::string& table : tables) {
     const std::string sql = "SELECT count(*) FROM \"" + table + '"';
-    sqlite3_exec(opened, sql.c_str(), addCount, &rows, nullptr);
+    check(sqlite3_exec(opened, sql.c_str(), addCount, &rows, nullptr));
   }
   return rows;
 }
