@@ -24,7 +24,7 @@ class CallPoint : public LocatedElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

@@ -11,25 +11,25 @@
 
 namespace orvalesca::databases_merger {
 
-class Arrivals;
+class InsertionOrder;
 class CompilationDatabase;
 class FrontendDatabase;
 class MacroGroups;
 class PreprocessingDatabase;
-class SavedRows;
+class LastSave;
 class mergerImpl;
 
 /// Everything that is known of one compilation, in memory, and the two databases that it comes from
 /// and goes to. Start here.
 ///
-/// Road:     a front end calls an emplace operation for each sighting, in any order that has a
+/// Use:      a front end calls an emplace operation for each occurrence, in any order that has a
 ///           referred element ready, then saveToPpDB(), resetIds(getPpDb()), saveToCompDB().
 ///           Later phases read with the get operations.
 /// Ownership: the dataset owns its elements; a pointer or reference that an operation hands out
 ///           stays good as long as the dataset. Pointers given to it (File, Identifier, Type,
 ///           Function, ...) have to be elements of the same dataset. Elements may be changed
 ///           through their setters, but not in the fields of their key (element_keys.h).
-/// Second sights: `accumulate` false leaves a known element as it is. True merges the new sight
+/// Repeats:  `accumulate` false leaves a known element as it is. True merges the new occurrence
 ///           into it (counts add up, see each element's update()) and sets its id back to 0, so
 ///           that the next save finds its row again and brings the merged counts there.
 /// Errors:   failures of SQLite are reported on standard error; loads and saves answer whether
@@ -37,184 +37,170 @@ class mergerImpl;
 ///           dataset does not have reports that and answers false. Out of memory: std::bad_alloc.
 /// Threads:  one at a time per dataset. Loading and saving is one unit per process: the isLoaded
 ///           and isPreLoaded flags of the element classes are process-wide.
-/// Cost:     one hash look-up per sighting, over addresses, or over the bytes of a name or path
-///           where one is given; variables cost a walk down a tree. A second sight allocates
+/// Cost:     one hash look-up per occurrence, over addresses, or over the bytes of a name or path
+///           where one is given; variables cost a walk down a tree. A repeat allocates
 ///           nothing.
-class CompilationData {
+class FE_DB_EXPORT CompilationData {
  public:
   // --- Life.
 
   /// An empty path means no database of that kind. Opens nothing: connect through getCompDb() and
   /// getPpDb().
-  FE_DB_EXPORT CompilationData(std::string_view compilationPath,
-                               std::string_view preprocessingPath);
-  FE_DB_EXPORT ~CompilationData();
+  CompilationData(std::string_view compilationPath, std::string_view preprocessingPath);
+  ~CompilationData();
   CompilationData(const CompilationData&) = delete;
   CompilationData& operator=(const CompilationData&) = delete;
 
   /// Makes the dataset of the process unless there is one, which then stays as it is.
-  FE_DB_EXPORT static void newCompilationInstanceIfNotAlreadyDone(
-      std::string_view compilationPath, std::string_view preprocessingPath);
+  static void newCompilationInstanceIfNotAlreadyDone(std::string_view compilationPath,
+                                                     std::string_view preprocessingPath);
   /// A dataset of the caller's own.
-  FE_DB_EXPORT static std::unique_ptr<CompilationData> newInstance(
-      std::string_view compilationPath, std::string_view preprocessingPath);
+  static std::unique_ptr<CompilationData> newInstance(std::string_view compilationPath,
+                                                      std::string_view preprocessingPath);
   /// The dataset of the process, or null. In spite of its name it is no database.
-  FE_DB_EXPORT static CompilationData* compilationDatabase();
-  FE_DB_EXPORT static void deleteInstance();
+  static CompilationData* compilationDatabase();
+  static void deleteInstance();
 
   /// The databases; REQUIRES: the dataset was constructed with the path. fe_db/
   /// compilation_database.h makes the classes complete.
-  FE_DB_EXPORT CompilationDatabase& getCompDb();
-  FE_DB_EXPORT PreprocessingDatabase& getPpDb();
+  CompilationDatabase& getCompDb();
+  PreprocessingDatabase& getPpDb();
 
-  /// Makes loadFromDB and saveToCompDB cover the tables from Type to CallPoint. No way back.
-  FE_DB_EXPORT void setDataNeededForDbLink();
-  /// Makes saveToCompDB write File, Identifier and Macro. No way back.
-  FE_DB_EXPORT void setPropagateMacroInfo();
+  /// Makes loadFromDB and saveToCompDB cover the tables from Type to CallPoint. Cannot be undone.
+  void setDataNeededForDbLink();
+  /// Makes saveToCompDB write File, Identifier and Macro. Cannot be undone.
+  void setPropagateMacroInfo();
 
   // --- Files and names.
 
-  /// On a second sight both kinds are overwritten.
-  FE_DB_EXPORT File& emplaceFile(std::string_view path, FileKind kind,
-                                 results_api::LanguageKind language);
-  FE_DB_EXPORT Identifier* emplaceIdentifier(std::string_view name, IdentifierKind kind,
-                                             bool accumulate, unsigned count);
+  /// On a repeat both kinds are overwritten.
+  File& emplaceFile(std::string_view path, FileKind kind, results_api::LanguageKind language);
+  Identifier* emplaceIdentifier(std::string_view name, IdentifierKind kind, bool accumulate,
+                                unsigned count);
   /// The element of exactly these bytes, or null.
-  FE_DB_EXPORT File* getFile(std::string_view path) const;
-  FE_DB_EXPORT Identifier* getIdentifier(std::string_view name) const;
+  File* getFile(std::string_view path) const;
+  Identifier* getIdentifier(std::string_view name) const;
   /// Marks the file of the path, which is made with kinds 0 when there is none.
-  FE_DB_EXPORT void setHugeFile(std::string_view path);
-  FE_DB_EXPORT bool isHugeFile(std::string_view path) const;
+  void setHugeFile(std::string_view path);
+  bool isHugeFile(std::string_view path) const;
 
   // --- Emplacing by a known name. The identifier is not counted and must not be null.
 
-  FE_DB_EXPORT Type* emplaceType(Identifier* identifier, bool unnamed,
-                                 const Localization& localization, TypeKind kind, bool accumulate,
-                                 unsigned refCount, unsigned refTagCount, bool local,
-                                 bool incomplete);
-  FE_DB_EXPORT Variable* emplaceVariable(Identifier* identifier, const Localization& localization,
-                                         Type* type, bool isDefined, LinkageKind linkage,
-                                         bool accumulate, unsigned refCount);
-  FE_DB_EXPORT Function* emplaceFunction(Identifier* identifier, Identifier* sourceName,
-                                         const Localization& localization, bool isDefined,
-                                         bool isSpecial, EffectKind effect, LinkageKind linkage,
-                                         bool accumulate);
-  FE_DB_EXPORT Macro& emplaceMacro(Identifier* identifier, const Localization& localization,
-                                   Macro::Value value, bool isDefined, bool accumulate,
-                                   unsigned refCount, const std::string& text, bool isObjectLike,
-                                   bool isVariadic, bool isCommandLineDefinition,
-                                   bool isPredefined);
-  /// The identifier gets the External bit, here and by name, on every sight.
-  FE_DB_EXPORT ExternalIdentifier* emplaceExternalIdentifier(Identifier* identifier,
-                                                             const EntityDescription& description,
-                                                             bool accumulate);
+  Type* emplaceType(Identifier* identifier, bool unnamed, const Localization& localization,
+                    TypeKind kind, bool accumulate, unsigned refCount, unsigned refTagCount,
+                    bool local, bool incomplete);
+  Variable* emplaceVariable(Identifier* identifier, const Localization& localization, Type* type,
+                            bool isDefined, LinkageKind linkage, bool accumulate,
+                            unsigned refCount);
+  Function* emplaceFunction(Identifier* identifier, Identifier* sourceName,
+                            const Localization& localization, bool isDefined, bool isSpecial,
+                            EffectKind effect, LinkageKind linkage, bool accumulate);
+  Macro& emplaceMacro(Identifier* identifier, const Localization& localization, Macro::Value value,
+                      bool isDefined, bool accumulate, unsigned refCount, const std::string& text,
+                      bool isObjectLike, bool isVariadic, bool isCommandLineDefinition,
+                      bool isPredefined);
+  /// The identifier gets the External bit, here and by name, on every occurrence.
+  ExternalIdentifier* emplaceExternalIdentifier(Identifier* identifier,
+                                                const EntityDescription& description,
+                                                bool accumulate);
 
-  // --- Emplacing by name: the name is interned and counted first. Types, functions, enum constants
-  // and labels without a name are none: null comes back and nothing is made.
+  // --- Emplacing by name: the name is interned and counted first. For types, functions, enum
+  // constants and labels an empty name is rejected: returns null and creates nothing.
 
-  FE_DB_EXPORT Type* emplaceType(std::string_view name, bool unnamed,
-                                 const Localization& localization, TypeKind kind, bool accumulate,
-                                 unsigned refCount, unsigned refTagCount);
-  FE_DB_EXPORT Variable* emplaceVariable(std::string_view name, const Localization& localization,
-                                         Type* type, bool isDefined, LinkageKind linkage,
-                                         bool accumulate);
-  FE_DB_EXPORT Function* emplaceFunction(std::string_view name, std::string_view sourceName,
-                                         const Localization& localization, bool isDefined,
-                                         bool isSpecial, EffectKind effect, LinkageKind linkage,
-                                         bool accumulate);
-  FE_DB_EXPORT Macro& emplaceMacro(std::string_view name, const Localization& localization,
-                                   bool accumulate, unsigned refCount);
-  FE_DB_EXPORT ExternalIdentifier* emplaceExternalIdentifier(std::string_view name,
-                                                             const EntityDescription& description,
-                                                             bool accumulate);
-  FE_DB_EXPORT Field& emplaceField(std::string_view name, const Localization& localization,
-                                   bool accumulate, unsigned refCount);
-  FE_DB_EXPORT EnumConstant* emplaceEnumConstant(std::string_view name,
-                                                 const Localization& localization, bool accumulate);
-  FE_DB_EXPORT Label* emplaceLabel(std::string_view name, const Localization& localization,
-                                   bool accumulate);
+  Type* emplaceType(std::string_view name, bool unnamed, const Localization& localization,
+                    TypeKind kind, bool accumulate, unsigned refCount, unsigned refTagCount);
+  Variable* emplaceVariable(std::string_view name, const Localization& localization, Type* type,
+                            bool isDefined, LinkageKind linkage, bool accumulate);
+  Function* emplaceFunction(std::string_view name, std::string_view sourceName,
+                            const Localization& localization, bool isDefined, bool isSpecial,
+                            EffectKind effect, LinkageKind linkage, bool accumulate);
+  Macro& emplaceMacro(std::string_view name, const Localization& localization, bool accumulate,
+                      unsigned refCount);
+  ExternalIdentifier* emplaceExternalIdentifier(std::string_view name,
+                                                const EntityDescription& description,
+                                                bool accumulate);
+  Field& emplaceField(std::string_view name, const Localization& localization, bool accumulate,
+                      unsigned refCount);
+  EnumConstant* emplaceEnumConstant(std::string_view name, const Localization& localization,
+                                    bool accumulate);
+  Label* emplaceLabel(std::string_view name, const Localization& localization, bool accumulate);
 
   // --- Emplacing what has no name. The last three make a new element each time.
 
-  FE_DB_EXPORT TypeReference* emplaceTypeReference(Type* declared, Type* referenced,
-                                                   bool accumulate);
-  FE_DB_EXPORT CallPoint* emplaceCallPoint(Function* caller, Function* callee,
-                                           const Localization& localization, bool isValueUsed,
-                                           bool accumulate);
-  FE_DB_EXPORT MacroInvocation* emplaceMacroInvocation(Macro* macro,
-                                                       const Localization& localization,
-                                                       const OneLineRange& range);
-  FE_DB_EXPORT MacroInvocationCodeOrigin* emplaceMacroInvocationCodeOrigin(
-      const Localization& localization, MacroInvocation* invocation, unsigned offset,
-      unsigned endOffset, bool isParameter, std::string_view tokenString);
-  FE_DB_EXPORT MacroExpansion* emplaceMacroExpansion(const Localization& localization,
-                                                     std::string_view expandedCode,
-                                                     std::string_view macroCall, unsigned ppLine,
-                                                     unsigned ppColumn);
+  TypeReference* emplaceTypeReference(Type* declared, Type* referenced, bool accumulate);
+  CallPoint* emplaceCallPoint(Function* caller, Function* callee, const Localization& localization,
+                              bool isValueUsed, bool accumulate);
+  MacroInvocation* emplaceMacroInvocation(Macro* macro, const Localization& localization,
+                                          const OneLineRange& range);
+  MacroInvocationCodeOrigin* emplaceMacroInvocationCodeOrigin(const Localization& localization,
+                                                              MacroInvocation* invocation,
+                                                              unsigned offset, unsigned endOffset,
+                                                              bool isParameter,
+                                                              std::string_view tokenString);
+  MacroExpansion* emplaceMacroExpansion(const Localization& localization,
+                                        std::string_view expandedCode, std::string_view macroCall,
+                                        unsigned ppLine, unsigned ppColumn);
 
-  // --- Emplacing a stored row: as a sighting of what the row says. The row's id is not used. Null
-  // for a variable without a file, and for an enum constant or label whose name is empty.
+  // --- Emplacing a stored row: as an occurrence of what the row says. The row's id is not used.
+  // Null for a variable without a file, and for an enum constant or label whose name is empty.
 
-  FE_DB_EXPORT File* emplaceFromDB(const File& row, bool accumulate);
-  FE_DB_EXPORT Identifier* emplaceFromDB(const Identifier& row, bool accumulate);
-  FE_DB_EXPORT Macro* emplaceFromDB(const Macro& row, bool accumulate);
-  FE_DB_EXPORT MacroInvocation* emplaceFromDB(const MacroInvocation& row, bool accumulate);
-  FE_DB_EXPORT MacroInvocationCodeOrigin* emplaceFromDB(const MacroInvocationCodeOrigin& row,
-                                                        bool accumulate);
-  FE_DB_EXPORT MacroExpansion* emplaceFromDB(const MacroExpansion& row, bool accumulate);
-  FE_DB_EXPORT Type* emplaceFromDB(const Type& row, bool accumulate);
-  FE_DB_EXPORT TypeReference* emplaceFromDB(const TypeReference& row, bool accumulate);
-  FE_DB_EXPORT Variable* emplaceFromDB(const Variable& row, bool accumulate);
-  FE_DB_EXPORT Function* emplaceFromDB(const Function& row, bool accumulate);
-  FE_DB_EXPORT ExternalIdentifier* emplaceFromDB(const ExternalIdentifier& row, bool accumulate);
-  FE_DB_EXPORT Field* emplaceFromDB(const Field& row, bool accumulate);
-  FE_DB_EXPORT EnumConstant* emplaceFromDB(const EnumConstant& row, bool accumulate);
-  FE_DB_EXPORT Label* emplaceFromDB(const Label& row, bool accumulate);
-  FE_DB_EXPORT CallPoint* emplaceFromDB(const CallPoint& row, bool accumulate);
+  File* emplaceFromDB(const File& row, bool accumulate);
+  Identifier* emplaceFromDB(const Identifier& row, bool accumulate);
+  Macro* emplaceFromDB(const Macro& row, bool accumulate);
+  MacroInvocation* emplaceFromDB(const MacroInvocation& row, bool accumulate);
+  MacroInvocationCodeOrigin* emplaceFromDB(const MacroInvocationCodeOrigin& row, bool accumulate);
+  MacroExpansion* emplaceFromDB(const MacroExpansion& row, bool accumulate);
+  Type* emplaceFromDB(const Type& row, bool accumulate);
+  TypeReference* emplaceFromDB(const TypeReference& row, bool accumulate);
+  Variable* emplaceFromDB(const Variable& row, bool accumulate);
+  Function* emplaceFromDB(const Function& row, bool accumulate);
+  ExternalIdentifier* emplaceFromDB(const ExternalIdentifier& row, bool accumulate);
+  Field* emplaceFromDB(const Field& row, bool accumulate);
+  EnumConstant* emplaceFromDB(const EnumConstant& row, bool accumulate);
+  Label* emplaceFromDB(const Label& row, bool accumulate);
+  CallPoint* emplaceFromDB(const CallPoint& row, bool accumulate);
 
   // --- Looking up, in memory only. Null when nothing matches; nothing is made.
 
-  FE_DB_EXPORT Type* getType(const Localization& localization, Identifier* identifier) const;
-  FE_DB_EXPORT Field* getField(const Localization& localization, Identifier* identifier) const;
-  FE_DB_EXPORT EnumConstant* getEnumConstant(const Localization& localization,
-                                             Identifier* identifier) const;
-  FE_DB_EXPORT Label* getLabel(const Localization& localization, Identifier* identifier) const;
-  FE_DB_EXPORT CallPoint* getCallPoint(const Localization& localization, Function* caller) const;
+  Type* getType(const Localization& localization, Identifier* identifier) const;
+  Field* getField(const Localization& localization, Identifier* identifier) const;
+  EnumConstant* getEnumConstant(const Localization& localization, Identifier* identifier) const;
+  Label* getLabel(const Localization& localization, Identifier* identifier) const;
+  CallPoint* getCallPoint(const Localization& localization, Function* caller) const;
   /// REQUIRES: the position has a file.
-  FE_DB_EXPORT Variable* getVariable(const Localization& localization,
-                                     Identifier* identifier) const;
-  FE_DB_EXPORT Function* getFunction(std::string_view name, const Localization& localization) const;
-  FE_DB_EXPORT TypeReference* getTypeReference(Type* declared) const;
+  Variable* getVariable(const Localization& localization, Identifier* identifier) const;
+  Function* getFunction(std::string_view name, const Localization& localization) const;
+  TypeReference* getTypeReference(Type* declared) const;
 
   /// The macro of the name that was inserted first.
-  FE_DB_EXPORT Macro* getMacro(Identifier* identifier) const;
+  Macro* getMacro(Identifier* identifier) const;
   /// The first macro of the name, in the order of its group (first inserted, then from the newest
-  /// to the oldest), that stands at the position or is matched by a wildcard on either side. Costs
+  /// to the oldest), that is at the position or is matched by a wildcard on either side. Costs
   /// the same however many macros the name has.
-  FE_DB_EXPORT Macro* getMacro(Identifier* identifier, const Localization& localization);
+  Macro* getMacro(Identifier* identifier, const Localization& localization);
   /// The first macro of the name that has a value, or the last of its group when none has.
-  FE_DB_EXPORT Macro* getaMacroWithValue(std::string_view name) const;
+  Macro* getaMacroWithValue(std::string_view name) const;
   /// Cursor over the macros that stand in a file: set `first` to true, call until null. REQUIRES:
   /// no macro is emplaced during the walk.
-  FE_DB_EXPORT const Macro* listTranslationUnitMacro(bool& first);
-  FE_DB_EXPORT void eachMacro(std::function<void(const Macro&)> callback) const;
+  const Macro* listTranslationUnitMacro(bool& first);
+  void eachMacro(std::function<void(const Macro&)> callback) const;
   /// Expansions that were emplaced, in that order; not those that were loaded.
-  FE_DB_EXPORT void eachMacroExpansion(std::function<void(const MacroExpansion&)> callback) const;
+  void eachMacroExpansion(std::function<void(const MacroExpansion&)> callback) const;
 
-  /// What stands on a line of the preprocessed text: a range of elements in no particular order.
+  /// What is on a line of the preprocessed text: a range of elements in no particular order.
   /// Expansions are those that were loaded, not those that were emplaced.
-  FE_DB_EXPORT std::pair<MacroInvocationSet::const_iterator, MacroInvocationSet::const_iterator>
+  std::pair<MacroInvocationSet::const_iterator, MacroInvocationSet::const_iterator>
   getMacroInvocationForLine(unsigned ppLine) const;
-  FE_DB_EXPORT std::pair<MacroExpansionSet::const_iterator, MacroExpansionSet::const_iterator>
+  std::pair<MacroExpansionSet::const_iterator, MacroExpansionSet::const_iterator>
   getMacroExpansionForLine(unsigned ppLine) const;
-  FE_DB_EXPORT bool isMacroExpansionLoaded() const;
+  bool isMacroExpansionLoaded() const;
 
-  FE_DB_EXPORT const TypeSet& getTypes() const;
-  FE_DB_EXPORT const VariableSet& getVariables() const;
-  FE_DB_EXPORT const FunctionSet& getFunctions() const;
-  FE_DB_EXPORT const FieldSet& getFields() const;
-  FE_DB_EXPORT const EnumConstantSet& getEnumConstants() const;
-  FE_DB_EXPORT const LabelSet& getLabels() const;
+  const TypeSet& getTypes() const;
+  const VariableSet& getVariables() const;
+  const FunctionSet& getFunctions() const;
+  const FieldSet& getFields() const;
+  const EnumConstantSet& getEnumConstants() const;
+  const LabelSet& getLabels() const;
 
   // --- Searching the compilation database, one element at a time, without loading its tables.
   // REQUIRES a connected database.
@@ -235,63 +221,60 @@ class CompilationData {
   //           find nothing.
   // Cost:     one step per call, and one row read for an element that is not in memory yet.
 
-  FE_DB_EXPORT CallPoint* findCallPoint(bool& first);
-  FE_DB_EXPORT Identifier* findIdentifier(bool& first);
-  FE_DB_EXPORT Macro* findMacro(bool& first);
+  CallPoint* findCallPoint(bool& first);
+  Identifier* findIdentifier(bool& first);
+  Macro* findMacro(bool& first);
 
-  FE_DB_EXPORT EnumConstant* findEnumConstantFromIdentifier(Identifier* identifier, bool& first);
-  FE_DB_EXPORT ExternalIdentifier* findExternalIdentifierFromIdentifier(
-      const Identifier* identifier, bool& first);
-  FE_DB_EXPORT Field* findFieldFromIdentifier(Identifier* identifier, bool& first);
-  FE_DB_EXPORT Function* findFunctionFromIdentifier(Identifier* identifier, bool& first);
-  FE_DB_EXPORT Function* findFunctionFromIdentifierAndLinkage(Identifier* identifier,
-                                                              LinkageKind linkage, bool& first);
-  FE_DB_EXPORT Label* findLabelFromIdentifier(Identifier* identifier, bool& first);
-  FE_DB_EXPORT Macro* findMacroFromIdentifier(const Identifier* identifier, bool& first);
-  FE_DB_EXPORT Type* findTypeFromIdentifier(Identifier* identifier, bool& first);
+  EnumConstant* findEnumConstantFromIdentifier(Identifier* identifier, bool& first);
+  ExternalIdentifier* findExternalIdentifierFromIdentifier(const Identifier* identifier,
+                                                           bool& first);
+  Field* findFieldFromIdentifier(Identifier* identifier, bool& first);
+  Function* findFunctionFromIdentifier(Identifier* identifier, bool& first);
+  Function* findFunctionFromIdentifierAndLinkage(Identifier* identifier, LinkageKind linkage,
+                                                 bool& first);
+  Label* findLabelFromIdentifier(Identifier* identifier, bool& first);
+  Macro* findMacroFromIdentifier(const Identifier* identifier, bool& first);
+  Type* findTypeFromIdentifier(Identifier* identifier, bool& first);
   /// `kind` is a mask of which any bit suffices; unnamed types are left out.
-  FE_DB_EXPORT Type* findTypeFromIdentifierAndKind(Identifier* identifier, TypeKind kind,
-                                                   bool& first);
-  FE_DB_EXPORT Variable* findVariableFromIdentifier(Identifier* identifier, bool& first);
-  FE_DB_EXPORT Variable* findVariableFromIdentifierAndLinkage(Identifier* identifier,
-                                                              LinkageKind linkage, bool& first);
+  Type* findTypeFromIdentifierAndKind(Identifier* identifier, TypeKind kind, bool& first);
+  Variable* findVariableFromIdentifier(Identifier* identifier, bool& first);
+  Variable* findVariableFromIdentifierAndLinkage(Identifier* identifier, LinkageKind linkage,
+                                                 bool& first);
   /// No cursor: the first function of the name that is defined and has external linkage, or null.
-  FE_DB_EXPORT Function* findExternalDefinedFunction(Identifier* identifier);
+  Function* findExternalDefinedFunction(Identifier* identifier);
 
   /// Calls whose value is dropped and whose callee has, by name, a definition without effect; once
   /// for each such definition.
-  FE_DB_EXPORT CallPoint* findCallPointWithNoEffect(bool& first);
-  FE_DB_EXPORT Field* findFieldFromRefCount(int refCount, bool& first);
+  CallPoint* findCallPointWithNoEffect(bool& first);
+  Field* findFieldFromRefCount(int refCount, bool& first);
   /// `kind` is a mask of which any bit suffices.
-  FE_DB_EXPORT Identifier* findIdentifierFromKind(IdentifierKind kind, bool& first);
+  Identifier* findIdentifierFromKind(IdentifierKind kind, bool& first);
   /// Names counted at least `count` times, whatever the operation says.
-  FE_DB_EXPORT Identifier* findIdentifierFromKindAndCount(IdentifierKind kind, int count,
-                                                          persistence::OperationKind operation,
-                                                          bool& first);
-  FE_DB_EXPORT Macro* findMacroFromRefCount(int refCount, bool& first);
+  Identifier* findIdentifierFromKindAndCount(IdentifierKind kind, int count,
+                                             persistence::OperationKind operation, bool& first);
+  Macro* findMacroFromRefCount(int refCount, bool& first);
   /// Named types; those of kind 0, which the compiler brings along, are left out.
-  FE_DB_EXPORT Type* findTypeFromRefCount(int refCount, bool& first);
+  Type* findTypeFromRefCount(int refCount, bool& first);
   /// Named types with a tag.
-  FE_DB_EXPORT Type* findTypeFromRefTagCount(int refTagCount, bool& first);
+  Type* findTypeFromRefTagCount(int refTagCount, bool& first);
   /// By the row id that the type holds; a type without one finds nothing.
-  FE_DB_EXPORT TypeReference* findTypeReferenceFromType(Type* declared, bool& first);
+  TypeReference* findTypeReferenceFromType(Type* declared, bool& first);
   /// External linkage: all external variables of the names whose counts add up to refCount. Any
   /// other: the variables with just this count and linkage.
-  FE_DB_EXPORT Variable* findVariableFromRefCountAndLinkage(int refCount, LinkageKind linkage,
-                                                            bool& first);
+  Variable* findVariableFromRefCountAndLinkage(int refCount, LinkageKind linkage, bool& first);
   /// Elements of one kind whose name has at least so many characters; of types only named ones.
   /// `linkage` is set to that of a function or variable found, else to None. A kind that is not one
   /// single bit, and External, find nothing and leave `first` as it is.
-  FE_DB_EXPORT NamedElement* findObjectFromMinLength(IdentifierKind kind, std::size_t minLength,
-                                                     LinkageKind& linkage, bool& first);
+  NamedElement* findObjectFromMinLength(IdentifierKind kind, std::size_t minLength,
+                                        LinkageKind& linkage, bool& first);
 
   // --- Loading: whole tables, in one transaction; a table is read at most once per process.
   // REQUIRES a connected database. The result tells whether the transaction was committed.
 
   /// File only, from the compilation database if true, else from the preprocessing database.
-  FE_DB_EXPORT bool preLoadFromDB(bool fromCompDb);
-  FE_DB_EXPORT bool loadFromDB(bool fromCompDb);
-  FE_DB_EXPORT bool loadMacroExpansionFromPbDB(PreprocessingDatabase& db);
+  [[nodiscard]] bool preLoadFromDB(bool fromCompDb);
+  [[nodiscard]] bool loadFromDB(bool fromCompDb);
+  [[nodiscard]] bool loadMacroExpansionFromPbDB(PreprocessingDatabase& db);
 
   // --- Saving: each in one transaction. REQUIRES a connected database. True: all of it is in the
   // file, except rows that were refused for themselves, which are reported. False: nothing is, and
@@ -301,63 +284,66 @@ class CompilationData {
   /// file already has are extended, not doubled. A further save writes elements that are new or
   /// have counted something since the last one. After a failure it may be tried again, unless
   /// stored counts had been read: then every further save is refused with a report.
-  FE_DB_EXPORT bool saveToCompDB();
+  [[nodiscard]] bool saveToCompDB();
   /// After a failure it may be tried again.
-  FE_DB_EXPORT bool saveToPpDB();
+  [[nodiscard]] bool saveToPpDB();
   /// Between the saves to two databases: all elements are without a row again.
-  FE_DB_EXPORT void resetIds(FrontendDatabase& db);
+  void resetIds(FrontendDatabase& db);
 
  private:
   friend class mergerImpl;
-  class RestoredIds;
-  class FlagsBefore;
+  class FE_DB_HIDDEN RestoredIds;
+  class FE_DB_HIDDEN FlagsBefore;
 
-  void clear();
+  FE_DB_HIDDEN void clear();
 
   template <class T>
-  void loadTable(FrontendDatabase& db, const std::function<bool(T&)>& filter = nullptr);
+  FE_DB_HIDDEN void loadTable(FrontendDatabase& db,
+                              const std::function<bool(T&)>& filter = nullptr);
   template <class T>
-  void preLoadTable(FrontendDatabase& db);
-  void loadCodeOrigins(FrontendDatabase& db);
-  void loadMacroInfoFromDB(FrontendDatabase& db);
-  FrontendDatabase* selectDb(bool fromCompDb, const char* operation) const;
+  FE_DB_HIDDEN void preLoadTable(FrontendDatabase& db);
+  FE_DB_HIDDEN void loadCodeOrigins(FrontendDatabase& db);
+  FE_DB_HIDDEN void loadMacroInfoFromDB(FrontendDatabase& db);
+  FE_DB_HIDDEN FrontendDatabase* selectDb(bool fromCompDb, const char* operation) const;
   template <class T, class NextId>
-  T* findNext(const char* operation, NextId&& nextId) const;
+  FE_DB_HIDDEN T* findNext(const char* operation, NextId&& nextId) const;
   template <class T>
-  NamedElement* findFromMinLength(std::size_t minLength, LinkageKind& linkage, bool& first);
+  FE_DB_HIDDEN NamedElement* findFromMinLength(std::size_t minLength, LinkageKind& linkage,
+                                               bool& first);
 
-  void foldStoredRows();
-  void foldUnknownRows();
-  void saveFilesToDB(FrontendDatabase& db);
-  void saveMacroExpansionsToPpDB();
-  void saveMacroInvocationCodeOriginsToPpDB();
+  FE_DB_HIDDEN void foldStoredRows();
+  FE_DB_HIDDEN void foldUnknownRows();
+  FE_DB_HIDDEN void saveFilesToDB(FrontendDatabase& db);
+  FE_DB_HIDDEN void saveMacroExpansionsToPpDB();
+  FE_DB_HIDDEN void saveMacroInvocationCodeOriginsToPpDB();
   template <class T>
-  void saveTable(FrontendDatabase& db);
+  FE_DB_HIDDEN void saveTable(FrontendDatabase& db);
   template <class T>
-  void saveTableAndRemember(FrontendDatabase& db, SavedRows& saved);
-  bool saveCompilationTables(FrontendDatabase& db, SavedRows& saved);
-  bool isRefusedAfterFailure(const FrontendDatabase& db) const;
-  static void failTransactionAfterFailedRead(FrontendDatabase& db, unsigned long failedReadsBefore);
+  FE_DB_HIDDEN void saveTableAndRemember(FrontendDatabase& db, LastSave& saved);
+  FE_DB_HIDDEN bool saveCompilationTables(FrontendDatabase& db, LastSave& saved);
+  FE_DB_HIDDEN bool isRefusedAfterFailure(const FrontendDatabase& db) const;
+  FE_DB_HIDDEN static void failTransactionAfterFailedRead(FrontendDatabase& db,
+                                                          unsigned long failedReadsBefore);
   template <class T>
-  auto& elementsOf();
+  FE_DB_HIDDEN auto& elementsOf();
   template <class T, class... Arguments>
-  T& addElement(Arguments&&... arguments);
+  FE_DB_HIDDEN T& addElement(Arguments&&... arguments);
   template <class T>
-  void reserveElements(std::size_t count);
+  FE_DB_HIDDEN void reserveElements(std::size_t count);
   template <class T>
-  T& insertElement(const T& element);
-  Macro& insertMacro(const Macro& macro, Macro* ofName);
+  FE_DB_HIDDEN T& insertElement(const T& element);
+  FE_DB_HIDDEN Macro& insertMacro(const Macro& macro, Macro* ofName);
   template <class T, class Key>
-  T* emplaceRow(const T& row, const Key& key, bool accumulate);
+  FE_DB_HIDDEN T* emplaceRow(const T& row, const Key& key, bool accumulate);
   template <class T>
-  T* emplaceNamedRow(T row, IdentifierKind kind, bool accumulate);
+  FE_DB_HIDDEN T* emplaceNamedRow(T row, IdentifierKind kind, bool accumulate);
   template <class T>
-  T& emplaceNamed(Identifier* identifier, const Localization& localization, bool accumulate,
-                  unsigned refCount);
+  FE_DB_HIDDEN T& emplaceNamed(Identifier* identifier, const Localization& localization,
+                               bool accumulate, unsigned refCount);
   template <class T, class Visit>
-  void eachElement(Visit&& visit);
+  FE_DB_HIDDEN void eachElement(Visit&& visit);
 
-  FE_DB_EXPORT static std::unique_ptr<CompilationData> compilationDataset;
+  static std::unique_ptr<CompilationData> compilationDataset;
 
   FileSet files;
   IdentifierSet identifiers;
@@ -381,10 +367,10 @@ class CompilationData {
   MacroExpansionState macroExpansionState = MacroExpansionState::Pending;
   bool dataNeededForDbLink = false;
   bool propagateMacroInfo = false;
-  std::unique_ptr<Arrivals> arrivals;        ///< order of saving and merging
+  std::unique_ptr<InsertionOrder> insertionOrder;  ///< order of saving and merging
   std::unique_ptr<MacroGroups> macroGroups;  ///< order and positions of the macros of one name
   bool hasSaveToCompDbFailed = false;        ///< and a further one would add stored counts twice
-  std::unique_ptr<SavedRows> savedRows;      ///< null until the first saveToCompDB is committed
+  std::unique_ptr<LastSave> lastSave;        ///< null until the first saveToCompDB is committed
 };
 
 }  // namespace orvalesca::databases_merger

@@ -41,27 +41,27 @@ class mergerImpl;
 ///           be destroyed.
 /// Threads:  one at a time per merger; different mergers may load in different threads at once.
 /// Cost:     linear in the rows; the rows of a merger stay in memory until it is destroyed.
-class CompilationDataMerger {
+class FE_DB_EXPORT CompilationDataMerger {
  public:
   /// Opens nothing. Throws std::invalid_argument when the path is empty.
-  FE_DB_EXPORT explicit CompilationDataMerger(std::string_view path);
+  explicit CompilationDataMerger(std::string_view path);
   /// Closes a connection that is still open; an open transaction is rolled back.
-  FE_DB_EXPORT ~CompilationDataMerger();
+  ~CompilationDataMerger();
   CompilationDataMerger(const CompilationDataMerger&) = delete;
   CompilationDataMerger& operator=(const CompilationDataMerger&) = delete;
 
   /// Connects, to a file that is there and has its tables. The database belongs to the merger; its
   /// named searches and the dataset's find operations are not available on it.
-  FE_DB_EXPORT CompilationDatabase& openDB();
+  CompilationDatabase& openDB();
   /// Disconnects. What was loaded stays in memory.
-  FE_DB_EXPORT void closeDB();
+  void closeDB();
 
-  FE_DB_EXPORT void beginTransaction();
+  void beginTransaction();
   /// Rolls back instead when a read or a write of this merger has failed.
-  FE_DB_EXPORT void commitTransaction();
+  void commitTransaction();
 
-  /// saveToDB() prints the number of rows of each table on standard output. No way back.
-  FE_DB_EXPORT void setDebug();
+  /// saveToDB() prints the number of rows of each table on standard output. Cannot be undone.
+  void setDebug();
 
   /// Reads the twelve tables, each row as stored. REQUIRES: connected, and nothing loaded before.
   ///
@@ -70,7 +70,7 @@ class CompilationDataMerger {
   /// without a file, a function without a source name, a call without caller or callee, an external
   /// name of kind 0 or 1 without its entity. A reference to a row that is not there or was left out
   /// counts as none. Stored reference counts of functions are not read. Opens no transaction.
-  FE_DB_EXPORT void loadDataFromDB();
+  void loadDataFromDB();
 
   /// Folds what `other` has loaded into what this merger has loaded, in memory; no database is
   /// touched and none need be connected. REQUIRES: loadDataFromDB() ran on both. Afterwards `other`
@@ -81,15 +81,15 @@ class CompilationDataMerger {
   /// Where both know an element, counts add up, flags of names and types are united, a macro value
   /// that is missing is taken over, a macro undefined on either side is undefined; all other values
   /// stay those of this merger. Each enum constant, field and label counts 1 more for its name.
-  FE_DB_EXPORT void mergeCompilationTables(CompilationDataMerger const& other);
+  void mergeCompilationTables(CompilationDataMerger const& other);
 
   /// Deletes the rows of the twelve tables. REQUIRES: loadDataFromDB() ran, or they are lost; a
-  /// transaction, or a failure behind this step loses them too. Refused, with a report, when rows
+  /// transaction, or a failure after this step loses them too. Refused, with a report, when rows
   /// of the file are not in memory: a read failed, or rows were left out.
-  FE_DB_EXPORT void truncateDataFromDB();
+  void truncateDataFromDB();
   /// Inserts a row for every element; ids are given anew. REQUIRES: truncateDataFromDB() ran.
   /// Inside a transaction a refused row ends the writing, and the commit will roll back.
-  FE_DB_EXPORT void saveToDB();
+  void saveToDB();
 
  private:
   std::unique_ptr<mergerImpl> impl;

@@ -66,9 +66,9 @@ class FrontendDatabase : public persistence::Database {
 
  private:
   friend class CompilationData;
-  friend class SavedRows;
+  friend class LastSave;
   friend class mergerImpl;
-  friend struct ElementRows;
+  friend struct ElementSave;
   template <class T>
   friend struct ColumnValue;
   /// Every operation for every class; compiled once, where they are defined.

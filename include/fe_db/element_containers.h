@@ -20,7 +20,7 @@ using PreprocessedLineSet =
 /// One per path, one per name.
 using FileSet = boost::unordered_set<File, hashName<File>, equalName<File>>;
 using IdentifierSet = boost::unordered_set<Identifier, hashName<Identifier>, equalName<Identifier>>;
-/// All macros of a name are adjacent; their order within the container is the dataset's to tell.
+/// All macros of a name are adjacent; their order within the container is not that of the dataset.
 using MacroSet = boost::unordered_multiset<Macro, hashMacroIdentifier, equalMacroIdentifier>;
 /// Grouped by line of the preprocessed text; no order within a line.
 using MacroInvocationSet = PreprocessedLineSet<MacroInvocation>;

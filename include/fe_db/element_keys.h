@@ -8,7 +8,7 @@
 
 #include "fe_db/elements.h"
 
-/// The key rules: when two sightings are the same element. Each rule is one projection of an
+/// The key rules: when two occurrences are the same element. Each rule is one projection of an
 /// element to its key fields; hash and equality both work on the projection, so that they cannot
 /// disagree, and both take a bare key as well, so that a search builds no element.
 ///

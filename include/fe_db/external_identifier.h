@@ -25,7 +25,7 @@ class ExternalIdentifier : public persistence::GenericElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

@@ -11,8 +11,6 @@ namespace orvalesca::databases_merger {
 class FrontendDatabase;
 
 /// One source path that the front end has seen. Unique in a dataset by its bytes.
-///
-/// A new stored field also needs: a line in columns.cpp, the schema texts, docs/stored_format.md.
 class File : public persistence::GenericElement {
  public:
   File() = default;
@@ -39,7 +37,7 @@ class File : public persistence::GenericElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

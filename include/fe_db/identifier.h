@@ -21,7 +21,7 @@ class Identifier : public persistence::GenericElement {
   const std::string& getName() const { return name; }
   void setName(const std::string& newName) { name = newName; }
   /// Uses counted for the name: one for each by-name emplace that is a first or an accumulating
-  /// sight of the name.
+  /// occurrence of the name.
   std::uint32_t getCount() const { return count; }
   void setCount(std::uint32_t newCount) { count = newCount; }
   IdentifierKind getKind() const { return kind; }
@@ -30,7 +30,7 @@ class Identifier : public persistence::GenericElement {
  private:
   friend class CompilationData;
   friend class FrontendDatabase;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   /// Merges a repeated occurrence of the name into this element; its id goes back to 0.
   void addOccurrence(IdentifierKind seenKind, std::uint32_t seenCount);

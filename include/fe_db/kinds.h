@@ -38,8 +38,8 @@ constexpr bool addsBits(IdentifierKind bits, IdentifierKind known) {
   return (static_cast<std::uint32_t>(bits) & ~static_cast<std::uint32_t>(known)) != 0;
 }
 
-/// Stored in Type.Kind: a mask. The front end gives the bits their language meaning; queries tell
-/// only tagged from named kinds and leave out None.
+/// Stored in Type.Kind: a mask. The front end gives the bits their language meaning; queries only
+/// distinguish tagged from named kinds and leave out None.
 enum class TypeKind : std::uint32_t {
   None = 0,
   Tagged4 = 4,
@@ -56,7 +56,7 @@ enum class LinkageKind : std::uint32_t { None = 0, External = 1 };
 /// Stored in Function.Effect. Other values pass through unchanged.
 enum class EffectKind : std::uint32_t { NoEffect = 0, Unknown = 2 };
 
-/// Stored in ExternalIdentifier.Kind: the table that EntityId leads to.
+/// Stored in ExternalIdentifier.Kind: the table that EntityId references.
 enum class EntityKind : std::int32_t { None = -1, Variable = 0, Function = 1 };
 
 /// Which tables a database has, and what is prepared on it. Not stored.

@@ -11,7 +11,7 @@ class Label : public NamedElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

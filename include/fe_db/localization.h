@@ -9,7 +9,7 @@ namespace orvalesca::databases_merger {
 class File;
 class LinkedElement;
 
-/// A source position. Line and column count from 1. With a null file, column tells the origin:
+/// A source position. Line and column count from 1. With a null file, column is the origin:
 /// 1 command line, 3 predefined macro.
 struct Localization {
   File* file = nullptr;  ///< not owned; an element of the same dataset
@@ -24,7 +24,7 @@ inline bool samePosition(const Localization& a, const Localization& b) {
   return a.file == b.file && a.line == b.line && a.column == b.column;
 }
 
-/// Where a macro invocation stands in the preprocessed text; line and columns count from 1.
+/// Where a macro invocation is in the preprocessed text; line and columns count from 1.
 struct OneLineRange {
   File* file = nullptr;  ///< not owned, not stored
   std::uint32_t line = 0;
@@ -32,7 +32,7 @@ struct OneLineRange {
   std::uint32_t endColumn = 0;
 };
 
-/// What an ExternalIdentifier stands for. `entity` is a Variable or a Function of the same
+/// What an ExternalIdentifier denotes. `entity` is a Variable or a Function of the same
 /// dataset, not owned, and means something for those two kinds only.
 struct EntityDescription {
   EntityKind kind = EntityKind::None;

@@ -18,9 +18,6 @@ class mergerImpl;
 /// One definition of a preprocessor macro. A name may have several, at several positions; in a
 /// dataset a macro is found by its name and position, or by its name alone where either position
 /// is a wildcard.
-///
-/// A new stored field also needs: a line in columns.cpp, the schema texts, Macro::update,
-/// emplaceMacro, docs/stored_format.md.
 class FE_DB_EXPORT Macro : public NamedElement {
  public:
   using Value = std::variant<std::monostate, std::int64_t, std::uint64_t>;

@@ -10,7 +10,7 @@ namespace orvalesca::databases_merger {
 class FrontendDatabase;
 
 /// The text of a macro call and the code that it expands to, at one place of the preprocessed text
-/// (line and column from 1). There is no second sight.
+/// (line and column from 1). Every occurrence is an element of its own.
 class MacroExpansion : public LocatedElement {
  public:
   MacroExpansion() = default;
@@ -33,7 +33,7 @@ class MacroExpansion : public LocatedElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

@@ -11,7 +11,7 @@ class Macro;
 class MacroInvocationCodeOrigin;
 
 /// One use of a macro, with its position in the source and its range in the preprocessed text.
-/// There is no second sight: every emplace makes a new element.
+/// Every emplace makes a new element.
 class MacroInvocation : public LocatedElement {
  public:
   MacroInvocation() = default;
@@ -35,7 +35,7 @@ class MacroInvocation : public LocatedElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   /// Puts an origin in front of those with an equal or a larger offset.
   void insertCodeOrigin(MacroInvocationCodeOrigin* origin);

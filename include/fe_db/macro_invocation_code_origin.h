@@ -11,8 +11,8 @@ class FrontendDatabase;
 class MacroInvocation;
 
 /// One token inside the text of a macro invocation, and where it really comes from. Offsets count
-/// from the invocation's first column in the preprocessed text; the end is the column behind the
-/// token. There is no second sight.
+/// from the invocation's first column in the preprocessed text; the end is the column after the
+/// token. Every occurrence is an element of its own.
 class MacroInvocationCodeOrigin : public LocatedElement {
  public:
   MacroInvocationCodeOrigin() = default;
@@ -39,7 +39,7 @@ class MacroInvocationCodeOrigin : public LocatedElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

@@ -22,9 +22,9 @@ class NamedElement : public LocatedElement {
   std::uint32_t getRefCount() const { return refCount; }
   void setRefCount(std::uint32_t count) { refCount = count; }
 
-  /// Merges another copy of the same element, a new sight or a stored row, into this one: takes its
-  /// id and adds its count. True when the row has to be written again, that is, when this element
-  /// had a count to add.
+  /// Merges another copy of the same element, a new occurrence or a stored row, into this one:
+  /// takes its id and adds its count. True when the row has to be written again, that is, when this
+  /// element had a count to add.
   bool update(const NamedElement& other) { return merge(other.getId(), other.refCount); }
 
   /// The same with the other copy's fields.

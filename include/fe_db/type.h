@@ -4,11 +4,8 @@
 
 namespace orvalesca::databases_merger {
 
-/// One declaration of a type. Two sights at one place with one name are one element, whatever
+/// One declaration of a type. Two occurrences at one place with one name are one element, whatever
 /// their kinds; the first kind stays.
-///
-/// A new stored field also needs: a line in columns.cpp, the compilation schema, Type::update, the
-/// merge copy, docs/stored_format.md.
 class Type : public NamedElement {
  public:
   Type() = default;
@@ -60,7 +57,7 @@ class Type : public NamedElement {
 
  private:
   friend class CompilationData;
-  friend struct ElementRows;
+  friend struct ElementSave;
 
   long long saveToDB(FrontendDatabase& db);
   void loadFromDB(FrontendDatabase& db);

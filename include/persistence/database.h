@@ -51,20 +51,20 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   /// Opens the file, read-write unless readOnly (a file that may not be written is then opened
   /// for reading), and calls prepareStatements. False, with one report naming path and reason,
   /// when the file is missing, no database, or has no table where tables have to be there.
-  bool quick_connect(bool readOnly);
+  [[nodiscard]] bool quick_connect(bool readOnly);
   /// Rolls back an open transaction, finalizes all statements, closes. Harmless when not connected.
   void disconnect();
   bool isConnected() const { return connection != nullptr; }
 
   /// Takes the write lock, and before it the queue lock of a shared file; waits for both together
   /// up to the busy timeout.
-  bool beginTransaction();
+  [[nodiscard]] bool beginTransaction();
   /// For readers: takes neither lock.
-  bool beginReading();
+  [[nodiscard]] bool beginReading();
   /// False, and everything rolled back, when the commit fails or the transaction has failed before:
   /// SQLite has rolled it back, or a write has failed for another reason than the refusal of its
   /// own row. A transaction never commits half of what it was asked to write.
-  bool commitTransaction();
+  [[nodiscard]] bool commitTransaction();
   bool rollbackTransaction();
 
   /// Row id of the latest insertion on this connection.
@@ -72,7 +72,7 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
 
   /// Runs SQL of the caller's own, inside the transaction if one is open. Rows are dropped. What
   /// fails fails the transaction as well, unless a row was refused.
-  bool execute(const std::string& sql);
+  [[nodiscard]] bool execute(const std::string& sql);
 
   /// How long a lock held by others is waited for; 60 s unless set. In milliseconds.
   void setBusyTimeout(int milliseconds);
@@ -84,8 +84,8 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   const Failure& lastFailure() const { return failure; }
   /// Rows that were read and could not become elements, per table.
   const std::map<std::string, std::size_t>& leftOutRows() const { return leftOut; }
-  /// Rows that became elements without a reference of theirs, because it leads to a row that is not
-  /// there or was left out; per table.
+  /// Rows that became elements without a reference of theirs, because it references a row that is
+  /// not there or was left out; per table.
   const std::map<std::string, std::size_t>& lostReferences() const { return withoutReference; }
 
   const std::string& getPath() const { return path; }

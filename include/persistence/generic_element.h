@@ -40,7 +40,7 @@ class SHARED_PERSISTENCE_EXPORT GenericElement {
   unsigned place;
 
  public:
-  /// The element differs from its row. Set by merging sights; no save clears it.
+  /// The element differs from its row. Set by merging occurrences; no save clears it.
   bool dirty = false;
 };
 

@@ -18,7 +18,7 @@ struct ConnectionState;
 ///           and reset() at the end.
 /// Indexes:  bind() fills the parameters in turn, from 1; reset() and exec() start over.
 /// Errors:   bind, exec, reset and prepare report on standard error and return nothing; result()
-///           tells the code of the last run. step() reports nothing, its caller does.
+///           is the code of the last run. step() reports nothing, its caller does.
 /// Lifetime: destruction finalizes, and so does closing the Database that the statement was
 /// compiled
 ///           on. On any other connection call finalize() before that closes. A copy has the text
@@ -63,7 +63,7 @@ class SHARED_PERSISTENCE_EXPORT DatabaseStatement {
 
   /// Code of the last step, exec or run.
   int result() const { return lastResult; }
-  /// The failure that result() tells has been reported before: the compilation failed, or SQLite
+  /// The failure of result() has been reported before: the compilation failed, or SQLite
   /// has rolled the transaction back.
   bool isFailureReported() const;
   const std::string& getText() const { return text; }

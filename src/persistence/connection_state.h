@@ -23,8 +23,8 @@ struct ConnectionState {
   /// statements of virtual tables, which belong to SQLite.
   std::vector<DatabaseStatement*> compiled;
 
-  /// Ties the state to the connection. The rollback hook both tells that SQLite has rolled back
-  /// and, with its argument, is the one pointer per connection that SQLite gives back.
+  /// Ties the state to the connection. The rollback hook both reports that SQLite has rolled back
+  /// and, with its argument, is the one pointer per connection that SQLite returns.
   void attach(sqlite3* connection) { sqlite3_rollback_hook(connection, onRollback, this); }
 
   static ConnectionState* of(sqlite3* connection) {

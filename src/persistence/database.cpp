@@ -73,7 +73,7 @@ bool Database::open(bool readOnly) {
   return true;
 }
 
-/// An open alone reads nothing; this tells whether the file is a database.
+/// An open alone reads nothing; this finds out whether the file is a database.
 bool Database::countTables(int& tables) {
   sqlite3_stmt* statement = nullptr;
   const int rc = sqlite3_prepare_v2(
@@ -103,8 +103,8 @@ void Database::close() {
 }
 
 /// Statements that an owner has compiled past this layer. Virtual tables have some of their own,
-/// which cannot be told from them and which the close finalizes; where there are any, an owner's
-/// statement keeps the connection open until the owner finalizes it.
+/// which cannot be distinguished from them and which the close finalizes; where there are any, an
+/// owner's statement keeps the connection open until the owner finalizes it.
 void Database::finalizeForeignStatements() {
   if (sqlite3_next_stmt(connection, nullptr) == nullptr) return;
   constexpr char kVirtualTables[] =

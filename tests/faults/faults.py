@@ -8,6 +8,7 @@ import itertools
 import os
 import pathlib
 import shutil
+import signal
 import sys
 import tempfile
 import threading
@@ -190,6 +191,7 @@ def read_options():
 
 def main():
     options = read_options()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # removes what it has made
     with tempfile.TemporaryDirectory(prefix="fe_db_faults") as temporary:
         place = pathlib.Path(options.keep or temporary).resolve()
         place.mkdir(parents=True, exist_ok=True)

@@ -36,12 +36,12 @@ class Programs:
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
         code = None
         try:
-            output, errors = process.communicate(timeout=120)
+            output, errors = process.communicate(timeout=300)
             code = process.returncode
         except subprocess.TimeoutExpired:
             os.killpg(process.pid, signal.SIGKILL)
             output, errors = process.communicate()
-            errors += b" hung for two minutes"
+            errors += b" hung for five minutes"
         return Result(code, output.decode(errors="replace"), errors.decode(errors="replace"))
 
     def make(self, name, *arguments, **options):

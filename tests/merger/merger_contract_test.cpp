@@ -39,7 +39,7 @@ TEST_P(UnreadableSource, IsNotFoldedAndItsTargetNotRewritten) {
   EXPECT_FALSE(rewrite(merger));
   EXPECT_THAT(takeReports(), testing::HasSubstr(target));
   merger.beginTransaction();
-  merger.db.execute("DELETE FROM Label");
+  EXPECT_TRUE(merger.db.execute("DELETE FROM Label"));
   merger.commitTransaction();
   EXPECT_NE(takeReports(), "");
   EXPECT_EQ(dump(target), before);

@@ -1,6 +1,7 @@
 #include "compile_command.h"
 
 #include "compile_database.h"
+#include "compiler_name.h"
 #include "record/record_fixture.h"
 #include "shell_words.h"
 
@@ -52,7 +53,18 @@ INSTANTIATE_TEST_SUITE_P(
                  "-D a.c -I b.c -isystem c.c", "d.c"},
         Cleaning{"CppCompiler", "/usr/bin/x86_64-linux-gnu-g++-12 -c a.c", "--driver-mode=g++",
                  "a.c"},
-        Cleaning{"CompilerCache", "ccache /usr/bin/gcc -c a.c", "", "a.c"},
+        Cleaning{"CompilerCache", "ccache /usr/bin/g++ -c a.c", "--driver-mode=g++", "a.c"},
+        Cleaning{"CacheWithSettings", "ccache max_size=5G g++ a.c", "--driver-mode=g++", "a.c"},
+        Cleaning{"LauncherWithOptions", "fe_db_record --launcher --force -- env A=B g++ a.c",
+                 "--driver-mode=g++", "a.c"},
+        Cleaning{"DependencyFiles",
+                 "gcc -Wp,-MMD,a.d,-MT,a.o -DA -Wp,-DB=1,-U,C -Xpreprocessor -MD -Xpreprocessor "
+                 "b.d -Xclang -dependency-file -Xclang c.d --write-dependencies a.c",
+                 "-DA -DB=1 -U C", "a.c"},
+        Cleaning{"LongNames", "gcc --compile --define-macro=A --output=a.o --language c a.txt",
+                 "-D A -x c", "a.txt"},
+        Cleaning{"ErrorsOfTheCompilerItself", "gcc -Wall -Werror=format -Wfatal-errors -H a.c",
+                 "-Wall", "a.c"},
         Cleaning{"ForcedHeaderPastTheDriver", "gcc -include x.h -c a.c",
                  "-Xclang -include -Xclang x.h", "a.c"},
         Cleaning{"Assembler", "gcc -c a.S b.s", "", ""},
@@ -67,6 +79,43 @@ INSTANTIATE_TEST_SUITE_P(
         Cleaning{"ModuleSource", "g++ -c a.cppm", "--driver-mode=g++", "", "modules"},
         Cleaning{"StandardInput", "gcc -x c -", "-x c", "", "standard input"}),
     caseName);
+
+TEST(CleanCommand, NamesTheCompilerItself) {
+  const auto compilerOf = [](const char* command) {
+    return cleanCommand({"/", splitWords(command)}).compiler;
+  };
+  EXPECT_EQ(compilerOf("ccache /opt/x/arm-none-eabi-gcc -c a.c"), "/opt/x/arm-none-eabi-gcc");
+  EXPECT_EQ(compilerOf("ccache"), "ccache");  // somebody's compiler may be called so
+}
+
+struct Target {
+  const char* name;
+  const char* compiler;
+  const char* prefix;
+};
+
+class TargetPrefixTest : public testing::TestWithParam<Target> {};
+
+TEST_P(TargetPrefixTest, IsWhatComesBeforeTheCompilersOwnName) {
+  EXPECT_EQ(fe_db_tools::targetPrefix(GetParam().compiler), GetParam().prefix);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Compilers, TargetPrefixTest,
+    testing::Values(Target{"Plain", "gcc", ""}, Target{"Version", "/usr/bin/clang++-14", ""},
+                    Target{"Path", "/opt/arm-tools/bin/arm-none-eabi-g++", "arm-none-eabi"},
+                    Target{"PrefixAndVersion", "x86_64-linux-gnu-gcc-12", "x86_64-linux-gnu"},
+                    Target{"ThreadModel", "i686-w64-mingw32-g++-posix", "i686-w64-mingw32"},
+                    Target{"OnePart", "avr-gcc", "avr"},
+                    Target{"Sh", "sh4-linux-gnu-cc", "sh4-linux-gnu"},
+                    Target{"Fuzzer", "afl-gcc", ""}, Target{"Library", "musl-gcc", ""},
+                    Target{"NoProcessor", "armadillo-gcc", ""}),
+    caseName);
+
+TEST(Interpreter, IsNoCompilerWhateverItsVersion) {
+  EXPECT_TRUE(fe_db_tools::isInterpreter("python3.11"));
+  EXPECT_FALSE(fe_db_tools::isInterpreter("sh4-linux-gnu-gcc"));
+}
 
 TEST(SplitWords, QuotesAndBackslashesProtectAsInAShell) {
   EXPECT_EQ(joined(splitWords(" a  'b c'\\''d' \"e \\\" \\x\" f\\ g\n")), "a b c'd e \" \\x f g");

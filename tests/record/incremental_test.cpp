@@ -56,8 +56,7 @@ TEST_P(AfterChange, FilesAreThoseOfANewRecording_AndMadeAgainOnlyIfNeeded) {
   EXPECT_THAT(result.output, StartsWith(GetParam().isRecordedAgain ? "1 of 1" : "0 of 1"));
   EXPECT_EQ(result.output.find("1 reused") == std::string::npos, GetParam().isRecordedAgain);
 
-  arguments.insert(arguments.begin(), {FE_DB_RECORD_PROGRAM, "-o", path("fresh")});
-  ASSERT_EQ(runProgram(arguments, {.directory = sources().string()}).errors, "");
+  ASSERT_EQ(recordInto(path("fresh"), arguments).errors, "");
   for (const auto& fresh : std::filesystem::directory_iterator(path("fresh"))) {
     const std::filesystem::path made = output() / fresh.path().filename();
     EXPECT_TRUE(std::filesystem::exists(made)) << made;

@@ -180,6 +180,7 @@ struct Usage {
   const char* name;
   std::vector<std::string> arguments;
   int exitCode;
+  const char* message = "";
 };
 
 class RecordUsage : public QuietTest, public testing::WithParamInterface<Usage> {};
@@ -191,20 +192,107 @@ TEST_P(RecordUsage, EndsWithItsExitCode) {
   EXPECT_EQ(result.exitCode, GetParam().exitCode);
   EXPECT_EQ(result.errors.empty(), GetParam().exitCode == 0) << result.errors;
   EXPECT_EQ(result.output.empty(), GetParam().exitCode != 0) << result.output;
+  EXPECT_THAT(result.errors, HasSubstr(GetParam().message));
+  if (GetParam().exitCode != 0) {
+    EXPECT_THAT(result.errors, MatchesRegex("fe_db_record: [^\n]*; [^\n]*\n"));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Arguments, RecordUsage,
-    testing::Values(Usage{"Help", {"--help"}, 0}, Usage{"Nothing", {}, 2},
-                    Usage{"NoOutput", {"--", "gcc", "a.c"}, 2},
-                    Usage{"NeitherCommandNorDatabase", {"-o", "out"}, 2},
-                    Usage{"Both", {"-o", "out", "-p", ".", "--", "gcc", "a.c"}, 2},
-                    Usage{"EmptyCommand", {"-o", "out", "--"}, 2},
-                    Usage{"NoSource", {"-o", "out", "--", "gcc", "a.o"}, 2},
-                    Usage{"UnknownOption", {"-o", "out", "--wrong", "--", "gcc", "a.c"}, 2},
-                    Usage{"BadJobs", {"-o", "out", "-j", "0", "-p", "."}, 2},
-                    Usage{"NoDatabase", {"-o", "out", "-p", "."}, 1}),
+    testing::Values(
+        Usage{"Help", {"--help"}, 0}, Usage{"Nothing", {}, 2},
+        Usage{"NoOutput", {"--", "gcc", "a.c"}, 2},
+        Usage{"NeitherCommandNorDatabase", {"-o", "out"}, 2},
+        Usage{"Both", {"-o", "out", "-p", ".", "--", "gcc", "a.c"}, 2},
+        Usage{"EmptyCommand", {"-o", "out", "--"}, 2},
+        Usage{"NoSource", {"-o", "out", "--", "gcc", "a.o"}, 2},
+        Usage{"UnknownOption", {"--bogus"}, 2, "unknown option --bogus; "},
+        Usage{"NoValue", {"-p", ".", "-o"}, 2, "--output"},
+        Usage{"NoJobs", {"-o", "out", "-j", "0", "-p", "."}, 2, "-j 0: give a number"},
+        Usage{"ManyJobs", {"-o", "out", "-j", "100000", "-p", "."}, 2, "from 1 to 1024"},
+        Usage{"JobsInWords", {"-o", "out", "-j2x", "-p", "."}, 2, "-j 2x: "},
+        Usage{"Timeout", {"-o", "out", "--timeout", "-1", "-p", "."}, 2, "--timeout"},
+        Usage{"OutputBelowAFile",
+              {"-o", "/dev/null/out", "-p", "."},
+              1,
+              "/dev/null/out: cannot be created (Not a directory)"},
+        Usage{"OutputIsAFile", {"-o", "/dev/null", "-p", "."}, 1, "/dev/null: cannot be"},
+        Usage{"NoDatabase", {"-o", "out", "-p", "."}, 1}),
     caseName);
+
+TEST_F(RecordProgram, ArgumentsForClangAlone_AreAddedLastAndRemovedWithTheirValues) {
+  write("good.c", "int good = A + B;\n");
+  write("forced.h", "#error forced\n");
+  recordQuietly({"--keep-preprocessed",
+                 "--extra-arg",
+                 "-DA=2",
+                 "--extra-arg=-DB=3",
+                 "--remove-arg",
+                 "-include*",
+                 "--remove-arg=-U?",
+                 "--remove-arg",
+                 "-I inner",
+                 "--remove-arg",
+                 "-isystem",
+                 "--",
+                 "gcc",
+                 "-DA=1",
+                 "-include",
+                 "forced.h",
+                 "-U",
+                 "B",
+                 "-UB",
+                 "-I",
+                 "inner",
+                 "-isystem",
+                 "inner",
+                 "-c",
+                 "good.c"});
+  EXPECT_THAT(readFile(outputEnding(".i")), HasSubstr("int good = 2 + 3;"));
+  // They are no part of the unit's name, but they decide what is recorded.
+  recordQuietly({"--extra-arg=-DA=5", "--extra-arg=-DB=3", "--keep-preprocessed",
+                 "--remove-arg=-inc*", "--remove-arg=-U*", "--", "gcc", "-DA=1", "-include",
+                 "forced.h", "-U", "B", "-UB", "-I", "inner", "-isystem", "inner", "-c", "good.c"});
+  EXPECT_THAT(readFile(outputEnding(".i")), HasSubstr("int good = 5 + 3;"));
+}
+
+TEST_F(RecordProgram, MissingHeader_MayBeOneThatTheBuildMakes) {
+  write("good.c", "#include \"config.h\"\n");
+  EXPECT_THAT(record({"--", "gcc", "-c", "good.c"}).errors,
+              HasSubstr("if the build makes config.h, build first and then record\n"));
+}
+
+TEST_F(RecordProgram, Failures_AreCountedByCause) {
+  write("one.c", "int one = unknown1;\n");
+  write("two.c", "int two = unknown2;\n");
+  write("three.c", "int three = unknown3;\n");
+  write("nested.c", "void f() { void g() {} }\n");
+  write("header.c", "#include \"first.h\"\n");
+  write("other.c", "#include \"second.h\"\n");
+  write("crash.c", "#pragma clang __debug crash\n");
+  writeDatabase({"crash.c", "nested.c", "one.c", "header.c", "two.c", "other.c", "three.c"});
+  const std::string summary = record({"-j1", "-p", "."}).output;
+  EXPECT_THAT(summary, HasSubstr("\n  3 failed: use of undeclared identifier 'unknown1' (first: " +
+                                 (sources() / "one.c").string() + ")\n  1 failed: "));
+  for (const char* cause :
+       {"function definition is not allowed here (", "'first.h' file not found (",
+        "'second.h' file not found (", "its process was killed ("}) {
+    EXPECT_THAT(summary, HasSubstr(std::string("\n  1 failed: ") + cause));
+  }
+}
+
+TEST_F(RecordProgram, WithoutATerminal_SaysAtOnceAndEveryTenSecondsHowFarItIs) {
+  runProgram({"mkfifo", (sources() / "endless.h").string()});
+  write("waiting.c", "#include \"endless.h\"\n");
+  writeDatabase({"good.c", "waiting.c"});
+  const ProgramResult result = runProgram(
+      {FE_DB_RECORD_PROGRAM, "-o", output().string(), "-j1", "--timeout", "11", "-p", "."},
+      {.directory = sources().string()});
+  EXPECT_THAT(result.errors,
+              MatchesRegex("fe_db_record: 2 units, 1 at a time\n"
+                           "fe_db_record: 1 of 2 units, [^\n]* left\n[^\n]*took longer[^\n]*\n"));
+}
 
 TEST_F(RecordProgram, UnitsMerged_HaveEachFactOnce_WhateverTheOrder) {
   write("shared.h", "enum state { off, on };\nint shared(enum state s);\n");

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <algorithm>
+#include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,10 +21,25 @@ inline std::string readFile(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Runs fe_db_record on sources in a directory of the test's own.
+/// What a run over a compile_commands.json says while it works, without a terminal.
+inline void removeProgress(std::string& errors) {
+  std::istringstream lines(errors);
+  std::string rest;
+  for (std::string line; std::getline(lines, line);) {
+    const bool isProgress = line.starts_with("fe_db_record: ") && std::isdigit(line[14]) != 0;
+    if (!isProgress) rest += line + '\n';
+  }
+  errors = rest;
+}
+
+/// Runs fe_db_record on sources in a directory of the test's own. What it keeps of compilers it
+/// keeps there too.
 class RecordTest : public QuietTest {
  protected:
-  RecordTest() { std::filesystem::create_directories(sources()); }
+  RecordTest() {
+    std::filesystem::create_directories(sources());
+    setenv("XDG_CACHE_HOME", path("cache").c_str(), 1);
+  }
 
   std::filesystem::path sources() const { return path("sources"); }
   std::filesystem::path output() const { return path("out"); }
@@ -30,11 +48,18 @@ class RecordTest : public QuietTest {
     std::ofstream(sources() / name, std::ios::binary) << text;
   }
 
-  /// From the directory of the sources, into output().
+  /// From the directory of the sources, into output(). Without the lines about progress.
   ProgramResult record(const std::vector<std::string>& arguments) const {
-    std::vector<std::string> command{FE_DB_RECORD_PROGRAM, "-o", output().string()};
+    return recordInto(output(), arguments);
+  }
+
+  ProgramResult recordInto(const std::filesystem::path& directory,
+                           const std::vector<std::string>& arguments) const {
+    std::vector<std::string> command{FE_DB_RECORD_PROGRAM, "-o", directory.string()};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return runProgram(command, {.directory = sources().string()});
+    ProgramResult result = runProgram(command, {.directory = sources().string()});
+    removeProgress(result.errors);
+    return result;
   }
 
   void recordQuietly(const std::vector<std::string>& arguments) const {

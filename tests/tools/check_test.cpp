@@ -97,6 +97,12 @@ constexpr DamageCase kDamages[] = {
      "Field: FieldId is not the row id (not declared INTEGER PRIMARY KEY)\n"
      "EnumConstant: it is a virtual table\n"
      "Label: LabelId is not the row id (not declared INTEGER PRIMARY KEY)\n"},
+    {"IdsAtBothEnds", "CREATE TABLE T AS SELECT 9223372036854775807*2+Kind AS FileId, Path, Kind, "
+     "Lang, Huge FROM File; INSERT INTO T VALUES (-9223372036854775807-1, 'x', 0, 0, 0), "
+     "(-9223372036854775807-1, 'y', 0, 0, 0), (9223372036854775807, 'z', 0, 0, 0),"
+     "(9223372036854775807, 'z2', 0, 0, 0), (1, 'a', 0, 0, 0), (2, 'b', 0, 0, 0);"
+     "DELETE FROM T WHERE typeof(FileId)<>'integer'; DROP TABLE File; ALTER TABLE T RENAME TO File",
+     "File: FileId is not the row id (not declared INTEGER PRIMARY KEY)\n"},
     {"EqualPathsAndNames", "CREATE TABLE T (FileId INTEGER PRIMARY KEY, Path, Kind, Lang, Huge);"
      "INSERT INTO T SELECT * FROM File; INSERT INTO T VALUES (7, 'a.c', 0, 0, 0), (9, 'A.C', 0, 0, "
      "0), (8, 'a.c', 1, 2, 0); DROP TABLE File; ALTER TABLE T RENAME TO File;"
@@ -247,7 +253,13 @@ TEST_F(Check, Text_HasEachTokenAndExpansionWhereItsRowSays) {
             "'1+'\n"
             "MacroExpansion row 2: '2' is not in line 2, column 5, where the text has '+'\n"
             "MacroExpansion row 3: '(1+2)' is not in line 9, column 3, where the text has ''\n");
-  EXPECT_EQ(feDb({"check", "--text", path("none.i"), file}).exitCode, 1);
+  execute(file,
+          "UPDATE MacroInvocationCodeOrigin SET OffsetColumnInInvocation=-9, "
+          "EndOffsetColumnInInvocation=9223372036854775807 WHERE rowid=1");
+  EXPECT_THAT(feDb({"check", "--text", text, file}).output, testing::HasSubstr("row 1: '('"));
+  for (const std::string& none : {path("none.i"), path(".")}) {
+    expectRefusal({"check", "--text", none, file}, "fe_db: " + none + ": cannot read it: ");
+  }
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ class Index : public FeDbProgram {
   static std::string all(const std::string& own) {
     std::set<std::string> lines;
     fe_db_tools::eachSearchIndex(
-        [&](const auto& index) { lines.insert(std::string(index.name) + '|' + index.sql + '\n'); });
+        [&](const auto& index) { lines.insert(index.name + '|' + index.sql + '\n'); });
     if (!own.empty()) lines.insert(own);
     std::string text;
     for (const std::string& line : lines) text += line;

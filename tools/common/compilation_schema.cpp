@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <array>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -12,37 +11,24 @@
 #include "fe_db/schema.h"
 #include "new_file.h"
 #include "search_indexes.h"
+#include "tables.h"
 
 namespace fe_db_tools {
 namespace {
 
 namespace schema = orvalesca::databases_merger::schema;
 
-/// The tables that only a compilation database has. Columns stand in the order in which the
-/// library writes them. Their ids go without AUTOINCREMENT, which costs a quarter of the writing
-/// time: no row of theirs is named by an id from outside the file.
-constexpr std::array<const char*, 9> kCompilationTables = {
-    "CREATE TABLE Type (TypeId INTEGER PRIMARY KEY, IdentifierId INTEGER, Unnamed BOOL, Local "
-    "BOOL, Incomplete BOOL, DeclFileId INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER, Kind "
-    "INTEGER, RefCount INTEGER, RefTagCount INTEGER)",
-    "CREATE TABLE TypeReference (DeclaredType INTEGER, ReferencedType INTEGER)",
-    "CREATE TABLE Variable (VariableId INTEGER PRIMARY KEY, IdentifierId INTEGER, DeclFileId "
-    "INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER, TypeId INTEGER, isDefined BOOL, Linkage "
-    "INTEGER, RefCount INTEGER)",
-    "CREATE TABLE Function (FunctionId INTEGER PRIMARY KEY, IdentifierId INTEGER, SourceNameId "
-    "INTEGER, DeclFileId INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER, isDefined BOOL, "
-    "isSpecial BOOL, Effect INTEGER, Linkage INTEGER, RefCount INTEGER)",
-    "CREATE TABLE ExternalIdentifier (ExternalIdentifierId INTEGER PRIMARY KEY, IdentifierId "
-    "INTEGER, Kind INTEGER, EntityId INTEGER)",
-    "CREATE TABLE Field (FieldId INTEGER PRIMARY KEY, IdentifierId INTEGER, DeclFileId INTEGER, "
-    "DeclLineNum INTEGER, DeclColNum INTEGER, RefCount INTEGER)",
-    "CREATE TABLE EnumConstant (EnumConstantId INTEGER PRIMARY KEY, IdentifierId INTEGER, "
-    "DeclFileId INTEGER, DeclLineNum INTEGER, DeclColNum INTEGER)",
-    "CREATE TABLE Label (LabelId INTEGER PRIMARY KEY, IdentifierId INTEGER, DeclFileId INTEGER, "
-    "DeclLineNum INTEGER, DeclColNum INTEGER)",
-    "CREATE TABLE CallPoint (CallPointId INTEGER PRIMARY KEY, FileId INTEGER, LineNum INTEGER, "
-    "ColNum INTEGER, IsValueUsed BOOL, CallerId INTEGER, CalleeId INTEGER)",
-};
+/// Of a table that only a compilation database has. Its id goes without AUTOINCREMENT, which costs
+/// a quarter of the writing time: no row of these is named by an id from outside the file.
+std::string creationOf(const Table& table) {
+  std::string columns;
+  const auto add = [&columns](std::string_view name, std::string_view type) {
+    columns.append(columns.empty() ? "" : ", ").append(name).append(" ").append(type);
+  };
+  if (table.rowId != "rowid") add(table.rowId, "INTEGER PRIMARY KEY");
+  for (const Column& column : table.columns) add(column.name, column.declaredType);
+  return "CREATE TABLE " + std::string(table.name) + " (" + columns + ")";
+}
 
 /// An empty database is built in memory and written out as one piece: nothing but complete files
 /// ever stands in the file system, and no journal beside them.
@@ -58,8 +44,9 @@ class SchemaBuilder {
     for (const char* table : schema::kSharedTables) run(table);
   }
 
-  void run(const char* sql) {
-    if (sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
+  void run(const std::string& sql) {
+    if (sqlite3_exec(connection_.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+      fail();
   }
 
   /// The bytes of the file.
@@ -85,9 +72,11 @@ class SchemaBuilder {
 
 std::string emptyCompilationDatabase(KeyIndexes indexes) {
   SchemaBuilder builder;
-  for (const char* table : kCompilationTables) builder.run(table);
+  for (const Table& table : kTables) {
+    if (table.onlyInCompilation) builder.run(creationOf(table));
+  }
   if (indexes == KeyIndexes::yes) {
-    for (const SearchIndex& index : kKeyIndexes) builder.run(index.sql);
+    for (const SearchIndex& index : keyIndexes()) builder.run(index.sql);
   }
   builder.run("PRAGMA user_version=1");
   return builder.commit();
@@ -107,16 +96,20 @@ std::size_t countRows(const std::string& path) {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
   const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(opened, sqlite3_close);
-  if (code != SQLITE_OK) return 0;
+  const auto check = [&](int result) {
+    if (result == SQLITE_OK) return;
+    throw std::runtime_error(path + ": cannot be read: " + sqlite3_errmsg(opened));
+  };
+  check(code);
   std::vector<std::string> tables;
   const auto addName = [](void* names, int, char** row, char**) {
     static_cast<std::vector<std::string>*>(names)->emplace_back(row[0]);
     return 0;
   };
-  sqlite3_exec(opened,
-               "SELECT name FROM sqlite_schema WHERE type = 'table' AND "
-               "name NOT LIKE 'sqlite%'",
-               addName, &tables, nullptr);
+  check(sqlite3_exec(opened,
+                     "SELECT name FROM sqlite_schema WHERE type = 'table' AND "
+                     "name NOT LIKE 'sqlite%'",
+                     addName, &tables, nullptr));
   std::size_t rows = 0;
   const auto addCount = [](void* sum, int, char** row, char**) {
     *static_cast<std::size_t*>(sum) += std::strtoull(row[0], nullptr, 10);
@@ -124,7 +117,7 @@ std::size_t countRows(const std::string& path) {
   };
   for (const std::string& table : tables) {
     const std::string sql = "SELECT count(*) FROM \"" + table + '"';
-    sqlite3_exec(opened, sql.c_str(), addCount, &rows, nullptr);
+    check(sqlite3_exec(opened, sql.c_str(), addCount, &rows, nullptr));
   }
   return rows;
 }

@@ -20,7 +20,7 @@ void createCompilationDatabase(const std::string& path, KeyIndexes indexes);
 /// The same for a preprocessing database, made at once.
 void createPreprocessingDatabase(const std::string& path);
 
-/// Rows of all tables together; what cannot be read counts for nothing.
+/// Rows of all tables together. Throws std::runtime_error if they cannot be read.
 std::size_t countRows(const std::string& path);
 
 }  // namespace fe_db_tools

@@ -37,6 +37,8 @@ std::string jsonOf(const Remark& remark, const Table* table) {
 
 int check(const CheckOptions& options) {
   const ReadOnlyFile file(options.file, options.waitSeconds, MissingSchema::accepted);
+  const bool hasText = !options.text.empty();
+  const std::string text = hasText ? readText(options.text) : "";
   bool isSound = true;
   const auto report = [&](const Table* table, const std::vector<Remark>& remarks) {
     for (const Remark& remark : remarks) {
@@ -45,7 +47,7 @@ int check(const CheckOptions& options) {
     }
   };
   checkFile(file, report);
-  if (!options.text.empty()) checkText(file, options.text, report);
+  if (hasText) checkText(file, text, report);
   return isSound ? kDone : kFailed;
 }
 

@@ -52,7 +52,7 @@ class RowIds {
                                        table.name + " NOT INDEXED ORDER BY 1");
     for (; file.step(ids); ++count_) {
       const sqlite3_int64 id = sqlite3_column_int64(ids.get(), 0);
-      if (runs_.empty() || id - 1 != runs_.back().last) runs_.push_back({id, id, count_});
+      if (runs_.empty() || !isNext(id, runs_.back().last)) runs_.push_back({id, id, count_});
       runs_.back().last = id;
     }
   }
@@ -67,6 +67,9 @@ class RowIds {
   }
 
  private:
+  /// Ids that are no row ids may be there twice, the smallest and the largest number as well.
+  static bool isNext(sqlite3_int64 id, sqlite3_int64 last) { return id > last && id - 1 == last; }
+
   struct Run {
     sqlite3_int64 first, last;
     std::size_t rowsBefore;

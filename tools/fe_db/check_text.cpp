@@ -3,9 +3,8 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
-#include <string_view>
 
 #include "canonical_text.h"
 
@@ -15,13 +14,7 @@ namespace {
 /// A text by lines and columns, which count from 1.
 class PreprocessedText {
  public:
-  explicit PreprocessedText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (file) text_.assign(std::istreambuf_iterator<char>(file), {});
-    if (!file) {
-      throw std::runtime_error(path + ": cannot read it: " + std::strerror(errno) +
-                               "; give the text that fe_db_record --keep-preprocessed wrote");
-    }
+  explicit PreprocessedText(std::string_view text) : text_(text) {
     for (std::size_t at = 0; at <= text_.size(); ++at) {
       if (at == 0 || text_[at - 1] == '\n') starts_.push_back(at);
     }
@@ -31,14 +24,14 @@ class PreprocessedText {
   std::string_view slice(sqlite3_int64 line, sqlite3_int64 column, std::size_t length) const {
     if (line < 1 || line > static_cast<sqlite3_int64>(starts_.size()) || column < 1) return {};
     const std::size_t start = starts_[static_cast<std::size_t>(line - 1)];
-    std::string_view rest = std::string_view(text_).substr(start);
+    std::string_view rest = text_.substr(start);
     rest = rest.substr(0, rest.find('\n'));
     if (static_cast<std::size_t>(column - 1) > rest.size()) return {};
     return rest.substr(static_cast<std::size_t>(column - 1), length);
   }
 
  private:
-  std::string text_;
+  std::string_view text_;
   std::vector<std::size_t> starts_;
 };
 
@@ -66,7 +59,10 @@ std::vector<Remark> misplaced(const ReadOnlyFile& file, const PreprocessedText& 
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(rows.get(), 4));
     const std::string_view expected = bytes != nullptr ? bytes : "";
     const bool hasEnd = sqlite3_column_type(rows.get(), 3) != SQLITE_NULL;
-    const auto length = hasEnd ? static_cast<std::size_t>(number(3) - number(2)) : expected.size();
+    // Of any two numbers; a length that is none reaches to the end of the line.
+    const auto length =
+        hasEnd ? static_cast<std::size_t>(number(3)) - static_cast<std::size_t>(number(2))
+               : expected.size();
     const std::string_view found = text.slice(number(1), number(2), length);
     if (found == expected) continue;
     remarks.push_back({false, number(0),
@@ -79,8 +75,20 @@ std::vector<Remark> misplaced(const ReadOnlyFile& file, const PreprocessedText& 
 
 }  // namespace
 
-void checkText(const ReadOnlyFile& file, const std::string& textPath, const Reporter& report) {
-  const PreprocessedText text(textPath);
+std::string readText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (file) file.peek();  // a directory can be opened, and fails at the first read
+  if (!file.is_open() || file.bad()) {
+    throw std::runtime_error(path + ": cannot read it: " + std::strerror(errno) +
+                             "; give the text that fe_db_record --keep-preprocessed wrote");
+  }
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+void checkText(const ReadOnlyFile& file, std::string_view preprocessed, const Reporter& report) {
+  const PreprocessedText text(preprocessed);
   report(&tableOf(TableId::macroInvocationCodeOrigin), misplaced(file, text, kTokens));
   report(&tableOf(TableId::macroExpansion), misplaced(file, text, kExpansions));
 }

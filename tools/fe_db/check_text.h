@@ -1,14 +1,17 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "check_rules.h"
 
 namespace fe_db_tools {
 
+/// What `fe_db_record --keep-preprocessed` wrote. Throws std::runtime_error when it cannot be read.
+std::string readText(const std::string& path);
+
 /// Whether each expansion and each token of a preprocessing database is where its row says, in the
-/// preprocessed text that `fe_db_record --keep-preprocessed` wrote next to it. Reports like
-/// checkFile(). Throws std::runtime_error if the text cannot be read.
-void checkText(const ReadOnlyFile& file, const std::string& textPath, const Reporter& report);
+/// preprocessed text of its unit. Reports like checkFile().
+void checkText(const ReadOnlyFile& file, std::string_view preprocessed, const Reporter& report);
 
 }  // namespace fe_db_tools

@@ -2,9 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <thread>
 
 #include "shell_words.h"
@@ -26,15 +28,31 @@ constexpr char kDescription[] =
     "A launcher runs the compiler first and returns its exit code; unless told otherwise it\n"
     "records beside the object. A unit that has not changed since it was recorded is left alone.";
 
+/// For errors that name the option and what is wrong with its value.
+void addNumber(CLI::App& app, const std::string& name, const std::string& type, unsigned least,
+               unsigned most, std::function<void(unsigned)> take, const std::string& description) {
+  const auto read = [=](const std::string& text) {
+    unsigned number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || *end != '\0' || number < least || number > most) {
+      throw CLI::ValidationError(
+          name.substr(0, name.find(',')) + ' ' + text,
+          "give a number from " + std::to_string(least) + " to " + std::to_string(most));
+    }
+    take(number);
+  };
+  app.add_option_function<std::string>(name, read, description)->type_name(type);
+}
+
 void addOptions(CLI::App& app, CommandLine& result) {
   app.add_option("-o,--output", result.record.outputDirectory, "Directory for the databases")
       ->type_name("DIR");
   app.add_option("-p,--build", result.buildDirectory, "Where compile_commands.json is")
       ->type_name("BUILD_DIR");
   app.add_option("FILE", result.files, "Record only these sources of the compile_commands.json");
-  app.add_option("-j,--jobs", result.jobs, "Processes at a time; as many as processors unless set")
-      ->type_name("N")
-      ->check(CLI::Range(std::size_t{1}, std::size_t{1024}));
+  addNumber(
+      app, "-j,--jobs", "N", 1, 1024, [&result](unsigned number) { result.jobs = number; },
+      "Processes at a time; as many as processors unless set");
   app.add_option_function<std::string>(
          "--system",
          [&result](const std::string& which) {
@@ -52,14 +70,45 @@ void addOptions(CLI::App& app, CommandLine& result) {
   app.add_flag("--force", result.record.force, "Record also what has not changed since last time");
   app.add_flag("--keep-going", result.record.parse.keepGoing,
                "Save what can be recorded of sources with errors; the exit code is 1 all the same");
-  app.add_option("--timeout", result.record.timeout,
-                 "Kill what takes longer than this for one unit; 0: no limit, so unless set")
-      ->type_name("SECONDS");
+  addNumber(
+      app, "--timeout", "SECONDS", 0, 1'000'000,
+      [&result](unsigned number) { result.record.timeout = number; },
+      "Kill what takes longer than this for one unit; 0: no limit, so unless set");
+  app.add_option("--extra-arg", result.record.parse.extraArguments,
+                 "An argument for Clang, after those of the command; may be given again")
+      ->type_name("ARG")
+      ->allow_extra_args(false);
+  app.add_option("--remove-arg", result.record.parse.removedArguments,
+                 "Keep arguments that match the pattern from Clang; may be given again")
+      ->type_name("GLOB")
+      ->allow_extra_args(false);
   app.add_flag("--prune", result.prune,
                "Remove the files of units that are not in the compile_commands.json any longer");
   app.add_flag("--launcher", result.isLauncher, "Run the command as well, before it is recorded");
   // What the files of one unit are called, for the processes that this program starts.
   app.add_option("--name", result.record.name)->group("");
+  app.add_option("--compiler-answer", result.compilerAnswer)->group("");
+}
+
+/// Parses options as a shell has split them. The parser takes a word that begins with a hyphen for
+/// an option also where it is the value of one: such a value has to be in the same word.
+void parse(CLI::App& app, const std::vector<std::string>& words) {
+  std::vector<std::string> joined;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const bool hasAnyValue = words[i] == "--extra-arg" || words[i] == "--remove-arg";
+    joined.push_back(words[i]);
+    if (hasAnyValue && i + 1 < words.size()) joined.back() += '=' + words[++i];
+  }
+  std::reverse(joined.begin(), joined.end());  // as the parser takes them
+  app.parse(joined);
+}
+
+std::string messageOf(const CLI::ParseError& error) {
+  std::string text = error.what();
+  // An option that does not exist comes with all of its values.
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr) return text;
+  const std::size_t first = text.find(": ");
+  return first == std::string::npos ? text : "unknown option " + text.substr(first + 2);
 }
 
 /// Empty when all is well.
@@ -69,9 +118,9 @@ const char* misuse(const CommandLine& line, bool hasCommand) {
   if (line.prune && line.buildDirectory.empty()) return "--prune needs -p BUILD_DIR";
   if (line.buildDirectory.empty() && !hasCommand) return "give either -p BUILD_DIR or -- COMMAND";
   if (!line.buildDirectory.empty() && hasCommand) return "-p and -- COMMAND exclude each other";
-  if (hasCommand && line.command.empty()) return "no command behind --";
+  if (hasCommand && line.command.empty()) return "no command after --";
   if (hasCommand && !line.files.empty()) return "FILE needs -p BUILD_DIR";
-  return nullptr;
+  return "";
 }
 
 /// Nothing in here may keep the compiler from running.
@@ -82,11 +131,9 @@ void readLauncherOptions(CommandLine& result) {
   CLI::App app(kDescription, "fe_db_record");
   addOptions(app, result);
   try {
-    std::vector<std::string> words = splitWords(options == nullptr ? "" : options);
-    std::reverse(words.begin(), words.end());  // as the parser takes them
-    app.parse(words);
+    parse(app, splitWords(options == nullptr ? "" : options));
   } catch (const CLI::ParseError& error) {
-    result.launcherProblem = std::string("FE_DB_RECORD_OPTIONS: ") + error.what();
+    result.launcherProblem = "FE_DB_RECORD_OPTIONS: " + messageOf(error);
   }
   result.isLauncher = true;
 }
@@ -108,20 +155,21 @@ bool readCommandLine(int argc, char** argv, CommandLine& result, int& exitCode) 
 
   CLI::App app(kDescription, "fe_db_record");
   addOptions(app, result);
+  std::string problem;
   try {
-    app.parse(static_cast<int>(dashes - argv), argv);
+    parse(app, std::vector<std::string>(argc > 0 ? argv + 1 : argv, dashes));
+    problem = misuse(result, hasCommand);
   } catch (const CLI::ParseError& error) {
-    const bool isHelp = error.get_exit_code() == 0;
-    app.exit(error);
-    exitCode = isHelp ? 0 : kWrongUsage;
-    return false;
+    if (error.get_exit_code() == 0) {  // --help
+      exitCode = app.exit(error);
+      return false;
+    }
+    problem = messageOf(error);
   }
-  if (const char* problem = misuse(result, hasCommand)) {
-    std::fprintf(stderr, "fe_db_record: %s; see fe_db_record --help\n", problem);
-    exitCode = kWrongUsage;
-    return false;
-  }
-  return true;
+  if (problem.empty()) return true;
+  std::fprintf(stderr, "fe_db_record: %s; see fe_db_record --help\n", problem.c_str());
+  exitCode = kWrongUsage;
+  return false;
 }
 
 }  // namespace fe_db_tools

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,13 +14,15 @@ struct CommandLine {
   std::string buildDirectory;      ///< of a compile_commands.json; empty: record `command`
   std::vector<std::string> files;  ///< of the database only these; empty: all
   std::size_t jobs = 1;
-  std::vector<std::string> command;  ///< behind --, or all of a launcher's
+  std::vector<std::string> command;  ///< after --, or all of a launcher's
+  /// For the processes that this program starts: what the compiler has answered. Unset: ask it.
+  std::optional<std::string> compilerAnswer;
   bool prune = false;
   bool isLauncher = false;
   std::string launcherProblem;  ///< why a launcher cannot record; the command is run all the same
 };
 
-/// True: go on. False: the program ends with `exitCode`; everything has been said.
+/// True: go on. False: the program ends with `exitCode`; the message or help is printed.
 bool readCommandLine(int argc, char** argv, CommandLine& result, int& exitCode);
 
 }  // namespace fe_db_tools

@@ -47,7 +47,7 @@ void addEntry(const Entry& entry, std::set<std::string>& names, CompileDatabase&
     ++database.skipped;
     return;
   }
-  Unit unit{entry.command.directory, source, clean.flags};
+  Unit unit{entry.command.directory, source, clean.flags, clean.compiler};
   if (names.insert(unit.name()).second) database.units.push_back(std::move(unit));
 }
 

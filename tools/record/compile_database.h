@@ -7,12 +7,6 @@
 
 namespace fe_db_tools {
 
-/// An entry that is not recorded although its command is understood.
-struct RefusedUnit {
-  std::string source;
-  std::string reason;
-};
-
 struct CompileDatabase {
   std::vector<Unit> units;  ///< in the order of the file, each source and flags once
   std::vector<RefusedUnit> refused;

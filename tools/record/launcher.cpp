@@ -12,7 +12,8 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "shell_words.h"
+#include "compiler_inquiry.h"
+#include "output_directory.h"
 #include "unit_runner.h"
 
 namespace fe_db_tools {
@@ -27,8 +28,11 @@ int runCompiler(const std::vector<std::string>& command) {
   std::vector<char*> words;
   for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
+  // Where whoever started this program ignores the end of children, waiting for one is in vain.
+  const auto before = std::signal(SIGCHLD, SIG_DFL);
   const pid_t process = fork();
   if (process == 0) {
+    std::signal(SIGCHLD, before);
     // Who stops the build by ending its processes means the compiler too.
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     execvp(words[0], words.data());
@@ -82,6 +86,12 @@ std::filesystem::path objectOf(const Product& product, const std::string& source
   return name.stem().string() + product.ending;
 }
 
+/// What is no source of a project, but asks the compiler something: /dev/null and its like, and the
+/// sources that configure scripts of Autoconf make up.
+bool isQuestion(const std::filesystem::path& source) {
+  return !std::filesystem::is_regular_file(source) || source.stem() == "conftest";
+}
+
 void recordSource(const Unit& unit, const Product& product, RecordOptions options) {
   if (options.outputDirectory.empty()) {
     const auto object = std::filesystem::absolute(objectOf(product, unit.source));
@@ -89,14 +99,14 @@ void recordSource(const Unit& unit, const Product& product, RecordOptions option
     options.name = object.filename().string();
   } else {
     options.outputDirectory = std::filesystem::absolute(options.outputDirectory).string();
-    std::filesystem::create_directories(options.outputDirectory);
+    makeOutputDirectory(options.outputDirectory);
   }
   runUnits({unit}, options, /*jobs=*/1, Messages::oneLine);
 }
 
 void recordCompiled(const CommandLine& line) {
   const std::string here = std::filesystem::current_path().string();
-  const Product product = productOf(expandResponseFiles(line.command, here));
+  const Product product = productOf(plainWords({here, line.command}));
   // To /dev/null goes what only asks the compiler something.
   const bool isKept = product.output.empty() || std::filesystem::is_regular_file(product.output);
   if (!product.isCompiled || !isKept) return;
@@ -104,8 +114,15 @@ void recordCompiled(const CommandLine& line) {
   if (clean.sources.empty()) return;
   if (!clean.refusal.empty()) throw std::runtime_error(clean.sources[0] + ": " + clean.refusal);
   if (!line.launcherProblem.empty()) throw std::runtime_error(line.launcherProblem);
+  CompilerInquiry inquiry(CompilerInquiry::Memory::lasting);
   for (const std::string& source : clean.sources) {
-    recordSource({here, source, clean.flags}, product, line.record);
+    if (isQuestion(source)) continue;
+    Unit unit{here, source, clean.flags, clean.compiler};
+    std::string warning;
+    const std::string refusal = inquiry.askFor(unit, warning);
+    if (!refusal.empty()) throw std::runtime_error(unit.sourcePath() + ": " + refusal);
+    if (!warning.empty()) std::fprintf(stderr, "fe_db_record: %s\n", warning.c_str());
+    recordSource(unit, product, line.record);
   }
 }
 

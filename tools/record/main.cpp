@@ -1,4 +1,5 @@
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -10,8 +11,10 @@
 
 #include "command_line.h"
 #include "compile_database.h"
+#include "compiler_inquiry.h"
 #include "launcher.h"
 #include "manifest.h"
+#include "output_directory.h"
 #include "standard_streams.h"
 #include "unit_output.h"
 #include "unit_runner.h"
@@ -70,6 +73,9 @@ void print(const CompileDatabase& database, const RunSummary& summary, const std
     std::printf(", at most %.1f MiB memory for a unit", mebibytes);
   }
   std::printf("\n");
+  FailureCauses causes = summary.causes;
+  for (const RefusedUnit& unit : database.refused) causes.add(unit.source, unit.reason);
+  std::fputs(causes.text().c_str(), stdout);
 }
 
 /// False, with a message, when not all that was printed could be written.
@@ -94,11 +100,28 @@ void handleStale(const CommandLine& line, const std::set<std::string>& current) 
               line.prune ? "their files are removed" : "--prune removes their files");
 }
 
+/// Takes out the units that cannot be recorded for want of an answer.
+void askCompilers(CompileDatabase& database) {
+  CompilerInquiry inquiry(CompilerInquiry::Memory::run);
+  std::erase_if(database.units, [&](Unit& unit) {
+    std::string warning;
+    const std::string refusal = inquiry.askFor(unit, warning);
+    if (!warning.empty()) std::fprintf(stderr, "fe_db_record: %s\n", warning.c_str());
+    if (!refusal.empty()) database.refused.push_back({unit.sourcePath(), refusal});
+    return !refusal.empty();
+  });
+}
+
 int recordDatabase(const CommandLine& line) {
   CompileDatabase database = readCompileDatabase(line.buildDirectory);
   std::set<std::string> current;
   for (const Unit& unit : database.units) current.insert(unit.name());
-  bool isWhole = selectFiles(line, database) && database.refused.empty();
+  const bool isComplete = selectFiles(line, database);
+  if (isatty(STDERR_FILENO) == 0) {
+    std::fprintf(stderr, "fe_db_record: %zu units, %zu at a time\n", database.units.size(),
+                 line.jobs);
+  }
+  askCompilers(database);
   for (const RefusedUnit& unit : database.refused) reportRefused(unit);
   const auto start = std::chrono::steady_clock::now();
   const RunSummary summary = runUnits(database.units, line.record, line.jobs);
@@ -106,7 +129,23 @@ int recordDatabase(const CommandLine& line) {
   print(database, summary, line.record.outputDirectory, spent.count());
   handleStale(line, current);
   isOutputWritten();  // what was recorded is recorded: the exit code is about that
-  return isWhole && summary.failed == 0 ? kDone : kFailed;
+  const bool isWhole = isComplete && database.refused.empty() && summary.failed == 0;
+  return isWhole ? kDone : kFailed;
+}
+
+/// False when the unit cannot be recorded.
+bool askCompiler(const CommandLine& line, CompilerInquiry& inquiry, Unit& unit) {
+  if (line.compilerAnswer) {
+    if (std::optional<CompilerAnswer> answer = CompilerAnswer::parse(*line.compilerAnswer)) {
+      unit.answer = std::make_shared<const CompilerAnswer>(std::move(*answer));
+    }
+    return true;
+  }
+  std::string warning;
+  const std::string refusal = inquiry.askFor(unit, warning);
+  if (!warning.empty()) std::fprintf(stderr, "fe_db_record: %s\n", warning.c_str());
+  if (!refusal.empty()) reportRefused({unit.sourcePath(), refusal});
+  return refusal.empty();
 }
 
 int recordCommand(const CommandLine& line) {
@@ -124,7 +163,11 @@ int recordCommand(const CommandLine& line) {
     return kWrongUsage;
   }
   std::vector<Unit> units;
-  for (const std::string& source : clean.sources) units.push_back({here, source, clean.flags});
+  CompilerInquiry inquiry(CompilerInquiry::Memory::lasting);
+  for (const std::string& source : clean.sources) {
+    units.push_back({here, source, clean.flags, clean.compiler});
+    if (!askCompiler(line, inquiry, units.back())) return kFailed;
+  }
   // One unit needs no process of its own, unless somebody has to see it killed.
   if (units.size() == 1 && line.record.timeout == 0) {
     const bool isUnchanged = !line.record.force && ReuseCheck().isUnchanged(units[0], line.record);
@@ -141,7 +184,8 @@ int run(int argc, char** argv) {
   // Units are recorded from the directories of their commands.
   std::string& output = line.record.outputDirectory;
   output = std::filesystem::absolute(output).lexically_normal().string();
-  std::filesystem::create_directories(output);
+  makeOutputDirectory(output);
+  if (!line.compilerAnswer) checkWritable(output);
   std::string& resources = line.record.parse.resourceDirectory;
   if (!resources.empty()) resources = std::filesystem::absolute(resources).string();
   return line.buildDirectory.empty() ? recordCommand(line) : recordDatabase(line);

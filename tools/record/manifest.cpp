@@ -9,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "compiler_answer.h"
 #include "llvm/Support/MemoryBuffer.h"
 #include "llvm/Support/xxhash.h"
 #include "unit_output.h"
@@ -53,6 +54,9 @@ std::string keyLine(const Unit& unit, const RecordOptions& options) {
   std::ostringstream parts;
   parts << self.value_or(0) << '\n' << unit.name() << '\n' << options.parse.resourceDirectory;
   parts << '\n' << static_cast<int>(options.parse.system);
+  parts << '\n' << (unit.answer ? unit.answer->text() : "");
+  for (const std::string& word : options.parse.extraArguments) parts << "\nextra " << word;
+  for (const std::string& glob : options.parse.removedArguments) parts << "\nremove " << glob;
   for (const char* name : {"CPATH", "C_INCLUDE_PATH", "CPLUS_INCLUDE_PATH", "SOURCE_DATE_EPOCH"}) {
     const char* value = std::getenv(name);
     parts << '\n' << (value == nullptr ? "" : value);

@@ -16,7 +16,7 @@ struct Unit;
 struct FileState {
   std::uint64_t size = 0;
   /// When content or attributes changed last, in nanoseconds. Unlike the time of modification
-  /// nobody can set it back: as long as it stands still, so does the content.
+  /// nobody can set it back: as long as it is the same, so is the content.
   std::int64_t changed = 0;
   std::optional<std::uint64_t> hash;  ///< of the content, once it was asked for
 };
@@ -43,11 +43,11 @@ class UnitInputs {
 std::string manifestText(const Unit& unit, const RecordOptions& options, std::size_t facts,
                          const UnitInputs& inputs);
 
-/// How many facts the files of a unit have, as its manifest says; 0 without one.
+/// The number of facts in a unit's files, from its manifest; 0 without one.
 std::size_t factsOf(const std::string& manifestPath);
 
-/// Tells units whose files are as a new recording would write them. Remembers what it found of
-/// each file: use a new one after the files may have changed.
+/// Finds units whose files are as a new recording would write them. Remembers the state of each
+/// file: use a new one after the files may have changed.
 class ReuseCheck {
  public:
   /// Removes also what a killed run has left of the unit: if it is unchanged nobody else does.

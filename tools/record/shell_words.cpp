@@ -11,7 +11,7 @@ namespace {
 constexpr int kMaxNesting = 32;  // a file may name itself
 constexpr std::string_view kSpace = " \t\n\r\f\v";
 
-/// Reads the quoted part that begins at `at`; leaves `at` behind the closing quote.
+/// Reads the quoted part that begins at `at`; leaves `at` after the closing quote.
 void readQuoted(std::string_view text, std::size_t& at, std::string& word) {
   const char quote = text[at++];
   for (; at < text.size() && text[at] != quote; ++at) {

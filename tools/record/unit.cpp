@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "compiler_name.h"
+
 namespace fe_db_tools {
 
 namespace {
@@ -42,17 +44,23 @@ std::string physicalPath(const std::string& directory, const std::string& file) 
 
 std::string Unit::sourcePath() const { return physicalPath(directory, source); }
 
-std::string Unit::name() const {
+std::string hashOf(const std::vector<std::string>& texts) {
   Hash hash;
+  for (const std::string& text : texts) hash.add(text);
+  return hash.hex();
+}
+
+std::string Unit::name() const {
   const std::string path = sourcePath();
-  hash.add(path);
-  hash.add(physicalPath(directory, ""));
-  for (const std::string& flag : flags) hash.add(flag);
-  return std::filesystem::path(path).filename().string().substr(0, kMaxStem) + '-' + hash.hex();
+  std::vector<std::string> texts{path, physicalPath(directory, "")};
+  texts.insert(texts.end(), flags.begin(), flags.end());
+  const std::string target = targetPrefix(compiler);
+  if (!target.empty()) texts.push_back(target);
+  return std::filesystem::path(path).filename().string().substr(0, kMaxStem) + '-' + hashOf(texts);
 }
 
 CompileCommand Unit::command() const {
-  CompileCommand command{directory, {"cc"}};
+  CompileCommand command{directory, {compiler}};
   command.arguments.insert(command.arguments.end(), flags.begin(), flags.end());
   command.arguments.push_back(source);
   return command;

@@ -50,23 +50,36 @@ void save(dm::CompilationData& data, const UnitOutput& output) {
   compilation.disconnect();
 }
 
+void reportFailed(const Unit& unit, const ParseResult& result) {
+  std::string reason = result.problem.empty() ? "does not parse" : result.problem;
+  reason += "; nothing of it is recorded";
+  if (!result.advice.empty()) reason += "; " + result.advice;
+  std::fprintf(stderr, "fe_db_record: %s: %s\n", unit.sourcePath().c_str(), reason.c_str());
+}
+
 }  // namespace
 
 bool recordUnit(const Unit& unit, const RecordOptions& options) {
   // Only this process writes the files, and they are new: no row is there to be looked for.
   persistence::GenericElement::setOptimisticInsert(true);
   UnitOutput output(options.outputDirectory, options.nameOf(unit), options.keepPreprocessed);
-  const std::unique_ptr<dm::CompilationData> data =
-      dm::CompilationData::newInstance(output.compilation(), output.preprocessing());
-  FactSink sink(*data);
-  std::vector<std::string> arguments = unit.flags;
-  arguments.push_back(unit.source);
-  std::string text;
+  std::unique_ptr<dm::CompilationData> data;
   UnitInputs inputs;
-  const ParseResult result = parseAndRecord(arguments, options.parse, sink, inputs, text);
-  if (result == ParseResult::failed) {
-    std::fprintf(stderr, "fe_db_record: %s: does not parse; nothing of it is recorded\n",
-                 unit.sourcePath().c_str());
+  ParseOptions parseOptions = options.parse;
+  const auto parse = [&] {
+    data = dm::CompilationData::newInstance(output.compilation(), output.preprocessing());
+    FactSink sink(*data);
+    return parseAndRecord(unit, parseOptions, sink, inputs);
+  };
+  ParseResult result = parse();
+  if (!result.ownNames.empty()) {
+    for (const std::string& name : result.ownNames) {
+      parseOptions.extraArguments.push_back("-fno-builtin-" + name);
+    }
+    result = parse();
+  }
+  if (result.outcome == ParseOutcome::failed) {
+    reportFailed(unit, result);
     output.begin();
     output.removePublished();
     return false;
@@ -74,9 +87,9 @@ bool recordUnit(const Unit& unit, const RecordOptions& options) {
   try {
     output.begin();
     save(*data, output);
-    if (options.keepPreprocessed) output.write(".i", text);
+    if (options.keepPreprocessed) output.write(".i", result.preprocessedText);
     // Without a manifest a unit with errors is never taken for one that need not be recorded.
-    if (result == ParseResult::whole) {
+    if (result.outcome == ParseOutcome::whole) {
       const std::size_t facts = countRows(output.compilation());
       const std::string manifest = manifestText(unit, options, facts, inputs);
       if (!manifest.empty()) output.write(".manifest", manifest);
@@ -86,7 +99,7 @@ bool recordUnit(const Unit& unit, const RecordOptions& options) {
     std::fprintf(stderr, "fe_db_record: %s\n", error.what());
     return false;
   }
-  if (result == ParseResult::whole) return true;
+  if (result.outcome == ParseOutcome::whole) return true;
   std::fprintf(stderr, "fe_db_record: %s: has errors; what could be recorded is saved\n",
                unit.sourcePath().c_str());
   return false;

@@ -14,8 +14,9 @@
 #include <map>
 #include <stdexcept>
 
+#include "compiler_answer.h"
 #include "manifest.h"
-#include "progress_bar.h"
+#include "run_progress.h"
 #include "unit_output.h"
 
 namespace fe_db_tools {
@@ -38,11 +39,45 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
   if (!options.parse.resourceDirectory.empty()) {
     arguments.push_back("--resource-dir=" + options.parse.resourceDirectory);
   }
+  for (const std::string& word : options.parse.extraArguments) {
+    arguments.push_back("--extra-arg=" + word);
+  }
+  for (const std::string& glob : options.parse.removedArguments) {
+    arguments.push_back("--remove-arg=" + glob);
+  }
+  arguments.push_back("--compiler-answer=" + (unit.answer ? unit.answer->text() : ""));
   arguments.push_back("--");
   const CompileCommand command = unit.command();
   arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
   return arguments;
 }
+
+/// Blocks SIGCHLD so that it can be waited for. A caller that ignores it would lose exit codes.
+class ChildSignal {
+ public:
+  ChildSignal() {
+    std::signal(SIGCHLD, SIG_DFL);
+    sigemptyset(&children);
+    sigaddset(&children, SIGCHLD);
+    sigprocmask(SIG_BLOCK, &children, &before);
+  }
+  ~ChildSignal() { restore(); }
+  ChildSignal(const ChildSignal&) = delete;
+  ChildSignal& operator=(const ChildSignal&) = delete;
+
+  void restore() const { sigprocmask(SIG_SETMASK, &before, nullptr); }
+  void wait(std::chrono::nanoseconds most) const {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(most);
+    const struct timespec time {
+      static_cast<time_t>(seconds.count()), static_cast<long>((most - seconds).count())
+    };
+    sigtimedwait(&children, nullptr, &time);
+  }
+
+ private:
+  sigset_t children;
+  sigset_t before;
+};
 
 /// In the new process; does not come back.
 [[noreturn]] void becomeUnit(const Unit& unit, const std::vector<std::string>& arguments,
@@ -84,7 +119,7 @@ std::string lineWith(const std::string& text, std::size_t at) {
   return text.substr(start, text.find('\n', at) - start);
 }
 
-/// This program's own last line, which says what became of the unit, and the first error.
+/// This program's own last line, which reports the result, and the first error.
 std::string verdictOf(const std::string& text) {
   const std::size_t verdict = text.rfind("fe_db_record: ");
   if (verdict == std::string::npos) return {};
@@ -99,13 +134,13 @@ class Runner {
       : options(options),
         verbosity(messages),
         changed(changedOf(all)),
-        bar(messages == Messages::all ? changed.size() : 0),
+        progress(messages == Messages::all ? changed.size() : 0),
         started(Clock::now()) {
     summary.reused = all.size() - changed.size();
   }
 
   RunSummary run(std::size_t jobs) {
-    bar.show(0, note());
+    progress.show(0, note());
     for (std::size_t next = 0; next < changed.size() || !children.empty();) {
       if (next < changed.size() && children.size() < jobs) {
         start(*changed[next++]);
@@ -141,35 +176,52 @@ class Runner {
     const std::vector<std::string> arguments = childArguments(unit, options);
     const int messages = memfd_create("fe_db_record", MFD_CLOEXEC);
     const pid_t process = messages < 0 ? -1 : fork();
-    if (process == 0) becomeUnit(unit, arguments, options.timeout, messages);
+    if (process == 0) {
+      childSignal.restore();
+      becomeUnit(unit, arguments, options.timeout, messages);
+    }
     if (process < 0) {
-      bar.clear();
-      std::fprintf(stderr, "fe_db_record: %s: no process for it: %s\n", unit.sourcePath().c_str(),
-                   std::strerror(errno));
+      const std::string text = "fe_db_record: " + unit.sourcePath() +
+                               ": no process for it: " + std::strerror(errno) + '\n';
       if (messages >= 0) close(messages);
-      ++summary.failed;
-      return;
+      return report(unit, /*isRecorded=*/false, text);
     }
     children[process] = {&unit, messages};
   }
 
+  /// Shows how far the run is while it waits.
+  pid_t waitForChild(int& status) {
+    for (;;) {
+      const pid_t process = waitpid(-1, &status, WNOHANG);
+      if (process != 0) return process;
+      childSignal.wait(progress.untilNext());
+      progress.show(summary.recorded + summary.failed, note());
+    }
+  }
+
   void finishOne() {
     int status = 0;
-    const pid_t process = wait(&status);
-    const auto child = children.find(process);
+    const auto child = children.find(waitForChild(status));
     if (child == children.end()) return;
-    const bool isRecorded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    ++(isRecorded ? summary.recorded : summary.failed);
     const Unit& unit = *child->second.unit;
     std::string text = readAll(child->second.messages);
     children.erase(child);
-    const UnitOutput output(options.outputDirectory, options.nameOf(unit), false);
-    if (isRecorded) summary.facts += factsOf(output.manifest());
     if (WIFSIGNALED(status)) text += killed(unit, WTERMSIG(status));
-    if (verbosity == Messages::oneLine) text = verdictOf(text);
-    bar.clear();
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    bar.show(summary.recorded + summary.failed, note());
+    const bool isRecorded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    if (isRecorded) {
+      const UnitOutput output(options.outputDirectory, options.nameOf(unit), false);
+      summary.facts += factsOf(output.manifest());
+    }
+    report(unit, isRecorded, text);
+  }
+
+  void report(const Unit& unit, bool isRecorded, const std::string& text) {
+    ++(isRecorded ? summary.recorded : summary.failed);
+    if (!isRecorded) summary.causes.add(unit.sourcePath(), text);
+    const std::string shown = verbosity == Messages::oneLine ? verdictOf(text) : text;
+    progress.clear();
+    std::fwrite(shown.data(), 1, shown.size(), stderr);
+    progress.show(summary.recorded + summary.failed, note());
   }
 
   std::string killed(const Unit& unit, int signal) const {
@@ -178,7 +230,7 @@ class Runner {
       output.begin();  // what the process has left goes with this object
       output.removePublished();
     } catch (const std::runtime_error&) {
-      // The next run of the unit clears away as well.
+      // The next run of the unit removes them as well.
     }
     const std::string start = "fe_db_record: " + unit.sourcePath() + ": ";
     if (signal == SIGALRM && options.timeout != 0) {
@@ -192,7 +244,8 @@ class Runner {
   const RecordOptions& options;
   Messages verbosity;
   std::vector<const Unit*> changed;
-  ProgressBar bar;
+  RunProgress progress;
+  ChildSignal childSignal;
   Clock::time_point started;
   std::map<pid_t, Child> children;
   RunSummary summary;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "failure_causes.h"
 #include "unit.h"
 #include "unit_recorder.h"
 
@@ -13,6 +14,7 @@ struct RunSummary {
   std::size_t failed = 0;
   std::size_t reused = 0;  ///< unchanged since they were recorded
   std::size_t facts = 0;   ///< in the files of those recorded
+  FailureCauses causes;    ///< of the failures
 };
 
 enum class Messages { all, oneLine };
@@ -20,7 +22,8 @@ enum class Messages { all, oneLine };
 /// Records each unit that has changed in a process of its own, a fresh run of this program: saving
 /// is one unit per process, and a compiler that crashes takes only its own source along. At most
 /// `jobs` at a time. What a process prints on standard error is passed on in one piece when it
-/// ends, or only the line that says what became of the unit; then there is no progress bar either.
+/// ends, or only the line about the result; then there is no progress report
+/// either.
 RunSummary runUnits(const std::vector<Unit>& units, const RecordOptions& options, std::size_t jobs,
                     Messages messages = Messages::all);
 

@@ -310,7 +310,7 @@ class Play {
     library.data = CompilationData::newInstance(compPath, ppPath);
     for (const bool isCompilation : {false, true}) {
       EXPECT_TRUE(database(isCompilation).quick_connect(/*readOnly=*/false));
-      database(isCompilation).execute("PRAGMA synchronous=OFF");
+      EXPECT_TRUE(database(isCompilation).execute("PRAGMA synchronous=OFF"));
     }
     EXPECT_TRUE(library.data->getPpDb().addTables());
     if (one(2)) setDbLink();

@@ -142,15 +142,14 @@ struct KeyIndexPlans : QuietTest {
 TEST_F(KeyIndexPlans, KeyLookup_UsesAllColumnsOfItsIndexByEquality) {
   const RawConnection indexed(path("indexed.db"));
   const auto selects = tableSelects();
-  for (const fe_db_tools::SearchIndex& index : fe_db_tools::kKeyIndexes) {
-    const auto select = selects.find(std::string(index.table) + " get_id");
+  for (const fe_db_tools::SearchIndex& index : fe_db_tools::keyIndexes()) {
+    const auto select = selects.find(index.table + " get_id");
     ASSERT_NE(select, selects.end()) << index.table;
-    const std::string terms =
-        indexed.rows("SELECT group_concat(name || '=?', ' AND ') FROM pragma_index_info('" +
-                     std::string(index.name) + "')");
+    const std::string terms = indexed.rows(
+        "SELECT group_concat(name || '=?', ' AND ') FROM pragma_index_info('" + index.name + "')");
     EXPECT_THAT(planOf(indexed, select->second),
-                HasSubstr("SEARCH " + std::string(index.table) + " USING INDEX " + index.name +
-                          " (" + terms.substr(0, terms.size() - 1) + ")\n"));
+                HasSubstr("SEARCH " + index.table + " USING INDEX " + index.name + " (" +
+                          terms.substr(0, terms.size() - 1) + ")\n"));
   }
 }
 

@@ -19,15 +19,16 @@ mergerImpl::mergerImpl(std::string_view path) {
 }
 
 CompilationDatabase& mergerImpl::openDB() {
-  database->quick_connect(/*readOnly=*/false);
+  (void)database->quick_connect(/*readOnly=*/false);  // the caller asks isConnected()
   return *database;
 }
 
 void mergerImpl::closeDB() { database->disconnect(); }
 
-void mergerImpl::beginTransaction() { isWithoutLock = !database->beginTransaction(); }
+void mergerImpl::beginTransaction() { lockFailed = !database->beginTransaction(); }
 
-void mergerImpl::commitTransaction() { database->commitTransaction(); }
+/// Who wants the answer commits through the database that openDB() gives.
+void mergerImpl::commitTransaction() { (void)database->commitTransaction(); }
 
 /// The tables are emptied before they are written, so whatever is not in memory by then is lost.
 /// Says once why not, and fails the transaction that the caller may have begun.
@@ -35,20 +36,20 @@ bool mergerImpl::mayRewrite(const char* operation) {
   const char* reason = nullptr;
   if (!database->isConnected()) {
     reason = "the database is not connected";
-  } else if (database->hasFailed() || isHalfDone) {
+  } else if (database->hasFailed() || isIncomplete) {
     reason = "rows of it or of a source could not be read";
   } else if (!database->leftOutRows().empty()) {
     reason = "it has rows that cannot be merged and would be lost";
-  } else if (isSpent) {
+  } else if (isConsumed) {
     reason = "it was merged into another one";
-  } else if (isWithoutLock) {
+  } else if (lockFailed) {
     reason = "its transaction could not be begun";
   }
   if (reason == nullptr) return true;
-  if (!isRefusalTold) {
+  if (!refusalReported) {
     reportMessage("%s: %s: not done: %s", database->getPath().c_str(), operation, reason);
   }
-  isRefusalTold = true;
+  refusalReported = true;
   database->failTransaction();
   return false;
 }

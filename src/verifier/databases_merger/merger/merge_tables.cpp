@@ -1,6 +1,6 @@
-#include "fe_database/compilation_data/elements_of.h"
+#include "fe_database/compilation_data/element_store.h"
 #include "fe_database/compilation_database/columns.h"
-#include "merger/expected_element.h"
+#include "merger/lookup_predictor.h"
 #include "merger/merger_impl.h"
 #include "merger/translation.h"
 #include "persistence/sqlite_report.h"
@@ -87,32 +87,32 @@ void mergerImpl::mergeCompilationTables(mergerImpl& other) {
     persistence::reportMessage("%s: a merger cannot be merged into itself", path);
     return;
   }
-  if (other.isSpent) {
+  if (other.isConsumed) {
     persistence::reportMessage("%s: already merged into a target; reload it first", path);
     return;
   }
-  if (other.database->hasFailed() || other.isHalfDone) {
+  if (other.database->hasFailed() || other.isIncomplete) {
     persistence::reportMessage("%s: not merged: it could not be read to its end", path);
     const persistence::Failure& failure = other.database->lastFailure();
     database->noteFailedRead(failure.table, std::string(path) + ": " + failure.reason);
     return;
   }
-  other.isSpent = true;
-  isHalfDone = true;
-  Translation inTarget(*other.dataset->arrivals);
+  other.isConsumed = true;
+  isIncomplete = true;
+  Translation inTarget(*other.dataset->insertionOrder);
   MergedElements::each([&]<class T>() { foldTable<T>(other, inTarget); });
-  isHalfDone = false;
+  isIncomplete = false;
 }
 
 template <class T>
 void mergerImpl::foldTable(mergerImpl& other, Translation& inTarget) {
-  ExpectedElement<T> expected(dataset->arrivals->of<T>());
+  LookupPredictor<T> predictor(dataset->insertionOrder->of<T>());
   other.dataset->eachElement<T>([&](const T& source) {
     if constexpr (requires { source.getIdentifier(); }) {
       countForName<T>(inTarget(source.getIdentifier()));
     }
     T* known =
-        withKeyInTarget(source, inTarget, [&](const auto& key) { return find<T>(key, expected); });
+        withKeyInTarget(source, inTarget, [&](const auto& key) { return find<T>(key, predictor); });
     if (known != nullptr) {
       addCopy(*known, source);
     } else {
@@ -124,12 +124,12 @@ void mergerImpl::foldTable(mergerImpl& other, Translation& inTarget) {
 
 /// The element of the target with the key, or null.
 template <class T, class Key>
-T* mergerImpl::find(const Key& key, ExpectedElement<T>& expected) {
+T* mergerImpl::find(const Key& key, LookupPredictor<T>& predictor) {
   const auto& elements = dataset->elementsOf<T>();
-  T* known = expected.find([&](const T& element) { return hasKey(elements, element, key); });
+  T* known = predictor.find([&](const T& element) { return hasKey(elements, element, key); });
   if (known == nullptr) {
     known = findElement(elements, key);
-    if (known != nullptr) expected.foundElsewhere(*known);
+    if (known != nullptr) predictor.foundElsewhere(*known);
   }
   return known;
 }

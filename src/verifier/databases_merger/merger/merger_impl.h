@@ -9,7 +9,7 @@
 namespace orvalesca::databases_merger {
 
 template <class T>
-class ExpectedElement;
+class LookupPredictor;
 class Translation;
 
 /// What a merger reads, folds and writes, each table after those that it refers to.
@@ -17,8 +17,8 @@ using MergedElements = TypeList<File, Identifier, Function, CallPoint, EnumConst
                                 Label, Macro, TypeReference, Variable, ExternalIdentifier>;
 
 /// The private side of CompilationDataMerger. Its four topics stand in a file each: the connection
-/// and what may be rewritten (lifecycle.cpp), rows to elements (load.cpp), elements of a source to
-/// elements of the target (merge_tables.cpp), elements to rows (write.cpp).
+/// and what may be rewritten (lifecycle.cpp), rows to elements (load_rows.cpp), elements of a
+/// source to elements of the target (merge_tables.cpp), elements to rows (write_rows.cpp).
 class mergerImpl {
  public:
   explicit mergerImpl(std::string_view path);
@@ -45,17 +45,17 @@ class mergerImpl {
   template <class T>
   T* insertRow(T& row);
   template <class T, class Key>
-  T* find(const Key& key, ExpectedElement<T>& expected);
+  T* find(const Key& key, LookupPredictor<T>& predictor);
   template <class T>
   T& addFrom(const T& source, const Translation& inTarget);
 
   std::unique_ptr<CompilationData> dataset;
   CompilationDatabase* database;  ///< owned by the dataset
   bool debug = false;
-  bool isSpent = false;        ///< it was folded into a target
-  bool isHalfDone = false;     ///< a load or a fold is under way, or has ended with an exception
-  bool isWithoutLock = false;  ///< the latest begin failed: others may write the file
-  bool isRefusalTold = false;
+  bool isConsumed = false;    ///< it was folded into a target
+  bool isIncomplete = false;  ///< a load or a fold is under way, or has ended with an exception
+  bool lockFailed = false;    ///< the latest begin failed: others may write the file
+  bool refusalReported = false;
 };
 
 }  // namespace orvalesca::databases_merger

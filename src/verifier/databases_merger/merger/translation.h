@@ -3,7 +3,7 @@
 #include <tuple>
 #include <vector>
 
-#include "fe_database/compilation_data/arrivals.h"
+#include "fe_database/compilation_data/insertion_order.h"
 
 namespace orvalesca::databases_merger {
 
@@ -15,7 +15,7 @@ using ReferredElements = TypeList<File, Identifier, Function, Type, Variable>;
 /// for each would make a merge half as fast.
 class Translation {
  public:
-  explicit Translation(Arrivals& source) {
+  explicit Translation(InsertionOrder& source) {
     ReferredElements::each([&]<class T>() { of<T>().resize(source.of<T>().size()); });
   }
 

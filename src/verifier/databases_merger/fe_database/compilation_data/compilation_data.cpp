@@ -1,7 +1,7 @@
 #include "fe_db/compilation_data.h"
 
-#include "fe_database/compilation_data/elements_of.h"
-#include "fe_database/compilation_data/saved_rows.h"
+#include "fe_database/compilation_data/element_store.h"
+#include "fe_database/compilation_data/last_save.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_database.h"
 
@@ -14,7 +14,7 @@ std::unique_ptr<CompilationData> CompilationData::compilationDataset;
 CompilationData::CompilationData(std::string_view compilationPath,
                                  std::string_view preprocessingPath)
     : macroCursor(macros.cend()),
-      arrivals(std::make_unique<Arrivals>()),
+      insertionOrder(std::make_unique<InsertionOrder>()),
       macroGroups(std::make_unique<MacroGroups>()) {
   if (!compilationPath.empty()) {
     compDb.reset(new CompilationDatabase(compilationPath, this));
@@ -31,7 +31,7 @@ CompilationData::~CompilationData() {
 }
 
 void CompilationData::clear() {
-  arrivals->clear();
+  insertionOrder->clear();
   files.clear();
   macros.clear();
   macroGroups->clear();

@@ -1,8 +1,8 @@
-#include "fe_database/compilation_data/elements_of.h"
+#include "fe_database/compilation_data/element_store.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 
-/// The emplace operations: is this a first sight or a second one, and what does a second one do?
+/// The emplace operations: is this occurrence the first or a repeat, and what does a repeat do?
 namespace orvalesca::databases_merger {
 
 namespace {
@@ -68,8 +68,8 @@ Function* CompilationData::emplaceFunction(Identifier* identifier, Identifier* s
 
 /// `ofName` is any macro of the name that is there already, or null.
 Macro& CompilationData::insertMacro(const Macro& macro, Macro* ofName) {
-  arrivals->makeRoom<Macro>();
-  Macro& inserted = arrivals->note(mutableElement(*macros.insert(macro)));
+  insertionOrder->makeRoom<Macro>();
+  Macro& inserted = insertionOrder->note(mutableElement(*macros.insert(macro)));
   if (ofName != nullptr) macroGroups->join(*ofName, inserted);
   return inserted;
 }

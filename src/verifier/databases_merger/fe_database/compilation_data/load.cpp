@@ -1,6 +1,6 @@
 #include "fe_database/compilation_data/load_table.h"
 #include "fe_database/compilation_database/rollback_guard.h"
-#include "fe_database/compilation_database/stored_rows.h"
+#include "fe_database/compilation_database/row_validity.h"
 #include "fe_db/compilation_database.h"
 #include "persistence/sqlite_report.h"
 

@@ -2,14 +2,14 @@
 
 #include <functional>
 
-#include "fe_database/compilation_database/stored_rows.h"
+#include "fe_database/compilation_database/row_validity.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
 
 namespace orvalesca::databases_merger {
 
-/// Reads a whole table, once per process: each row is a sighting, and leaves its id on its element.
-/// An empty filter takes every row.
+/// Reads a whole table, once per process: each row is an occurrence, and leaves its id on its
+/// element. An empty filter takes every row.
 template <class T>
 void CompilationData::loadTable(FrontendDatabase& db, const std::function<bool(T&)>& filter) {
   if (T::isLoaded) return;
@@ -32,7 +32,7 @@ void CompilationData::loadTable(FrontendDatabase& db, const std::function<bool(T
       db.enterInIdCache(id, element);
     }
   }
-  leftOut.report<T>(db, "left out, as what they refer to is missing");
+  leftOut.report<T>(db, "skipped: what they refer to is missing");
   T::isLoaded = true;
 }
 

@@ -1,5 +1,5 @@
-#include "fe_database/compilation_data/arrivals.h"
-#include "fe_database/compilation_data/containers.h"
+#include "fe_database/compilation_data/element_lookup.h"
+#include "fe_database/compilation_data/insertion_order.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 #include "persistence/debug.h"
@@ -94,7 +94,7 @@ const Macro* CompilationData::listTranslationUnitMacro(bool& first) {
 }
 
 void CompilationData::eachMacro(std::function<void(const Macro&)> callback) const {
-  MacroGroups::each(arrivals->of<Macro>(), callback);
+  MacroGroups::each(insertionOrder->of<Macro>(), callback);
 }
 
 void CompilationData::eachMacroExpansion(

@@ -1,6 +1,6 @@
-#include "fe_database/compilation_data/elements_of.h"
+#include "fe_database/compilation_data/element_store.h"
+#include "fe_database/compilation_data/last_save.h"
 #include "fe_database/compilation_data/load_table.h"
-#include "fe_database/compilation_data/saved_rows.h"
 #include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
@@ -15,7 +15,7 @@ namespace {
 
 /// What a compilation database gets, in the order that makes referred rows first.
 using PropagatedElements = TypeList<File, Identifier, Macro>;
-using SavedElements = ArrivingElements;
+using SavedElements = OrderedElements;
 
 }  // namespace
 
@@ -83,7 +83,7 @@ bool CompilationData::saveToCompDB() {
   const FlagsBefore flags;
   const unsigned long long rowsReadBefore = db->countRowsRead();
   hasSaveToCompDbFailed = true;  // until the commit; an exception leaves it so
-  auto saved = std::make_unique<SavedRows>();
+  auto saved = std::make_unique<LastSave>();
   if (!saveCompilationTables(*db, *saved)) {
     // What was read has joined the counts in memory, and a second try would add it once more.
     hasSaveToCompDbFailed = db->countRowsRead() != rowsReadBefore;
@@ -91,7 +91,7 @@ bool CompilationData::saveToCompDB() {
     return false;
   }
   ids.keep();
-  savedRows = std::move(saved);
+  lastSave = std::move(saved);
   hasSaveToCompDbFailed = false;
   return true;
 }
@@ -106,9 +106,9 @@ bool CompilationData::isRefusedAfterFailure(const FrontendDatabase& db) const {
   return hasSaveToCompDbFailed;
 }
 
-bool CompilationData::saveCompilationTables(FrontendDatabase& db, SavedRows& saved) {
+bool CompilationData::saveCompilationTables(FrontendDatabase& db, LastSave& saved) {
   const unsigned long failedReadsBefore = db.countFailedReads();
-  if (savedRows == nullptr) {
+  if (lastSave == nullptr) {
     foldStoredRows();
   } else {
     foldUnknownRows();
@@ -138,9 +138,9 @@ void CompilationData::failTransactionAfterFailedRead(FrontendDatabase& db,
 /// A row that this dataset has written or folded before is written again only if its element has
 /// counted something since.
 template <class T>
-void CompilationData::saveTableAndRemember(FrontendDatabase& db, SavedRows& saved) {
+void CompilationData::saveTableAndRemember(FrontendDatabase& db, LastSave& saved) {
   eachElement<T>([&](T& element) {
-    const RowState state = savedRows == nullptr ? RowState::unknown : savedRows->stateOf(element);
+    const RowState state = lastSave == nullptr ? RowState::unknown : lastSave->stateOf(element);
     // The count of a stored function is not loaded. It joins the element's own when a look-up
     // finds the row, or the row gets the element's.
     const bool isWhole = state != RowState::unknown || element.getId() == 0 || element.dirty;
@@ -175,7 +175,7 @@ void CompilationData::foldStoredRows() {
 /// it has read or written itself. Only the others are merged.
 void CompilationData::foldUnknownRows() {
   FrontendDatabase& db = *compDb;
-  SavedElements::each([this, &db]<class T>() { savedRows->restore<T>(db); });
+  SavedElements::each([this, &db]<class T>() { lastSave->restore<T>(db); });
   const auto fold = [this, &db]<class T>() {
     T::isLoaded = false;
     loadTable<T>(db, [&db](T& row) { return !db.isInIdCache<T>(row.getId()); });

@@ -81,7 +81,7 @@ struct ColumnValue<std::optional<std::int64_t>> {
 };
 
 /// A reference is the row id of the element: NULL for none, 0 for one that has no row yet. Reading
-/// it puts the referred element into the dataset: the one road from rows back up to the dataset.
+/// it puts the referred element into the dataset: the one call from rows back up to the dataset.
 template <class E>
 struct ColumnValue<E*> {
   static int bind(sqlite3_stmt* statement, int index, const E* value) {

@@ -8,7 +8,7 @@
 #include "fe_database/compilation_database/describe_table.h"
 #include "fe_database/compilation_database/named_queries.h"
 #include "fe_database/compilation_database/rollback_guard.h"
-#include "fe_database/compilation_database/stored_rows.h"
+#include "fe_database/compilation_database/row_validity.h"
 #include "fe_database/compilation_database/tables.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
@@ -326,7 +326,7 @@ bool FrontendDatabase::readRow(T& element) {
   if (hasRow) {
     statement.column(*this, connection, element);
   } else if (kind != DatabaseKind::Merge || statement.result() != SQLITE_DONE) {
-    // A merge tells once per table how many references lead nowhere.
+    // A merge reports once per table how many references are dangling.
     reportRead(statement, SQLITE_ROW);
   }
   statement.reset(connection);
@@ -362,7 +362,7 @@ T* FrontendDatabase::getFound(long long id) {
 }
 
 /// An id that a search has found but that has no row, as the index of a damaged file can have one,
-/// makes no element; in a reference it stands for an empty one.
+/// makes no element; in a reference it becomes an empty one.
 template <class T>
 T* FrontendDatabase::getElement(long long id, bool isFound) {
   if (id == 0) return nullptr;
@@ -385,7 +385,7 @@ T* FrontendDatabase::getElement(long long id, bool isFound) {
   }
   if (!hasRow) idsWithoutRow.insert(id);
   if (!hasRow && kind != DatabaseKind::Merge) readEmptyRow(row);
-  // An empty element stands for an id without a row. A variable cannot be without a file, and a
+  // An id without a row becomes an empty element. A variable cannot be without a file, and a
   // merge would write the empty element as a row of its own.
   const bool isElement = kind == DatabaseKind::Merge ? hasRow && canBeMerged(row)
                          : hasRow ? canBecomeElement(row, leftOutReferences != leftOutBefore)
@@ -418,7 +418,7 @@ long long FrontendDatabase::nextRow(StatementKind statementKind, bool& first, T&
   }
   if (statement.step() == SQLITE_ROW) {
     statement.column(*this, connection, row);
-    // The caller takes id 0 for the end, and so never sees the rows behind this one.
+    // The caller takes id 0 for the end, and so never sees the rows after this one.
     if (row.getId() == 0) noteFailedRead(TableColumns<T>::kName, "a row has the id 0");
     return row.getId();
   }
@@ -447,7 +447,7 @@ long long FrontendDatabase::listALL(bool& first, T& row) {
 template <class T>
 std::size_t FrontendDatabase::guessRowCount() const {
   // Each by itself is one search; together in one SELECT they would read the table. Unsigned: the
-  // ids of a damaged file may lie further apart than a signed number tells.
+  // ids of a damaged file may lie further apart than a signed number holds.
   const auto outermostId = [this](const char* which) -> std::optional<std::uint64_t> {
     sqlite3_stmt* statement = nullptr;
     const std::string sql =

@@ -73,7 +73,7 @@ class IdCache {
     }
   }
 
-  /// In a slot null stands for an id that was never entered, and this for one without an element:
+  /// In a slot null means an id that was never entered, and this for one without an element:
   /// a slot of two words would halve what the processor's cache holds.
   static T* noElement() { return reinterpret_cast<T*>(std::uintptr_t{1}); }
   static std::optional<T*> entered(T* slot) {

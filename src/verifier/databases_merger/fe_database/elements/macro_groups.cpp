@@ -31,7 +31,7 @@ void MacroGroup::append(Macro& macro) {
   macro.group.value = this;
   macro.isIndexed.value = true;
   inserted.push_back(&macro);
-  // Here and not at the next search, so that a second sight allocates nothing.
+  // Here and not at the next search, so that a repeat allocates nothing.
   if (inserted.size() > kLongestWalk) bringIndexUpToDate();
 }
 

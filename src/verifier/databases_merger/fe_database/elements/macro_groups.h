@@ -36,14 +36,14 @@ class MacroGroup {
   }
 
   void append(Macro& macro);
-  /// The first macro of the walk that stands at the position, or is matched by a wildcard.
+  /// The first macro of the walk that is at the position, or is matched by a wildcard.
   Macro* find(const Localization& at);
   /// A member's position or wildcard has changed.
   void forgetPositions() { indexed = 0; }
 
  private:
   /// Longer groups are searched by an index, so that a name defined in thousands of files costs the
-  /// same per sight as any other; shorter ones are walked faster.
+  /// same per occurrence as any other; shorter ones are walked faster.
   static constexpr std::size_t kLongestWalk = 8;
 
   Macro* findByWalk(const Localization& at) const;
@@ -67,12 +67,12 @@ class MacroGroups {
   /// Among the macros of that name, as MacroGroup::find.
   static Macro* find(Macro& known, const Localization& at);
 
-  /// Calls visit(macro) for each macro, names by their first macro's place in `arrivals`, each
-  /// group in its own order.
+  /// Calls visit(macro) for each macro, names by their first macro's place in `insertionOrder`,
+  /// each group in its own order.
   template <class Visit>
-  static void each(const std::vector<Macro*>& arrivals, Visit&& visit) {
-    for (std::size_t i = 0; i < arrivals.size(); ++i) {
-      if (&first(*arrivals[i]) == arrivals[i]) eachOfName(*arrivals[i], visit);
+  static void each(const std::vector<Macro*>& insertionOrder, Visit&& visit) {
+    for (std::size_t i = 0; i < insertionOrder.size(); ++i) {
+      if (&first(*insertionOrder[i]) == insertionOrder[i]) eachOfName(*insertionOrder[i], visit);
     }
   }
 

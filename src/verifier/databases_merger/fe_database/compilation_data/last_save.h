@@ -39,7 +39,7 @@ enum class RowState {
 /// What the last save of a dataset has left in the compilation database. A later save of the same
 /// dataset needs it to know a row whose counts are in memory already from one that somebody else
 /// has written, and an element that has counted something since from one that has not.
-class SavedRows {
+class LastSave {
  public:
   /// `isWhole`: the row holds all that the element has counted. Otherwise its table was folded and
   /// not saved.

@@ -11,7 +11,7 @@
 /// get damaged, and other programs write them too.
 namespace orvalesca::databases_merger {
 
-/// `refersToLeftOut`: a reference of the row leads to a row that could not become an element, and
+/// `refersToLeftOut`: a reference of the row is to a row that could not become an element, and
 /// so reads as null. Where the field has to be set, the row shares that fate.
 template <class T>
 bool canBecomeElement(const T& row, bool refersToLeftOut) {

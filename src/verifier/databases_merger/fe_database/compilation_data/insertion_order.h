@@ -9,7 +9,7 @@
 namespace orvalesca::databases_merger {
 
 /// The classes whose elements are kept in order: all that a compilation database gets.
-using ArrivingElements =
+using OrderedElements =
     decltype(concatenate(TypeList<File, Identifier, Macro>{}, CompilationOnlyElements{}));
 
 /// The elements of a dataset in the order in which they came into it, class by class; the order in
@@ -17,7 +17,7 @@ using ArrivingElements =
 /// so that a walk in this order finds its next element in the processor's cache, where one in the
 /// order of a hash container waits for main memory. It also makes files of the same facts the same,
 /// byte for byte.
-class Arrivals {
+class InsertionOrder {
  public:
   template <class T>
   std::vector<T*>& of() {
@@ -48,7 +48,7 @@ class Arrivals {
   template <class... T>
   using Orders = std::tuple<std::vector<T*>...>;
 
-  ArrivingElements::Apply<Orders> orders;
+  OrderedElements::Apply<Orders> orders;
 };
 
 }  // namespace orvalesca::databases_merger

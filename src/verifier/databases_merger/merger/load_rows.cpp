@@ -1,11 +1,11 @@
-#include "fe_database/compilation_data/elements_of.h"
-#include "fe_database/compilation_database/stored_rows.h"
+#include "fe_database/compilation_data/element_store.h"
+#include "fe_database/compilation_database/row_validity.h"
 #include "merger/merger_impl.h"
 
 namespace orvalesca::databases_merger {
 
-/// The element that a row becomes, as it is: nothing counts it as a sight. Copying the row into the
-/// container costs one hash, where looking for it first and then emplacing costs two.
+/// The element that a row becomes, as it is: nothing counts it as an occurrence. Copying the row
+/// into the container costs one hash, where looking for it first and then emplacing costs two.
 template <class T>
 T* mergerImpl::insertRow(T& row) {
   if constexpr (std::is_same_v<T, EnumConstant> || std::is_same_v<T, Label>) {
@@ -24,7 +24,7 @@ T* mergerImpl::insertRow(T& row) {
 }
 
 /// Nothing accumulates: rows of one key become one element, which keeps the values of the first and
-/// takes the id of the last; every one of their ids leads to it.
+/// takes the id of the last; every one of their ids references it.
 template <class T>
 void mergerImpl::loadTable() {
   T row;
@@ -55,15 +55,15 @@ void mergerImpl::loadTable() {
     element->setId(id);
     database->enterInIdCache(id, element);
   }
-  leftOut.report<T>(*database, "left out, as what they cannot do without is missing");
-  withoutReference.report<T>(*database, "taken without a reference that leads nowhere");
-  nameless.report<T>(*database, "left out, as their name is empty");
+  leftOut.report<T>(*database, "skipped: a required reference or name is missing");
+  withoutReference.report<T>(*database, "kept, with a dangling reference set to NULL");
+  nameless.report<T>(*database, "skipped: their name is empty");
 }
 
 void mergerImpl::loadDataFromDB() {
-  isHalfDone = true;
+  isIncomplete = true;
   MergedElements::each([this]<class T>() { loadTable<T>(); });
-  isHalfDone = false;
+  isIncomplete = false;
 }
 
 }  // namespace orvalesca::databases_merger

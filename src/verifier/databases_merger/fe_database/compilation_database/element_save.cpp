@@ -5,7 +5,7 @@ namespace orvalesca::databases_merger {
 
 /// The ways in which elements are saved; a struct, so that elements can be friends with all of
 /// them.
-struct ElementRows {
+struct ElementSave {
   /// A changed element with a row: the row is written again.
   template <class T>
   static long long rewriteIfDirty(T& element, FrontendDatabase& db) {
@@ -102,37 +102,37 @@ struct ElementRows {
 };
 
 // clang-format off
-long long File::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long Identifier::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long Macro::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long MacroInvocation::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long MacroInvocationCodeOrigin::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long MacroExpansion::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long Type::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long TypeReference::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long Variable::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long Function::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long ExternalIdentifier::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long Field::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long EnumConstant::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long Label::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
-long long CallPoint::saveToDB(FrontendDatabase& db) { return ElementRows::save(*this, db); }
+long long File::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Identifier::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Macro::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long MacroInvocation::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long MacroInvocationCodeOrigin::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long MacroExpansion::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Type::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long TypeReference::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Variable::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Function::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long ExternalIdentifier::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Field::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long EnumConstant::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Label::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long CallPoint::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
 
-void File::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void Identifier::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void Macro::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void MacroInvocation::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void MacroInvocationCodeOrigin::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void MacroExpansion::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void Type::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void TypeReference::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void Variable::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void Function::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void ExternalIdentifier::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void Field::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void EnumConstant::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void Label::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
-void CallPoint::loadFromDB(FrontendDatabase& db) { ElementRows::load(*this, db); }
+void File::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Identifier::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Macro::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void MacroInvocation::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void MacroInvocationCodeOrigin::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void MacroExpansion::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Type::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void TypeReference::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Variable::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Function::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void ExternalIdentifier::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Field::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void EnumConstant::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Label::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void CallPoint::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
 // clang-format on
 
 }  // namespace orvalesca::databases_merger

@@ -3,8 +3,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "fe_database/compilation_data/arrivals.h"
-#include "fe_database/compilation_data/containers.h"
+#include "fe_database/compilation_data/element_lookup.h"
+#include "fe_database/compilation_data/insertion_order.h"
 #include "fe_database/elements/macro_groups.h"
 #include "fe_db/compilation_data.h"
 
@@ -30,12 +30,12 @@ auto& CompilationData::elementsOf() {
   if constexpr (std::is_same_v<T, CallPoint>) return callPoints;
 }
 
-/// A first sight: the key is known not to be there.
+/// A first occurrence: the key is known not to be there.
 template <class T, class... Arguments>
 T& CompilationData::addElement(Arguments&&... arguments) {
-  arrivals->makeRoom<T>();
+  insertionOrder->makeRoom<T>();
   const auto place = elementsOf<T>().emplace(std::forward<Arguments>(arguments)...).first;
-  return arrivals->note(mutableElement(*place));
+  return insertionOrder->note(mutableElement(*place));
 }
 
 /// Room for so many more elements, so that the container does not grow step by step, each time
@@ -44,15 +44,15 @@ template <class T>
 void CompilationData::reserveElements(std::size_t count) {
   auto& elements = elementsOf<T>();
   if constexpr (requires { elements.reserve(count); }) elements.reserve(elements.size() + count);
-  arrivals->of<T>().reserve(elements.size() + count);
+  insertionOrder->of<T>().reserve(elements.size() + count);
 }
 
 /// An element as it is, unless there is one with its key; then that one.
 template <class T>
 T& CompilationData::insertElement(const T& element) {
-  arrivals->makeRoom<T>();
+  insertionOrder->makeRoom<T>();
   const auto [place, isNew] = elementsOf<T>().insert(element);
-  return isNew ? arrivals->note(mutableElement(*place)) : mutableElement(*place);
+  return isNew ? insertionOrder->note(mutableElement(*place)) : mutableElement(*place);
 }
 
 /// Calls visit(element) for each element in the order of arrival; variables come sorted, and all
@@ -60,12 +60,12 @@ T& CompilationData::insertElement(const T& element) {
 template <class T, class Visit>
 void CompilationData::eachElement(Visit&& visit) {
   if constexpr (std::is_same_v<T, Macro>) {
-    MacroGroups::each(arrivals->of<Macro>(), visit);
-  } else if constexpr (std::is_same_v<T, Variable> || !ArrivingElements::has<T>) {
+    MacroGroups::each(insertionOrder->of<Macro>(), visit);
+  } else if constexpr (std::is_same_v<T, Variable> || !OrderedElements::has<T>) {
     for (auto& element : elementsOf<T>()) visit(mutableElement(element));
   } else {
     // Not a range-based for: a visit may read rows, and so bring further elements in.
-    const std::vector<T*>& order = arrivals->of<T>();
+    const std::vector<T*>& order = insertionOrder->of<T>();
     for (std::size_t i = 0; i < order.size(); ++i) visit(*order[i]);
   }
 }

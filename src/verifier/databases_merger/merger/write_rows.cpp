@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "fe_database/compilation_data/elements_of.h"
+#include "fe_database/compilation_data/element_store.h"
 #include "merger/merger_impl.h"
 
 namespace orvalesca::databases_merger {

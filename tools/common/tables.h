@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+/// What the tables of a database file hold, column by column, and what their references lead to.
+/// It follows from the library's list of columns (`tables.cpp`); SQL texts are made of it.
+namespace fe_db_tools {
+
+/// In table order.
+enum class TableId {
+  none,
+  file,
+  identifier,
+  macro,
+  macroInvocation,
+  macroInvocationCodeOrigin,
+  macroExpansion,
+  type,
+  typeReference,
+  variable,
+  function,
+  externalIdentifier,
+  field,
+  enumConstant,
+  label,
+  callPoint,
+};
+
+enum class ColumnKind {
+  number,
+  text,
+  reference,  ///< the id of a row of the table `refersTo`
+  entity,     ///< the id of a variable or of a function, as the column Kind of the row says
+};
+
+/// What a row may hold in place of a value.
+enum class Presence {
+  usual,     ///< a reference may be NULL or 0, anything else is there
+  required,  ///< a reference that always leads to a row
+  optional,  ///< NULL is a value
+};
+
+struct Column {
+  std::string_view name;
+  ColumnKind kind = ColumnKind::number;
+  TableId refersTo = TableId::none;
+  Presence presence = Presence::usual;
+  std::string_view declaredType = {};  ///< in the tables that only a compilation database has
+};
+
+struct Table {
+  TableId id;
+  std::string_view name;
+  std::string_view rowId;           ///< the column that references to this table hold
+  std::span<const Column> columns;  ///< all others, as the file declares them
+  /// By what the library finds a row again, and what a reference to this table prints.
+  std::span<const std::string_view> key;
+  std::span<const std::string_view> indexed;  ///< the columns of the index for it, if it has one
+  bool onlyInCompilation;
+};
+
+extern const std::span<const Table> kTables;
+
+inline const Table& tableOf(TableId id) { return kTables[static_cast<std::size_t>(id) - 1]; }
+
+constexpr const Column& columnOf(const Table& table, std::string_view name) {
+  for (const Column& column : table.columns) {
+    if (column.name == name) return column;
+  }
+  throw "a key names a column that the table lacks";
+}
+
+}  // namespace fe_db_tools
