@@ -1,4 +1,3 @@
-#include <memory>
 
 #include "canonical_rows.h"
 #include "output.h"
@@ -6,13 +5,6 @@
 
 namespace fe_db_tools {
 namespace {
-
-struct DiffOptions {
-  std::string left;
-  std::string right;
-  std::string table;
-  int waitSeconds = kDefaultWaitSeconds;
-};
 
 void printDifference(char side, std::string_view line) {
   print({&side, 1});
@@ -39,6 +31,8 @@ bool tablesDiffer(const ReadOnlyFile& leftFile, const ReadOnlyFile& rightFile, c
   return differ;
 }
 
+}  // namespace
+
 int diff(const DiffOptions& options) {
   const ReadOnlyFile left(options.left, options.waitSeconds);
   const ReadOnlyFile right(options.right, options.waitSeconds);
@@ -53,25 +47,6 @@ int diff(const DiffOptions& options) {
     }
   }
   return differ ? kFailed : kDone;
-}
-
-}  // namespace
-
-void addDiff(CLI::App& program, Action& action) {
-  auto options = std::make_shared<DiffOptions>();
-  CLI::App* command =
-      program.add_subcommand("diff", "Compare the content of two files, ignoring row ids");
-  command->footer(
-      "Prints the rows that only A has with '-' and those that only B has with '+', in the format\n"
-      "of `fe_db dump`. Exits with 1 if there are any.");
-  command->add_option("A", options->left, "The first database file")->required();
-  command->add_option("B", options->right, "The second database file")->required();
-  addTableOption(*command, options->table);
-  addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] {
-    action =
-        namingFiles(options->left + " and " + options->right, [options] { return diff(*options); });
-  });
 }
 
 }  // namespace fe_db_tools

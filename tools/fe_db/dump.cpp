@@ -1,4 +1,3 @@
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "canonical_rows.h"
@@ -7,13 +6,6 @@
 
 namespace fe_db_tools {
 namespace {
-
-struct DumpOptions {
-  std::string file;
-  std::string table;
-  bool json = false;
-  int waitSeconds = kDefaultWaitSeconds;
-};
 
 /// A value as in a line. Numbers, zero references and NULL are themselves in JSON.
 void appendJsonValue(std::string& out, ColumnKind kind, std::string_view value) {
@@ -57,6 +49,8 @@ void dumpTable(const ReadOnlyFile& file, const Table& table, bool json) {
   }
 }
 
+}  // namespace
+
 int dump(const DumpOptions& options) {
   const ReadOnlyFile file(options.file, options.waitSeconds);
   for (const Table& table : kTables) {
@@ -66,29 +60,6 @@ int dump(const DumpOptions& options) {
     }
   }
   return kDone;
-}
-
-}  // namespace
-
-void addDump(CLI::App& program, Action& action) {
-  auto options = std::make_shared<DumpOptions>();
-  CLI::App* command = program.add_subcommand(
-      "dump", "Print the content without row ids; equal content gives equal output");
-  command->footer(
-      "Prints one row per line: the table, then name=value, separated by tabs, sorted by bytes. A\n"
-      "reference is printed as the key of the row that it references (path:line:column:name), a\n"
-      "dangling one as !id. Control characters, bidirectional controls, line separators,\n"
-      "backslashes and bytes that are not UTF-8 are printed as \\xNN, and so is a ':' within a\n"
-      "part of a key, or the first byte of an ambiguous text. `!integer 5` is a value whose type\n"
-      "is not that of its column.");
-  command->add_option("FILE", options->file, "The database file")->required();
-  addTableOption(*command, options->table);
-  command->add_flag("--json", options->json,
-                    "One JSON object per line; texts and keys are escaped as without --json");
-  addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] {
-    action = namingFiles(options->file, [options] { return dump(*options); });
-  });
 }
 
 }  // namespace fe_db_tools

@@ -1,27 +1,16 @@
 #include <algorithm>
-#include <limits>
-#include <memory>
 
 #include "fe_db/compilation_database.h"
 #include "find_questions.h"
 #include "merge_input.h"
 #include "output.h"
-#include "record_kinds.h"
 #include "subcommands.h"
 
 namespace fe_db_tools {
 namespace {
 
-struct FindOptions {
-  std::string file;
-  std::string question;
-  FindFilter filter;
-  std::optional<std::size_t> limit;
-  bool count = false;
-  bool json = false;
-  bool sarif = false;
-  int waitSeconds = kDefaultWaitSeconds;
-};
+constexpr std::string_view kOptionsOfSome =
+    "--name --min-length --ref-count --linkage --defined --sarif";
 
 bool has(std::string_view words, const std::string& word) {
   return word.find(' ') == std::string::npos &&
@@ -35,37 +24,42 @@ std::string unknownWord(const Question& question, const std::string& word) {
   return "unknown kind \"" + word + "\" (" + kinds + ')';
 }
 
+[[noreturn]] void refuse(const std::string& why) {
+  throw WrongUsage("find: " + why + "; see fe_db find --help");
+}
+
 /// The question, after checking that it takes all given arguments and options.
-const Question& checkedQuestion(const CLI::App& command, FindOptions& options) {
-  const auto refuse = [&](const std::string& why) {
-    throw CLI::ValidationError("find", options.question + ": " + why);
-  };
+const Question& checkedQuestion(const FindOptions& options) {
   const auto question = std::find_if(findQuestions().begin(), findQuestions().end(),
                                      [&](const Question& q) { return q.text == options.question; });
   if (question == findQuestions().end()) {
-    throw CLI::ValidationError(
-        "find", "unknown question \"" + options.question + "\"; \"fe_db find --help\" lists them");
+    throw WrongUsage("find: unknown question \"" + options.question +
+                     "\"; \"fe_db find --help\" lists them");
   }
-  for (const char* option :
-       {"--name", "--min-length", "--ref-count", "--linkage", "--defined", "--sarif"}) {
-    if (command.count(option) != 0 && !has(question->options, option)) {
-      refuse(std::string("does not take ") + option);
+  const std::string name = options.question + ": ";
+  for (const std::string& option : options.given) {
+    if (has(kOptionsOfSome, option) && !has(question->options, option)) {
+      refuse(name + "does not take " + option);
     }
   }
-  FindFilter& filter = options.filter;
+  const FindFilter& filter = options.filter;
   if (question->words == "NAME") {
-    if (filter.words.size() != 1) refuse("takes exactly one NAME");
-    filter.name = filter.words.front();
+    if (filter.words.size() != 1) refuse(name + "takes exactly one NAME");
   } else {
     for (const std::string& word : filter.words) {
-      if (!has(question->words, word)) refuse(unknownWord(*question, word));
+      if (!has(question->words, word)) refuse(name + unknownWord(*question, word));
     }
   }
-  if (question->text == "long-names" && !filter.minLength) refuse("requires --min-length");
+  if (question->text == "long-names" && !filter.minLength) refuse(name + "requires --min-length");
   return *question;
 }
 
-int find(const FindOptions& options, const Question& question) {
+}  // namespace
+
+int find(const FindOptions& options) {
+  const Question& question = checkedQuestion(options);
+  FindFilter filter = options.filter;
+  if (question.words == "NAME") filter.name = filter.words.front();
   checkMergeInput(options.file, options.waitSeconds);
   const ReadOnlyFile file(options.file, options.waitSeconds);
   dm::CompilationData data(options.file, "");
@@ -74,7 +68,7 @@ int find(const FindOptions& options, const Question& question) {
   if (!db.quick_connect(/*readOnly=*/true)) {
     throw std::runtime_error(options.file + ": cannot be opened");
   }
-  Search search{options.filter, data, file};
+  Search search{filter, data, file};
   question.ask(search);
   if (db.hasFailed()) {
     throw std::runtime_error(options.file + ": cannot be read to its end: " + failureOf(db) +
@@ -95,68 +89,6 @@ int find(const FindOptions& options, const Question& question) {
     options.json ? printJson(findings) : printText(findings);
   }
   return kDone;
-}
-
-constexpr char kHelp[] = R"(QUESTION is a kind of entity:
-  functions variables types macros fields enum-constants labels calls externals
-or one of
-  unused [macros] [types] [tags] [variables] [fields]   unused entities; without a kind, of all five
-  no-effect-calls      calls that discard the result of a function without side effects
-  long-names           entities of all kinds whose names have --min-length N characters or more
-  definition NAME      where a function, variable, type or macro is defined
-  declarations NAME    where else it is declared
-  callers NAME         the calls to a function
-  callees NAME         the calls in a function
-NAME is an identifier or, for functions, the name in the source; for calls, --name matches caller
-or callee. The length is that of the identifier, which for a C++ function is the mangled name.
---min-length and --ref-count exclude unnamed types. "unused" finds: macros defined in a file; types
-without a tag (typedefs); tags, that is struct, union, enum and class types, that are named neither
-with nor without that keyword; variables of which no declaration is used, in any file if external,
-in the same file if internal; fields. fe_db merge does not store reference counts of functions.
-Prints path:line:column: kind name [attributes], with - for no file and \xNN for bytes that are not
-text. Prints nothing if nothing is found; that is not a failure. Files without the indexes of
-fe_db index take longer.)";
-
-}  // namespace
-
-void addFind(CLI::App& program, Action& action) {
-  auto options = std::make_shared<FindOptions>();
-  FindFilter& filter = options->filter;
-  CLI::App* command = program.add_subcommand("find", "Answer a question about the code");
-  command->footer(kHelp);
-  command->add_option("FILE", options->file, "A compilation database")->required();
-  command->add_option("QUESTION", options->question, "What to find; see below")->required();
-  command->add_option("WORD", filter.words, "The argument of the question");
-  command->add_option("--name", filter.name, "Only entities of this name");
-  command->add_option("--min-length", filter.minLength,
-                      "Only names of at least this many characters");
-  command
-      ->add_option("--ref-count", filter.refCount,
-                   "Only entities with exactly this many references")
-      ->check(CLI::Range(0, std::numeric_limits<int>::max()));
-  command
-      ->add_option("--linkage", filter.linkage,
-                   "Only this linkage: none, external, internal or a number")
-      ->transform(CLI::Transformer(std::map<std::string, std::uint32_t>{
-          {"none", kinds::numberOf(kinds::kNoLinkage)},
-          {"external", kinds::numberOf(kinds::kExternalLinkage)},
-          {"internal", kinds::numberOf(kinds::kInternalLinkage)}}));
-  command->add_flag("--defined", filter.defined, "Only definitions; for types, complete ones");
-  command->add_option("--file", filter.fileGlob,
-                      "Only in files whose path matches; * also matches /");
-  command->add_option("--limit", options->limit, "Print at most this many")
-      ->check(CLI::Range(1, std::numeric_limits<int>::max()));
-  auto* count = command->add_flag("--count", options->count, "Print only the number");
-  auto* json = command->add_flag("--json", options->json, "One JSON object per line");
-  auto* sarif = command->add_flag("--sarif", options->sarif,
-                                  "SARIF 2.1.0, for unused, no-effect-calls and long-names");
-  count->excludes(json, sarif);
-  json->excludes(sarif);
-  addWaitOption(*command, options->waitSeconds);
-  command->callback([options, command, &action] {
-    const Question& question = checkedQuestion(*command, *options);
-    action = namingFiles(options->file, [options, &question] { return find(*options, question); });
-  });
 }
 
 }  // namespace fe_db_tools

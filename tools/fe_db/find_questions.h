@@ -1,7 +1,6 @@
 #pragma once
 
 #include <map>
-#include <optional>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -10,19 +9,9 @@
 
 #include "finding.h"
 #include "read_only_file.h"
+#include "subcommands.h"
 
 namespace fe_db_tools {
-
-/// Restricts a search: every given condition has to hold.
-struct FindFilter {
-  std::vector<std::string> words;   ///< kinds of unused entities; none: all
-  std::optional<std::string> name;  ///< the identifier or, of a function, its name in the source
-  std::optional<std::size_t> minLength;
-  std::optional<int> refCount;
-  std::optional<std::uint32_t> linkage;
-  bool defined = false;
-  std::optional<std::string> fileGlob;
-};
 
 /// One search and its results so far: in no order, each element once.
 struct Search {

@@ -1,4 +1,3 @@
-#include <memory>
 #include <set>
 #include <stdexcept>
 
@@ -14,12 +13,6 @@ namespace {
 using orvalesca::databases_merger::CompilationData;
 using orvalesca::databases_merger::CompilationDatabase;
 
-struct IndexOptions {
-  std::string file;
-  bool drop = false;
-  int waitSeconds = kDefaultWaitSeconds;
-};
-
 /// The texts of the file's own indexes: an index of a known name may still be a different one.
 std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
   const ReadOnlyFile file(path, waitSeconds);
@@ -31,6 +24,8 @@ std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
   }
   return known;
 }
+
+}  // namespace
 
 int makeIndexes(const IndexOptions& options) {
   checkWritable(options.file, options.waitSeconds);
@@ -48,24 +43,6 @@ int makeIndexes(const IndexOptions& options) {
     throw std::runtime_error(options.file + ": the file is unchanged: " + failureOf(db));
   }
   return kDone;
-}
-
-}  // namespace
-
-void addIndex(CLI::App& program, Action& action) {
-  auto options = std::make_shared<IndexOptions>();
-  CLI::App* command = program.add_subcommand(
-      "index", "Create the search indexes of a compilation database if they are missing");
-  command->footer(
-      "With the indexes, `fe_db find` and the searches of the library take as long in a large "
-      "file\n"
-      "as in a small one. They do not change any answer. They slow down saving.");
-  command->add_option("FILE", options->file, "The database file")->required();
-  command->add_flag("--drop", options->drop, "Drop the indexes instead");
-  addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] {
-    action = namingFiles(options->file, [options] { return makeIndexes(*options); });
-  });
 }
 
 }  // namespace fe_db_tools

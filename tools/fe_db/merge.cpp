@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdio>
 #include <iomanip>
-#include <memory>
 #include <sstream>
 #include <thread>
 
@@ -20,17 +19,6 @@ namespace fe_db_tools {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-struct MergeOptions {
-  std::string target;
-  std::vector<std::string> sources;
-  std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
-  bool index = true;
-  bool keepGoing = false;
-  bool strict = false;
-  bool debug = false;
-  int waitSeconds = kDefaultWaitSeconds;
-};
 
 struct Folded {
   std::size_t sources = 0;
@@ -96,6 +84,8 @@ void printSummary(const MergeOptions& options, const Folded& folded, const Merge
   print(line.str());
 }
 
+}  // namespace
+
 int merge(const MergeOptions& options) {
   const Clock::time_point start = Clock::now();
   const std::vector<std::string> paths = expandSources(options.sources);
@@ -121,37 +111,6 @@ int merge(const MergeOptions& options) {
     report(options.target + ": " + sourceCount(folded.failed) + " skipped");
   }
   return folded.failed != 0 || (options.strict && !folded.isComplete) ? kFailed : kDone;
-}
-
-}  // namespace
-
-void addMerge(CLI::App& program, Action& action) {
-  auto options = std::make_shared<MergeOptions>();
-  CLI::App* command = program.add_subcommand(
-      "merge", "Merge compilation databases into one that has each fact once");
-  command->footer(
-      "SOURCE is a file, @LISTFILE for a file that lists one path per line, or - for a list on\n"
-      "standard input. Sources are merged in the order given; where two disagree, the first value\n"
-      "is kept, and counts add up. TARGET is created if it does not exist; otherwise its content\n"
-      "comes first, and its triggers do not run. On any failure TARGET either has the result of\n"
-      "the whole merge or is unchanged.");
-  command->add_option("TARGET", options->target, "The file to merge into")->required();
-  command->add_option("SOURCE", options->sources, "The files to merge, or lists of them")
-      ->required();
-  command->add_option("-j,--jobs", options->jobs, "How many sources to read ahead, in parallel")
-      ->check(CLI::Range(1, 1024))
-      ->capture_default_str();
-  command->add_flag("--index,!--no-index", options->index,
-                    "Create the search indexes in the merged file, or omit them (default: create)");
-  command->add_flag("--keep-going", options->keepGoing,
-                    "Skip sources that cannot be read; the exit code is still 1");
-  command->add_flag("--strict", options->strict,
-                    "Exit with 1 if rows or references of a source had to be skipped");
-  command->add_flag("--debug", options->debug, "Print the number of rows of each table");
-  addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] {
-    action = namingFiles(options->target, [options] { return merge(*options); });
-  });
 }
 
 }  // namespace fe_db_tools

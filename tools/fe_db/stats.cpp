@@ -1,7 +1,6 @@
 #include <sys/stat.h>
 
 #include <iomanip>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -12,12 +11,6 @@
 
 namespace fe_db_tools {
 namespace {
-
-struct StatsOptions {
-  std::string file;
-  bool json = false;
-  int waitSeconds = kDefaultWaitSeconds;
-};
 
 struct Stats {
   std::vector<std::pair<std::string, sqlite3_int64>> rowsPerTable;
@@ -69,25 +62,13 @@ void printJson(const Stats& stats, const std::string& file) {
   line(whole);
 }
 
+}  // namespace
+
 int showStats(const StatsOptions& options) {
   const ReadOnlyFile file(options.file, options.waitSeconds);
   const Stats stats = gather(file);
   options.json ? printJson(stats, options.file) : printText(stats);
   return kDone;
-}
-
-}  // namespace
-
-void addStats(CLI::App& program, Action& action) {
-  auto options = std::make_shared<StatsOptions>();
-  CLI::App* command =
-      program.add_subcommand("stats", "Show rows per table, file size and bytes per row");
-  command->add_option("FILE", options->file, "The database file")->required();
-  command->add_flag("--json", options->json, "One JSON object per line");
-  addWaitOption(*command, options->waitSeconds);
-  command->callback([options, &action] {
-    action = namingFiles(options->file, [options] { return showStats(*options); });
-  });
 }
 
 }  // namespace fe_db_tools
