@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -120,7 +121,7 @@ class SHARED_PERSISTENCE_EXPORT Database : boost::noncopyable {
   void close();
   void finalizeForeignStatements();
   bool isFreeToBegin();
-  bool hasPages();
+  std::optional<int> countPages();
   bool takeQueueLock(std::chrono::steady_clock::time_point deadline);
   bool begin(const char* sql);
   void rememberFailure(std::string_view table, std::string_view reason);

@@ -14,6 +14,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+void reportCannotBegin(const std::string& path, sqlite3* connection) {
+  reportMessage("%s: cannot begin a transaction: %s", path.c_str(), sqlite3_errmsg(connection));
+}
+
 }  // namespace
 
 Database::Database(std::string_view path, std::string_view queueName, bool shared)
@@ -153,9 +157,9 @@ bool Database::beginTransaction() {
   waitForWhatIsLeft();  // a writer that is just committing is waited for here already
   // An immediate begin would write the first page of a new file, and with it fix a page size that
   // the schema has yet to ask for.
-  const char* sql = hasPages() ? "BEGIN IMMEDIATE" : "BEGIN";
+  const std::optional<int> pages = countPages();
   waitForWhatIsLeft();
-  const bool begun = begin(sql);
+  const bool begun = pages && begin(*pages == 0 ? "BEGIN" : "BEGIN IMMEDIATE");
   sqlite3_busy_timeout(connection, busyTimeout);
   if (!begun) queueLock->release();
   return begun;
@@ -172,14 +176,18 @@ bool Database::isFreeToBegin() {
   return false;
 }
 
-bool Database::hasPages() {
+/// None if the file cannot be read now. That is reported: a guess would begin the wrong way.
+std::optional<int> Database::countPages() {
   sqlite3_stmt* statement = nullptr;
-  sqlite3_prepare_v2(connection, "PRAGMA page_count", -1, &statement, nullptr);
-  // A file that cannot be read now is left to the begin, which reports.
-  const bool isEmpty =
-      sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_int(statement, 0) == 0;
+  std::optional<int> pages;
+  if (sqlite3_prepare_v2(connection, "PRAGMA page_count", -1, &statement, nullptr) == SQLITE_OK &&
+      sqlite3_step(statement) == SQLITE_ROW) {
+    pages = sqlite3_column_int(statement, 0);
+  } else {
+    reportCannotBegin(path, connection);
+  }
   sqlite3_finalize(statement);
-  return !isEmpty;
+  return pages;
 }
 
 bool Database::takeQueueLock(std::chrono::steady_clock::time_point deadline) {
@@ -195,7 +203,7 @@ bool Database::takeQueueLock(std::chrono::steady_clock::time_point deadline) {
 bool Database::begin(const char* sql) {
   const int rc = sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
   if (rc != SQLITE_OK) {
-    reportMessage("%s: cannot begin a transaction: %s", path.c_str(), sqlite3_errmsg(connection));
+    reportCannotBegin(path, connection);
     return false;
   }
   state->begin();
