@@ -31,13 +31,13 @@ std::string creationOf(const Table& table) {
 }
 
 /// An empty database is built in memory and written out as one piece: nothing but complete files
-/// ever stands in the file system, and no journal beside them.
+/// ever appears in the file system, and no journal beside them.
 class SchemaBuilder {
  public:
   SchemaBuilder() {
-    sqlite3* connection = nullptr;
-    const int rc = sqlite3_open(":memory:", &connection);
-    connection_.reset(connection);
+    sqlite3* opened = nullptr;
+    const int rc = sqlite3_open(":memory:", &opened);
+    connection.reset(opened);
     if (rc != SQLITE_OK) fail();
     run(schema::kPageSize);  // only a database without a page takes it
     run("BEGIN");
@@ -45,8 +45,7 @@ class SchemaBuilder {
   }
 
   void run(const std::string& sql) {
-    if (sqlite3_exec(connection_.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-      fail();
+    if (sqlite3_exec(connection.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) fail();
   }
 
   /// The bytes of the file.
@@ -54,7 +53,7 @@ class SchemaBuilder {
     run("COMMIT");
     sqlite3_int64 size = 0;
     const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> image(
-        sqlite3_serialize(connection_.get(), "main", &size, 0), sqlite3_free);
+        sqlite3_serialize(connection.get(), "main", &size, 0), sqlite3_free);
     if (!image) throw std::bad_alloc();
     return {reinterpret_cast<const char*>(image.get()), static_cast<std::size_t>(size)};
   }
@@ -62,10 +61,10 @@ class SchemaBuilder {
  private:
   [[noreturn]] void fail() const {
     throw std::runtime_error(std::string("cannot build an empty database: ") +
-                             sqlite3_errmsg(connection_.get()));
+                             sqlite3_errmsg(connection.get()));
   }
 
-  std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection_{nullptr, sqlite3_close};
+  std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection{nullptr, sqlite3_close};
 };
 
 }  // namespace

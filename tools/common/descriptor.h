@@ -11,24 +11,24 @@ namespace fe_db_tools {
 class Descriptor {
  public:
   Descriptor() = default;
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  explicit Descriptor(int number) : number(number) {}
+  Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
+    std::swap(number, other.number);
     return *this;
   }
   ~Descriptor() {
-    if (number_ < 0) return;
+    if (number < 0) return;
     const int error = errno;
-    close(number_);
+    close(number);
     errno = error;
   }
 
-  int get() const { return number_; }
-  bool isOpen() const { return number_ >= 0; }
+  int get() const { return number; }
+  bool isOpen() const { return number >= 0; }
 
  private:
-  int number_ = -1;
+  int number = -1;
 };
 
 }  // namespace fe_db_tools

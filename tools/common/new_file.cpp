@@ -38,17 +38,17 @@ void renameToFreeName(const std::string& from, const std::string& to) {
 }  // namespace
 
 NewFile::NewFile(std::string path, int waitSeconds)
-    : path_(std::move(path)), directory_(checkedName(path_), waitSeconds) {}
+    : path(std::move(path)), directory(checkedName(this->path), waitSeconds) {}
 
 void NewFile::write(std::string_view bytes) const {
-  if (!writeFile(temporaryPath(), bytes)) failToCreate(path_, errno);
+  if (!writeFile(temporaryPath(), bytes)) failToCreate(path, errno);
 }
 
 void NewFile::publish() {
-  if (!syncFile(temporaryPath())) failToCreate(path_, errno);
-  renameToFreeName(temporaryPath(), path_);
+  if (!syncFile(temporaryPath())) failToCreate(path, errno);
+  renameToFreeName(temporaryPath(), path);
   // The file is there: a failure now would only say that a power failure may take the name away.
-  syncDirectory(directoryOf(path_));
+  syncDirectory(directoryOf(path));
 }
 
 bool isTaken(const std::string& path) {

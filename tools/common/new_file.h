@@ -17,18 +17,18 @@ class NewFile {
   explicit NewFile(std::string path, int waitSeconds = WorkDirectory::kPatient);
 
   /// Where it is built. The path does not exist at first.
-  std::string temporaryPath() const { return WorkDirectory::pathOf(path_); }
+  std::string temporaryPath() const { return WorkDirectory::pathOf(path); }
   /// The whole content, or its beginning.
   void write(std::string_view bytes) const;
   /// Fails if the name has been taken meanwhile. REQUIRES: nobody has the file open for
   /// writing.
   void publish();
   /// All temporary files, in an order in which they can be removed.
-  std::vector<std::string> temporaryNames() const { return directory_.contents(); }
+  std::vector<std::string> temporaryNames() const { return directory.contents(); }
 
  private:
-  std::string path_;
-  WorkDirectory directory_;
+  std::string path;
+  WorkDirectory directory;
 };
 
 /// The name exists, even as a dangling symbolic link.

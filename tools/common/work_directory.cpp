@@ -94,50 +94,50 @@ bool isSameFile(int descriptor, const std::string& path) {
 }  // namespace
 
 WorkDirectory::WorkDirectory(std::string product, int waitSeconds)
-    : product_(std::move(product)),
-      path_(directoryFor(product_).string()),
-      lockPath_(path_ + '/' + std::string(kLock)) {
+    : product(std::move(product)),
+      path(directoryFor(this->product).string()),
+      lockPath(path + '/' + std::string(kLock)) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(waitSeconds);
   while (!take(deadline)) {
   }
   // SQLite would take the journal of a killed run for one of the new file.
-  if (!clear(path_)) failForLeftover(path_, errno);
+  if (!clear(path)) failForLeftover(path, errno);
 }
 
 WorkDirectory::~WorkDirectory() {
-  clear(path_);
-  unlink(lockPath_.c_str());
-  lock_ = Descriptor();
-  rmdir(path_.c_str());
+  clear(path);
+  unlink(lockPath.c_str());
+  lock = Descriptor();
+  rmdir(path.c_str());
 }
 
 /// False when another process removed the directory meanwhile.
 bool WorkDirectory::take(std::chrono::steady_clock::time_point deadline) {
-  const bool isMade = mkdir(path_.c_str(), 0777) == 0;
-  if (!isMade && errno != EEXIST) failToCreate(product_, errno);
-  if (isForeign(path_)) {
-    throw std::runtime_error(path_ + ": not created by fe_db, which builds " + product_ +
+  const bool isMade = mkdir(path.c_str(), 0777) == 0;
+  if (!isMade && errno != EEXIST) failToCreate(product, errno);
+  if (isForeign(path)) {
+    throw std::runtime_error(path + ": not created by fe_db, which builds " + product +
                              " under this name; move it away");
   }
   constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
-  Descriptor lock(open(lockPath_.c_str(), kFlags, 0666));
-  if (!lock.isOpen()) {
+  Descriptor opened(open(lockPath.c_str(), kFlags, 0666));
+  if (!opened.isOpen()) {
     const int error = errno;
     if (error == ENOENT) return false;
-    if (!isMade) failForLeftover(path_, error);
-    rmdir(path_.c_str());
-    failToCreate(product_, error);
+    if (!isMade) failForLeftover(path, error);
+    rmdir(path.c_str());
+    failToCreate(product, error);
   }
-  while (flock(lock.get(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno != EWOULDBLOCK && errno != EINTR) failToCreate(product_, errno);
+  while (flock(opened.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR) failToCreate(product, errno);
     if (std::chrono::steady_clock::now() >= deadline) {
-      throw std::runtime_error(product_ +
+      throw std::runtime_error(product +
                                ": another program is creating it; try again when it has finished");
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
-  if (!isSameFile(lock.get(), lockPath_)) return false;
-  lock_ = std::move(lock);
+  if (!isSameFile(opened.get(), lockPath)) return false;
+  lock = std::move(opened);
   return true;
 }
 
@@ -160,8 +160,8 @@ void WorkDirectory::removeLeftover(const std::string& product) {
 }
 
 std::vector<std::string> WorkDirectory::contents() const {
-  const std::string file = pathOf(product_);
-  return {file, file + "-journal", lockPath_, path_};
+  const std::string file = pathOf(product);
+  return {file, file + "-journal", lockPath, path};
 }
 
 }  // namespace fe_db_tools

@@ -39,10 +39,10 @@ class WorkDirectory {
  private:
   bool take(std::chrono::steady_clock::time_point deadline);
 
-  std::string product_;
-  std::string path_;
-  std::string lockPath_;
-  Descriptor lock_;
+  std::string product;
+  std::string path;
+  std::string lockPath;
+  Descriptor lock;
 };
 
 }  // namespace fe_db_tools

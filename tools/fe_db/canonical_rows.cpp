@@ -31,23 +31,24 @@ void deleteFunction(void* function) { delete static_cast<LineFunction*>(function
 
 }  // namespace
 
-CanonicalRows::CanonicalRows(const ReadOnlyFile& file, const Table& table) : file_(file) {
+CanonicalRows::CanonicalRows(const ReadOnlyFile& file, const Table& table) : file(file) {
   if (!file.has(table)) return;
   auto* function = new LineFunction(table);
   const std::string name = "line_of_" + std::string(table.name);
-  const std::string sql = "SELECT " + name + "(" + function->query.columns() + ") FROM " +
-                          function->query.tables() + " ORDER BY 1";
+  const std::string sql = "SELECT " + name + "(" + function->query.getColumns() + ") FROM " +
+                          function->query.getTables() + " ORDER BY 1";
   // No schema may call it, with other arguments. SQLite owns it from here on, also when it refuses.
-  sqlite3_create_function_v2(file.connection(), name.c_str(), -1, SQLITE_UTF8 | SQLITE_DIRECTONLY,
-                             function, buildLine, nullptr, nullptr, deleteFunction);
-  statement_ = file.prepare(sql);
+  sqlite3_create_function_v2(file.getConnection(), name.c_str(), -1,
+                             SQLITE_UTF8 | SQLITE_DIRECTONLY, function, buildLine, nullptr, nullptr,
+                             deleteFunction);
+  statement = file.prepare(sql);
 }
 
 bool CanonicalRows::next() {
-  if (!statement_ || !file_.step(statement_)) return false;
-  const void* bytes = sqlite3_column_blob(statement_.get(), 0);
-  const int size = sqlite3_column_bytes(statement_.get(), 0);
-  line_ = {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+  if (!statement || !file.step(statement)) return false;
+  const void* bytes = sqlite3_column_blob(statement.get(), 0);
+  const int size = sqlite3_column_bytes(statement.get(), 0);
+  line = {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
   return true;
 }
 

@@ -15,12 +15,12 @@ class CanonicalRows {
   /// Moves to the next line, first to the first one; false after the last.
   bool next();
   /// REQUIRES: the last next() returned true. Valid until the next call of it.
-  std::string_view line() const { return line_; }
+  std::string_view getLine() const { return line; }
 
  private:
-  const ReadOnlyFile& file_;
-  Statement statement_;
-  std::string_view line_;
+  const ReadOnlyFile& file;
+  Statement statement;
+  std::string_view line;
 };
 
 }  // namespace fe_db_tools

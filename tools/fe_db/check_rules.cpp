@@ -50,19 +50,19 @@ class RowIds {
   RowIds(const ReadOnlyFile& file, const Table& table) {
     const Statement ids = file.prepare(std::string("SELECT ") + table.rowId + " FROM " +
                                        table.name + " NOT INDEXED ORDER BY 1");
-    for (; file.step(ids); ++count_) {
+    for (; file.step(ids); ++count) {
       const sqlite3_int64 id = sqlite3_column_int64(ids.get(), 0);
-      if (runs_.empty() || !isNext(id, runs_.back().last)) runs_.push_back({id, id, count_});
-      runs_.back().last = id;
+      if (runs.empty() || !isNext(id, runs.back().last)) runs.push_back({id, id, count});
+      runs.back().last = id;
     }
   }
 
-  std::size_t count() const { return count_; }
+  std::size_t getCount() const { return count; }
   /// How many rows come before the one of this id; nothing if there is no such row.
   std::optional<std::size_t> find(sqlite3_int64 id) const {
-    auto run = std::upper_bound(runs_.begin(), runs_.end(), id,
+    auto run = std::upper_bound(runs.begin(), runs.end(), id,
                                 [](sqlite3_int64 one, const Run& r) { return one < r.first; });
-    if (run == runs_.begin() || id > (--run)->last) return std::nullopt;
+    if (run == runs.begin() || id > (--run)->last) return std::nullopt;
     return run->rowsBefore + static_cast<std::size_t>(id - run->first);
   }
 
@@ -74,8 +74,8 @@ class RowIds {
     sqlite3_int64 first, last;
     std::size_t rowsBefore;
   };
-  std::vector<Run> runs_;
-  std::size_t count_ = 0;
+  std::vector<Run> runs;
+  std::size_t count = 0;
 };
 /// Of referenced tables, read when first needed; nothing for those that cannot be read.
 using IdsOfTables = std::map<TableId, std::optional<RowIds>>;
@@ -83,16 +83,16 @@ using IdsOfTables = std::map<TableId, std::optional<RowIds>>;
 class TableCheck {
  public:
   TableCheck(const ReadOnlyFile& file, const Table& table, IdsOfTables& ids)
-      : file_(file),
-        table_(table),
-        ids_(ids),
-        rowId_(file.hasColumn(table, table.rowId) ? table.rowId : "rowid") {}
+      : file(file),
+        checked(table),
+        idsByTable(ids),
+        rowIdColumn(file.hasColumn(table, table.rowId) ? table.rowId : "rowid") {}
 
   std::vector<Remark> run();
 
  private:
   void add(sqlite3_int64 row, std::string reason, bool isNote = false) {
-    remarks_.push_back({isNote, row, std::move(reason)});
+    remarks.push_back({isNote, row, std::move(reason)});
   }
   const RowIds* idsOf(TableId id);
   void checkLayout();
@@ -106,84 +106,85 @@ class TableCheck {
   bool eachName(const Table& table, Visit&& visit) const;
   void addNameBits(sqlite3_int64 id, int stored, int wrong);
 
-  const ReadOnlyFile& file_;
-  const Table& table_;
-  IdsOfTables& ids_;
-  const std::string rowId_;
-  std::vector<Remark> remarks_;
-  sqlite3_stmt* row_ = nullptr;  ///< its id in cell 0
-  sqlite3_int64 id_ = 0;
-  int kindCell_ = 0;
-  sqlite3_int64 danglingAfterMerge_ = 0;
+  const ReadOnlyFile& file;
+  const Table& checked;
+  IdsOfTables& idsByTable;
+  const std::string rowIdColumn;
+  std::vector<Remark> remarks;
+  sqlite3_stmt* cells = nullptr;  ///< of the current row, its id first
+  sqlite3_int64 currentId = 0;
+  int kindCell = 0;
+  sqlite3_int64 danglingAfterMerge = 0;
 };
 
 std::vector<Remark> TableCheck::run() {
-  if (!file_.hasColumn(table_, rowId_)) return {};
+  if (!file.hasColumn(checked, rowIdColumn)) return {};
   std::optional<Remark> damage = damageFoundBy([&] { checkLayout(); });
   if (auto more = damageFoundBy([&] { checkRows(); }); !damage) damage = std::move(more);
   if (auto more = damageFoundBy([&] { checkKeys(); }); !damage) damage = std::move(more);
   if (auto more = damageFoundBy([&] { checkNameBits(); }); !damage) damage = std::move(more);
-  if (damage) remarks_.push_back(*damage);
-  if (danglingAfterMerge_ > 0) {
-    const bool isOne = danglingAfterMerge_ == 1;
-    remarks_.push_back({/*isNote=*/true, std::nullopt,
-                        std::to_string(danglingAfterMerge_) +
-                            (isOne ? " macro-use id is stale since a merge renumbered its target"
-                                   : " macro-use ids are stale since a merge renumbered their "
-                                     "targets") +
-                            " (expected)"});
+  if (damage) remarks.push_back(*damage);
+  if (danglingAfterMerge > 0) {
+    const bool isOne = danglingAfterMerge == 1;
+    remarks.push_back({/*isNote=*/true, std::nullopt,
+                       std::to_string(danglingAfterMerge) +
+                           (isOne ? " macro-use id is stale since a merge renumbered its target"
+                                  : " macro-use ids are stale since a merge renumbered their "
+                                    "targets") +
+                           " (expected)"});
   }
-  std::stable_sort(remarks_.begin(), remarks_.end(),
+  std::stable_sort(remarks.begin(), remarks.end(),
                    [](const Remark& a, const Remark& b) { return a.row < b.row; });
-  return std::move(remarks_);
+  return std::move(remarks);
 }
 
 const RowIds* TableCheck::idsOf(TableId id) {
   const Table& table = tableOf(id);
-  const auto [at, isNew] = ids_.try_emplace(id);
+  const auto [at, isNew] = idsByTable.try_emplace(id);
   std::optional<RowIds>& ids = at->second;
-  if (isNew && file_.hasColumn(table, table.rowId)) {
-    damageFoundBy([&] { ids.emplace(file_, table); });  // reported when that table is checked
+  if (isNew && file.hasColumn(table, table.rowId)) {
+    damageFoundBy([&] { ids.emplace(file, table); });  // reported when that table is checked
   }
   return ids ? &*ids : nullptr;
 }
 
 void TableCheck::checkLayout() {
-  if (!file_.hasColumn(table_, table_.rowId)) return;
-  if (const std::string reason = file_.reasonNotToWrite(table_); !reason.empty()) {
-    remarks_.push_back({/*isNote=*/false, std::nullopt, reason});
+  if (!file.hasColumn(checked, checked.rowId)) return;
+  if (const std::string reason = file.reasonNotToWrite(checked); !reason.empty()) {
+    remarks.push_back({/*isNote=*/false, std::nullopt, reason});
   }
 }
 
 /// Without indexes: what they hold may differ from the table in a damaged file.
 void TableCheck::checkRows() {
-  std::string sql = "SELECT " + rowId_;
+  std::string sql = "SELECT " + rowIdColumn;
   std::vector<const Column*> columns;
-  for (const Column& column : table_.columns) {
-    if (!file_.hasColumn(table_, column.name)) continue;
+  for (const Column& column : checked.columns) {
+    if (!file.hasColumn(checked, column.name)) continue;
     sql = sql + ", " + column.name;
     columns.push_back(&column);
-    if (column.name == "Kind") kindCell_ = static_cast<int>(columns.size());
+    if (column.name == "Kind") kindCell = static_cast<int>(columns.size());
   }
-  const Statement statement = file_.prepare(sql + " FROM " + table_.name + " NOT INDEXED");
-  row_ = statement.get();
-  while (file_.step(statement)) {
-    id_ = sqlite3_column_int64(row_, 0);
-    if (id_ == 0) add(id_, R"(row id 0 is reserved (it means "no row"))");
+  const Statement statement = file.prepare(sql + " FROM " + checked.name + " NOT INDEXED");
+  cells = statement.get();
+  while (file.step(statement)) {
+    currentId = sqlite3_column_int64(cells, 0);
+    if (currentId == 0) add(currentId, R"(row id 0 is reserved (it means "no row"))");
     int cell = 0;
     for (const Column* column : columns) checkCell(*column, ++cell);
   }
 }
 
 void TableCheck::checkCell(const Column& column, int cell) {
-  const int type = sqlite3_column_type(row_, cell);
+  const int type = sqlite3_column_type(cells, cell);
   const int expected = column.kind == ColumnKind::text ? SQLITE_TEXT : SQLITE_INTEGER;
   const bool mayBeNull =
       column.kind == ColumnKind::reference || column.presence == Presence::optional;
   if (type != expected && !(type == SQLITE_NULL && mayBeNull)) {
     static_assert(SQLITE_INTEGER == 1 && SQLITE_NULL == 5);
     constexpr const char* kTypes[] = {"", "an integer", "a real number", "text", "a blob", "NULL"};
-    return add(id_, std::string(column.name) + " is " + kTypes[type] + ", not " + kTypes[expected]);
+    return add(currentId,
+               std::string(column.name) + " is " + kTypes[type] + ", not " + kTypes[expected]);
   }
   if (column.kind == ColumnKind::entity) return checkEntity(column, cell);
   if (column.kind == ColumnKind::reference) {
@@ -192,64 +193,65 @@ void TableCheck::checkCell(const Column& column, int cell) {
 }
 
 void TableCheck::checkEntity(const Column& column, int cell) {
-  if (kindCell_ == 0 || sqlite3_column_type(row_, kindCell_) != SQLITE_INTEGER) return;
-  const sqlite3_int64 kind = sqlite3_column_int64(row_, kindCell_);
+  if (kindCell == 0 || sqlite3_column_type(cells, kindCell) != SQLITE_INTEGER) return;
+  const sqlite3_int64 kind = sqlite3_column_int64(cells, kindCell);
   if (kind == 0 || kind == 1) {
     checkReference(column, cell, kEntityTables[kind], /*required=*/true);
   } else if (kind != -1) {
-    add(id_, "Kind " + std::to_string(kind) + " is not -1, 0 or 1",
+    add(currentId, "Kind " + std::to_string(kind) + " is not -1, 0 or 1",
         /*isNote=*/true);
   }
 }
 
 void TableCheck::checkReference(const Column& column, int cell, TableId target, bool required) {
   const std::string_view table = tableOf(target).name;
-  const sqlite3_int64 id = sqlite3_column_int64(row_, cell);
+  const sqlite3_int64 id = sqlite3_column_int64(cells, cell);
   if (id == 0) {
     if (!required) return;
-    const bool isNull = sqlite3_column_type(row_, cell) == SQLITE_NULL;
-    return add(id_, std::string(column.name) + (isNull ? " is NULL" : " is 0") +
-                        " but must reference a row of " + table);
+    const bool isNull = sqlite3_column_type(cells, cell) == SQLITE_NULL;
+    return add(currentId, std::string(column.name) + (isNull ? " is NULL" : " is 0") +
+                              " but must reference a row of " + table);
   }
   const RowIds* ids = idsOf(target);
   if (ids == nullptr || ids->find(id)) return;
-  if (isMacroUse(table_) && file_.isCompilation()) return static_cast<void>(++danglingAfterMerge_);
-  add(id_, std::string(column.name) + " references " + std::string(table) + " row " +
-               std::to_string(id) + ", which does not exist");
+  if (isMacroUse(checked) && file.isCompilationDatabase())
+    return static_cast<void>(++danglingAfterMerge);
+  add(currentId, std::string(column.name) + " references " + std::string(table) + " row " +
+                     std::to_string(id) + ", which does not exist");
 }
 
 void TableCheck::checkKeys() {
   // Uses of one macro may begin at the same place, ID(ID(x)) or several that expand to nothing, and
   // a preprocessing file has a row for each.
-  if (table_.id == TableId::macroInvocation && !file_.isCompilation()) return;
+  if (checked.id == TableId::macroInvocation && !file.isCompilationDatabase()) return;
   std::string columns, condition;
-  for (const std::string_view column : table_.key) {
-    if (!file_.hasColumn(table_, column)) return;
+  for (const std::string_view column : checked.key) {
+    if (!file.hasColumn(checked, column)) return;
     columns = columns + (columns.empty() ? "" : ", ") + column;
     condition = condition + (condition.empty() ? " WHERE " : " AND ") + column + " NOT NULL";
   }
   if (columns.empty()) return;
-  const std::string rows = std::string(table_.name) + " NOT INDEXED" + condition;
+  const std::string rows = std::string(checked.name) + " NOT INDEXED" + condition;
   // Finding the rows costs three times as much as finding that there are none.
-  if (!file_.step(file_.prepare("SELECT 1 FROM " + rows + " GROUP BY " + columns +
-                                " HAVING count(*)>1 LIMIT 1"))) {
+  if (!file.step(file.prepare("SELECT 1 FROM " + rows + " GROUP BY " + columns +
+                              " HAVING count(*)>1 LIMIT 1"))) {
     return;
   }
   const Statement equal =
-      file_.prepare("SELECT id, firstId FROM (SELECT " + rowId_ + " AS id, first_value(" + rowId_ +
-                    ") OVER (PARTITION BY " + columns + " ORDER BY " + rowId_ +
-                    ") AS firstId FROM " + rows + ") WHERE id<>firstId");
-  while (file_.step(equal)) {
+      file.prepare("SELECT id, firstId FROM (SELECT " + rowIdColumn + " AS id, first_value(" +
+                   rowIdColumn + ") OVER (PARTITION BY " + columns + " ORDER BY " + rowIdColumn +
+                   ") AS firstId FROM " + rows + ") WHERE id<>firstId");
+  while (file.step(equal)) {
     const std::string first = std::to_string(sqlite3_column_int64(equal.get(), 1));
     add(sqlite3_column_int64(equal.get(), 0), "the same " + columns + " as row " + first);
   }
 }
 
 void TableCheck::checkNameBits() {
-  if (table_.id != TableId::identifier || !file_.hasColumn(table_, "Kind")) return;
+  if (checked.id != TableId::identifier || !file.hasColumn(checked, "Kind")) return;
   const RowIds* names = idsOf(TableId::identifier);
   if (names == nullptr) return;
-  std::vector<std::uint8_t> expected(names->count());
+  std::vector<std::uint8_t> expected(names->getCount());
   int checked = 0, bit = 1;
   for (const TableId owner : kNameTables) {
     bool isChecked = false;
@@ -261,9 +263,9 @@ void TableCheck::checkNameBits() {
     if (isChecked) checked |= bit;
     bit *= 2;
   }
-  const Statement stored = file_.prepare(
-      "SELECT " + rowId_ + ", Kind FROM Identifier NOT INDEXED WHERE typeof(Kind)='integer'");
-  while (file_.step(stored)) {
+  const Statement stored = file.prepare(
+      "SELECT " + rowIdColumn + ", Kind FROM Identifier NOT INDEXED WHERE typeof(Kind)='integer'");
+  while (file.step(stored)) {
     const sqlite3_int64 id = sqlite3_column_int64(stored.get(), 0);
     const int kind = sqlite3_column_int(stored.get(), 1);
     if (const auto name = names->find(id))
@@ -276,11 +278,11 @@ template <class Visit>
 bool TableCheck::eachName(const Table& table, Visit&& visit) const {
   bool isThere = false;
   for (const Column& column : table.columns) {
-    if (column.refersTo != TableId::identifier || !file_.hasColumn(table, column.name)) continue;
+    if (column.refersTo != TableId::identifier || !file.hasColumn(table, column.name)) continue;
     isThere = true;
     const Statement ids =
-        file_.prepare(std::string("SELECT ") + column.name + " FROM " + table.name);
-    while (file_.step(ids)) visit(sqlite3_column_int64(ids.get(), 0));
+        file.prepare(std::string("SELECT ") + column.name + " FROM " + table.name);
+    while (file.step(ids)) visit(sqlite3_column_int64(ids.get(), 0));
   }
   return isThere;
 }

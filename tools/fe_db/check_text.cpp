@@ -14,25 +14,25 @@ namespace {
 /// A text by lines and columns, which count from 1.
 class PreprocessedText {
  public:
-  explicit PreprocessedText(std::string_view text) : text_(text) {
-    for (std::size_t at = 0; at <= text_.size(); ++at) {
-      if (at == 0 || text_[at - 1] == '\n') starts_.push_back(at);
+  explicit PreprocessedText(std::string_view text) : text(text) {
+    for (std::size_t at = 0; at <= text.size(); ++at) {
+      if (at == 0 || text[at - 1] == '\n') starts.push_back(at);
     }
   }
 
   /// The text there; shorter, or empty, if the line ends before.
   std::string_view slice(sqlite3_int64 line, sqlite3_int64 column, std::size_t length) const {
-    if (line < 1 || line > static_cast<sqlite3_int64>(starts_.size()) || column < 1) return {};
-    const std::size_t start = starts_[static_cast<std::size_t>(line - 1)];
-    std::string_view rest = text_.substr(start);
+    if (line < 1 || line > static_cast<sqlite3_int64>(starts.size()) || column < 1) return {};
+    const std::size_t start = starts[static_cast<std::size_t>(line - 1)];
+    std::string_view rest = text.substr(start);
     rest = rest.substr(0, rest.find('\n'));
     if (static_cast<std::size_t>(column - 1) > rest.size()) return {};
     return rest.substr(static_cast<std::size_t>(column - 1), length);
   }
 
  private:
-  std::string_view text_;
-  std::vector<std::size_t> starts_;
+  std::string_view text;
+  std::vector<std::size_t> starts;
 };
 
 /// Row id, line, first column, the column after the last (NULL: where the text ends), and the

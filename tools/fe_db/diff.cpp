@@ -21,9 +21,9 @@ bool tablesDiffer(const ReadOnlyFile& leftFile, const ReadOnlyFile& rightFile, c
   bool hasLeft = left.next();
   bool hasRight = right.next();
   while (hasLeft || hasRight) {
-    const int order = !hasLeft ? 1 : !hasRight ? -1 : left.line().compare(right.line());
-    if (order < 0) printDifference('-', left.line());
-    if (order > 0) printDifference('+', right.line());
+    const int order = !hasLeft ? 1 : !hasRight ? -1 : left.getLine().compare(right.getLine());
+    if (order < 0) printDifference('-', left.getLine());
+    if (order > 0) printDifference('+', right.getLine());
     differ = differ || order != 0;
     if (order <= 0) hasLeft = left.next();
     if (order >= 0) hasRight = right.next();

@@ -43,7 +43,7 @@ void dumpTable(const ReadOnlyFile& file, const Table& table, bool json) {
   std::string text;
   while (rows.next()) {
     text.clear();
-    json ? appendJson(text, table, rows.line()) : static_cast<void>(text = rows.line());
+    json ? appendJson(text, table, rows.getLine()) : static_cast<void>(text = rows.getLine());
     text += '\n';
     print(text);
   }

@@ -81,10 +81,10 @@ std::string dotted(const std::string& alias, std::string_view column) {
 
 }  // namespace
 
-LineQuery::LineQuery(const Table& table) : table_(table) {
+LineQuery::LineQuery(const Table& table) : table(table) {
   const std::string alias = "t0";
-  tables_ = std::string(table.name) + " AS " + alias;
-  for (const Column& column : table.columns) items_.push_back(addItem(table, alias, column));
+  tables = std::string(table.name) + " AS " + alias;
+  for (const Column& column : table.columns) items.push_back(addItem(table, alias, column));
 }
 
 LineQuery::Item LineQuery::addItem(const Table& table, const std::string& alias,
@@ -104,10 +104,10 @@ LineQuery::Item LineQuery::addItem(const Table& table, const std::string& alias,
 LineQuery::Target LineQuery::addTarget(TableId id, const std::string& reference,
                                        const std::string& condition) {
   const Table& table = tableOf(id);
-  const std::string alias = 't' + std::to_string(++joinCount_);
+  const std::string alias = 't' + std::to_string(++joinCount);
   const std::string rowId = dotted(alias, table.rowId);
-  tables_ += " LEFT JOIN " + std::string(table.name) + " AS " + alias + " ON " + rowId + "=" +
-             reference + condition;
+  tables += " LEFT JOIN " + std::string(table.name) + " AS " + alias + " ON " + rowId + "=" +
+            reference + condition;
   Target target{addCell(rowId), {}};
   for (const std::string_view name : table.key) {
     target.key.push_back(addItem(table, alias, columnOf(table, name)));
@@ -116,18 +116,18 @@ LineQuery::Target LineQuery::addTarget(TableId id, const std::string& reference,
 }
 
 int LineQuery::addCell(const std::string& expression) {
-  if (cellCount_ > 0) columns_ += ", ";
-  columns_ += expression;
-  return cellCount_++;
+  if (cellCount > 0) columns += ", ";
+  columns += expression;
+  return cellCount++;
 }
 
 void LineQuery::appendLine(std::string& line, sqlite3_value** cells) const {
-  line += table_.name;
-  for (std::size_t i = 0; i < items_.size(); ++i) {
+  line += table.name;
+  for (std::size_t i = 0; i < items.size(); ++i) {
     line += '\t';
-    line += table_.columns[i].name;
+    line += table.columns[i].name;
     line += '=';
-    appendItem(line, items_[i], cells, Place::column, Colons::plain);
+    appendItem(line, items[i], cells, Place::column, Colons::plain);
   }
 }
 

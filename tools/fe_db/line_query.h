@@ -28,8 +28,8 @@ class LineQuery {
 
   /// The columns of the query, separated by commas, are what appendLine() reads; the tables, with
   /// joins, are where they come from.
-  const std::string& columns() const { return columns_; }
-  const std::string& tables() const { return tables_; }
+  const std::string& getColumns() const { return columns; }
+  const std::string& getTables() const { return tables; }
 
   void appendLine(std::string& line, sqlite3_value** cells) const;
 
@@ -59,12 +59,12 @@ class LineQuery {
   static void appendKey(std::string& line, const Target& target, sqlite3_value** cells,
                         Colons colons);
 
-  const Table& table_;
-  std::vector<Item> items_;
-  std::string columns_;
-  std::string tables_;
-  int cellCount_ = 0;
-  int joinCount_ = 0;
+  const Table& table;
+  std::vector<Item> items;
+  std::string columns;
+  std::string tables;
+  int cellCount = 0;
+  int joinCount = 0;
 };
 
 }  // namespace fe_db_tools

@@ -50,7 +50,7 @@ Folded foldSources(const MergeOptions& options, const std::vector<std::string>& 
   SourceReader reader(paths, options.jobs, options.waitSeconds);
   while (std::optional<Source> source = reader.next()) {
     if (source->failure.empty()) {
-      target.merger().mergeCompilationTables(*source->merger);
+      target.getMerger().mergeCompilationTables(*source->merger);
       source->merger.reset();
       ++folded.sources;
       folded.facts += source->facts;
@@ -77,7 +77,7 @@ void printSummary(const MergeOptions& options, const Folded& folded, const Merge
   std::ostringstream line;
   line << printable(options.target) << ": " << sourceCount(folded.sources) << " merged, "
        << folded.facts << " facts read, ";
-  if (!target.isNew()) line << target.factsBefore() << " facts before, ";
+  if (!target.isNew()) line << target.getFactsBefore() << " facts before, ";
   line << target.factsStored() << " facts stored, " << std::fixed << std::setprecision(2) << seconds
        << " s, " << std::setprecision(1) << static_cast<double>(usage.ru_maxrss) / 1024
        << " MiB peak memory\n";
@@ -98,7 +98,7 @@ int merge(const MergeOptions& options) {
     return kWrongUsage;
   }
   MergeTarget target(options.target, options.waitSeconds);
-  if (options.debug) target.merger().setDebug();
+  if (options.debug) target.getMerger().setDebug();
   const Folded folded = foldSources(options, paths, target, start);
   if (folded.sources == 0 || (folded.failed != 0 && !options.keepGoing)) {
     report(options.target + ": nothing was written" +

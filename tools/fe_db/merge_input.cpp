@@ -15,7 +15,7 @@ namespace {
 
 ReadOnlyFile openCompilation(const std::string& path, int waitSeconds) {
   ReadOnlyFile file(path, waitSeconds);
-  if (!file.isCompilation()) {
+  if (!file.isCompilationDatabase()) {
     throw std::runtime_error(
         path + ": it is a preprocessing database; a compilation database is required");
   }

@@ -22,59 +22,59 @@ void rollBackIncompleteWrite(const std::string& path) {
 
 }  // namespace
 
-MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(path)) {
-  if (!isTaken(path_)) {
-    newFile_.emplace(path_, waitSeconds);
+MergeTarget::MergeTarget(std::string file, int waitSeconds) : path(std::move(file)) {
+  if (!isTaken(path)) {
+    newFile.emplace(path, waitSeconds);
     // Another run may have made the file while this one waited for the temporary name.
-    if (isTaken(path_)) newFile_.reset();
+    if (isTaken(path)) newFile.reset();
   } else {
-    WorkDirectory::removeLeftover(path_);  // of a run that was killed when the file had its name
+    WorkDirectory::removeLeftover(path);  // of a run that was killed when the file had its name
   }
   if (isNew()) {
     // An existing target needs nothing: SQLite restores it from its journal when it is opened
     // next.
-    removedOnSignal_.emplace(newFile_->temporaryNames());
-    newFile_->write(emptyCompilationDatabase(KeyIndexes::no));
+    removedOnSignal.emplace(newFile->temporaryNames());
+    newFile->write(emptyCompilationDatabase(KeyIndexes::no));
   } else {
-    checkMergeTarget(path_, waitSeconds);
+    checkMergeTarget(path, waitSeconds);
   }
-  merger_.emplace(isNew() ? newFile_->temporaryPath() : path_);
-  db_ = &openMergeInput(*merger_, path_, waitSeconds);
+  merger.emplace(isNew() ? newFile->temporaryPath() : path);
+  db = &openMergeInput(*merger, path, waitSeconds);
   // Before the load: a save between the two would be lost.
-  if (!db_->beginTransaction()) {
-    throw std::runtime_error(path_ +
+  if (!db->beginTransaction()) {
+    throw std::runtime_error(path +
                              ": cannot be locked for writing; check that it is writable and that "
                              "no other program is writing it, or increase --wait");
   }
-  loadMergeInput(*merger_, *db_, path_);
-  factsBefore_ = db_->countRowsListed();
+  loadMergeInput(*merger, *db, path);
+  factsBefore = db->countRowsListed();
   refuseLoss();
 }
 
 void MergeTarget::refuseLoss() const {
-  if (db_->leftOutRows().empty()) return;
+  if (db->leftOutRows().empty()) return;
   std::string tables;
-  for (const auto& [table, rows] : db_->leftOutRows()) {
+  for (const auto& [table, rows] : db->leftOutRows()) {
     if (!tables.empty()) tables += ", ";
     tables += table + ' ' + std::to_string(rows);
   }
-  throw std::runtime_error(path_ + ": it has rows that cannot be merged and would be lost (" +
+  throw std::runtime_error(path + ": it has rows that cannot be merged and would be lost (" +
                            tables + "); remove them, or merge into a new file");
 }
 
 void MergeTarget::write(bool withIndexes) {
-  dropSearchIndexes(*db_);
-  merger_->truncateDataFromDB();
-  merger_->saveToDB();
-  if (withIndexes) makeSearchIndexes(*db_);
-  if (!db_->commitTransaction()) {
-    const std::string failure = failureOf(*db_);
-    merger_->closeDB();
-    if (!isNew()) rollBackIncompleteWrite(path_);
-    throw std::runtime_error(path_ + ": nothing was written: " + failure);
+  dropSearchIndexes(*db);
+  merger->truncateDataFromDB();
+  merger->saveToDB();
+  if (withIndexes) makeSearchIndexes(*db);
+  if (!db->commitTransaction()) {
+    const std::string failure = failureOf(*db);
+    merger->closeDB();
+    if (!isNew()) rollBackIncompleteWrite(path);
+    throw std::runtime_error(path + ": nothing was written: " + failure);
   }
-  merger_->closeDB();
-  if (isNew()) newFile_->publish();
+  merger->closeDB();
+  if (isNew()) newFile->publish();
 }
 
 }  // namespace fe_db_tools

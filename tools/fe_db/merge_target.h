@@ -19,28 +19,28 @@ class MergeTarget {
   /// locked, or has rows that the rewriting would lose.
   MergeTarget(std::string path, int waitSeconds);
 
-  orvalesca::databases_merger::CompilationDataMerger& merger() { return *merger_; }
-  bool isNew() const { return newFile_.has_value(); }
+  orvalesca::databases_merger::CompilationDataMerger& getMerger() { return *merger; }
+  bool isNew() const { return newFile.has_value(); }
 
   /// Search indexes are dropped first, as they would slow the writing, and made in the end if
   /// `withIndexes`. Throws std::runtime_error; nothing was written then.
   void write(bool withIndexes);
 
   /// Rows that the file had before, and has after write().
-  unsigned long long factsBefore() const { return factsBefore_; }
-  unsigned long long factsStored() const { return db_->countRowsAdded(); }
+  unsigned long long getFactsBefore() const { return factsBefore; }
+  unsigned long long factsStored() const { return db->countRowsAdded(); }
 
  private:
   void refuseLoss() const;
 
-  std::string path_;
+  std::string path;
   // In an order in which they can be destroyed: SQLite removes its journal, the names may be
   // another run's after that of the new file.
-  std::optional<NewFile> newFile_;
-  std::optional<RemovedOnSignal> removedOnSignal_;
-  std::optional<orvalesca::databases_merger::CompilationDataMerger> merger_;
-  orvalesca::databases_merger::CompilationDatabase* db_ = nullptr;
-  unsigned long long factsBefore_ = 0;
+  std::optional<NewFile> newFile;
+  std::optional<RemovedOnSignal> removedOnSignal;
+  std::optional<orvalesca::databases_merger::CompilationDataMerger> merger;
+  orvalesca::databases_merger::CompilationDatabase* db = nullptr;
+  unsigned long long factsBefore = 0;
 };
 
 }  // namespace fe_db_tools

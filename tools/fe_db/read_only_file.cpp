@@ -84,20 +84,20 @@ const char* adviceFor(int code) {
 
 }  // namespace
 
-ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds, MissingSchema missing)
-    : path_(std::move(path)) {
-  if (const char* reason = reasonNotToOpen(path_)) fail(reason);
+ReadOnlyFile::ReadOnlyFile(std::string name, int waitSeconds, MissingSchema missing)
+    : path(std::move(name)) {
+  if (const char* reason = reasonNotToOpen(path)) fail(reason);
   open(SQLITE_OPEN_READONLY, waitSeconds);
   if (!begin()) {
     // A killed writer left its journal. The committed content is valid, and only a connection that
     // may write can restore it. It writes nothing else.
-    if ((sqlite3_errcode(connection()) & 0xff) != SQLITE_READONLY) failWithReason();
+    if ((sqlite3_errcode(getConnection()) & 0xff) != SQLITE_READONLY) failWithReason();
     open(SQLITE_OPEN_READWRITE, waitSeconds);
     if (!begin()) failWithReason();
-    sqlite3_exec(connection(), "PRAGMA query_only=1", nullptr, nullptr, nullptr);
+    sqlite3_exec(getConnection(), "PRAGMA query_only=1", nullptr, nullptr, nullptr);
   }
   readColumns();
-  isCompilation_ = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
+  isCompilation = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
     return table.onlyInCompilation && tableExists(table.name);
   });
   if (missing == MissingSchema::accepted) return;
@@ -107,9 +107,9 @@ ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds, MissingSchema miss
 void ReadOnlyFile::open(int flags, int waitSeconds) {
   sqlite3* opened = nullptr;
   // Absolute, because a name that begins with "file:" would be taken for a URI.
-  const std::string absolute = std::filesystem::absolute(path_).string();
+  const std::string absolute = std::filesystem::absolute(path).string();
   const int code = sqlite3_open_v2(absolute.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
-  connection_.reset(opened);
+  connection.reset(opened);
   if (code != SQLITE_OK) failWithReason();
   if (const std::string reason = reasonNotToRead(opened); !reason.empty()) fail(reason + kLeaveWal);
   sqlite3_extended_result_codes(opened, 1);
@@ -118,7 +118,7 @@ void ReadOnlyFile::open(int flags, int waitSeconds) {
 
 /// The sorter works in as much memory as the page cache may have; the rest goes to temporary files.
 bool ReadOnlyFile::begin() {
-  return sqlite3_exec(connection(),
+  return sqlite3_exec(getConnection(),
                       "PRAGMA cache_size=-32768; BEGIN; SELECT count(*) FROM sqlite_schema",
                       nullptr, nullptr, nullptr) == SQLITE_OK;
 }
@@ -186,10 +186,9 @@ void ReadOnlyFile::requireWritable() const {
 }
 
 std::span<const Table> ReadOnlyFile::tables() const {
-  const auto end = isCompilation_
-                       ? kTables.end()
-                       : std::find_if(kTables.begin(), kTables.end(),
-                                      [](const Table& t) { return t.onlyInCompilation; });
+  const auto end = isCompilation ? kTables.end()
+                                 : std::find_if(kTables.begin(), kTables.end(),
+                                                [](const Table& t) { return t.onlyInCompilation; });
   return {kTables.begin(), end};
 }
 
@@ -200,7 +199,7 @@ void ReadOnlyFile::requirePermission() const {
   const auto mayWrite = [](const std::string& path) {
     return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
   };
-  const char* file = sqlite3_db_filename(connection(), "main");
+  const char* file = sqlite3_db_filename(getConnection(), "main");
   if (!mayWrite(file)) fail(std::string("it cannot be written: ") + std::strerror(errno) + kAdvice);
   const std::filesystem::path journal = sqlite3_filename_journal(file);
   if (!mayWrite(std::filesystem::exists(journal) ? journal : journal.parent_path())) {
@@ -226,27 +225,27 @@ void ReadOnlyFile::readColumns() {
   const auto textOf = [&](int column) {
     return reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
   };
-  while (step(statement)) columns_[textOf(0)].insert(textOf(1));
-  for (auto& [table, columns] : columns_) {
-    if (sqlite3_table_column_metadata(connection(), "main", table.c_str(), "rowid", nullptr,
+  while (step(statement)) columns[textOf(0)].insert(textOf(1));
+  for (auto& [table, own] : columns) {
+    if (sqlite3_table_column_metadata(getConnection(), "main", table.c_str(), "rowid", nullptr,
                                       nullptr, nullptr, nullptr, nullptr) == SQLITE_OK) {
-      columns.insert("rowid");
+      own.insert("rowid");
     }
   }
 }
 
 bool ReadOnlyFile::tableExists(std::string_view name) const {
-  return columns_.contains(lowerCase(name));
+  return columns.contains(lowerCase(name));
 }
 
 bool ReadOnlyFile::hasColumn(const Table& table, std::string_view column) const {
-  const auto found = columns_.find(lowerCase(table.name));
-  return found != columns_.end() && found->second.contains(lowerCase(column));
+  const auto found = columns.find(lowerCase(table.name));
+  return found != columns.end() && found->second.contains(lowerCase(column));
 }
 
 Statement ReadOnlyFile::prepare(const std::string& sql) const {
   sqlite3_stmt* statement = nullptr;
-  if (sqlite3_prepare_v2(connection(), sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
+  if (sqlite3_prepare_v2(getConnection(), sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
     failWithReason();
   }
   return Statement(statement);
@@ -265,13 +264,13 @@ sqlite3_int64 ReadOnlyFile::number(const std::string& sql) const {
 }
 
 void ReadOnlyFile::fail(const std::string& what) const {
-  throw std::runtime_error(path_ + ": " + what);
+  throw std::runtime_error(path + ": " + what);
 }
 
 void ReadOnlyFile::failWithReason() const {
-  const int code = sqlite3_errcode(connection());
-  const std::string reason = sqlite3_errmsg(connection());
-  throw ReadError(path_ + ": cannot read it: " + reason + adviceFor(code), code, reason);
+  const int code = sqlite3_errcode(getConnection());
+  const std::string reason = sqlite3_errmsg(getConnection());
+  throw ReadError(path + ": cannot read it: " + reason + adviceFor(code), code, reason);
 }
 
 }  // namespace fe_db_tools

@@ -44,14 +44,14 @@ class ReadOnlyFile {
   /// compilation tables is a preprocessing file. Missing tables or columns throw unless accepted.
   ReadOnlyFile(std::string path, int waitSeconds, MissingSchema missing = MissingSchema::refused);
 
-  const std::string& path() const { return path_; }
-  sqlite3* connection() const { return connection_.get(); }
+  const std::string& getPath() const { return path; }
+  sqlite3* getConnection() const { return connection.get(); }
 
   /// The tables that a file of this kind has.
   std::span<const Table> tables() const;
-  bool has(const Table& table) const { return isCompilation_ || !table.onlyInCompilation; }
+  bool has(const Table& table) const { return isCompilation || !table.onlyInCompilation; }
   void require(const Table& table) const;
-  bool isCompilation() const { return isCompilation_; }
+  bool isCompilationDatabase() const { return isCompilation; }
   /// "rowid" is a column of every table that has row ids.
   bool hasColumn(const Table& table, std::string_view column) const;
   /// The tables and columns that this file lacks, one sentence each.
@@ -81,10 +81,10 @@ class ReadOnlyFile {
   struct Closer {
     void operator()(sqlite3* connection) const { sqlite3_close(connection); }
   };
-  std::string path_;
-  std::unique_ptr<sqlite3, Closer> connection_;
-  std::map<std::string, std::set<std::string>> columns_;  ///< of our tables; in lower case
-  bool isCompilation_ = false;
+  std::string path;
+  std::unique_ptr<sqlite3, Closer> connection;
+  std::map<std::string, std::set<std::string>> columns;  ///< of our tables; in lower case
+  bool isCompilation = false;
 };
 
 }  // namespace fe_db_tools

@@ -36,14 +36,13 @@ Source readSource(const std::string& path, int waitSeconds) {
 
 std::optional<Source> SourceReader::next() {
   // If no thread can be started, the source is read when it is needed.
-  const auto launch =
-      jobs_ > 1 ? std::launch::async | std::launch::deferred : std::launch::deferred;
-  while (started_ < paths_.size() && ahead_.size() < jobs_) {
-    ahead_.push_back(std::async(launch, readSource, paths_[started_++], waitSeconds_));
+  const auto launch = jobs > 1 ? std::launch::async | std::launch::deferred : std::launch::deferred;
+  while (started < paths.size() && ahead.size() < jobs) {
+    ahead.push_back(std::async(launch, readSource, paths[started++], waitSeconds));
   }
-  if (ahead_.empty()) return std::nullopt;
-  std::future<Source> source = std::move(ahead_.front());
-  ahead_.pop_front();
+  if (ahead.empty()) return std::nullopt;
+  std::future<Source> source = std::move(ahead.front());
+  ahead.pop_front();
   return source.get();
 }
 

@@ -24,17 +24,17 @@ struct Source {
 class SourceReader {
  public:
   SourceReader(std::vector<std::string> paths, std::size_t jobs, int waitSeconds)
-      : paths_(std::move(paths)), jobs_(jobs), waitSeconds_(waitSeconds) {}
+      : paths(std::move(paths)), jobs(jobs), waitSeconds(waitSeconds) {}
 
   /// Nothing after the last.
   std::optional<Source> next();
 
  private:
-  std::vector<std::string> paths_;
-  std::size_t jobs_;
-  int waitSeconds_;
-  std::size_t started_ = 0;
-  std::deque<std::future<Source>> ahead_;
+  std::vector<std::string> paths;
+  std::size_t jobs;
+  int waitSeconds;
+  std::size_t started = 0;
+  std::deque<std::future<Source>> ahead;
 };
 
 }  // namespace fe_db_tools
