@@ -79,13 +79,14 @@ int merge(const MergeOptions& options);
 
 /// Restricts a search: every given condition has to hold.
 struct FindFilter {
-  std::vector<std::string> words;   ///< kinds of unused entities; none: all
+  std::vector<std::string> words;   ///< the arguments of the question
   std::optional<std::string> name;  ///< the identifier or, of a function, its name in the source
   std::optional<std::size_t> minLength;
   std::optional<int> refCount;
   std::optional<std::uint32_t> linkage;
   bool defined = false;
   std::optional<std::string> fileGlob;
+  std::string role;  ///< of references; empty: any
 };
 struct FindOptions {
   std::string file;
@@ -93,6 +94,8 @@ struct FindOptions {
   std::vector<std::string> given;  ///< the names of the options that were given
   FindFilter filter;
   std::optional<std::size_t> limit;
+  std::optional<unsigned> depth;
+  bool explain = false;
   bool count = false;
   bool json = false;
   bool sarif = false;
