@@ -73,9 +73,9 @@ TEST_F(AddOrUpdate, CountAboveZero_AddsUpAndWritesAllColumnsThatAreNoKey) {
   EXPECT_EQ(db().add_or_update(field), 7);
   EXPECT_TRUE(function.dirty && variable.dirty && field.dirty);
   EXPECT_EQ(function.getRefCount(), 5u);
-  EXPECT_EQ(rows("SELECT * FROM Function"), "7|1|1|1|10|20|1|1|2|1|5\n");
-  EXPECT_EQ(rows("SELECT * FROM Variable"), "7|1|1|10|20|NULL|1|1|5\n");
-  EXPECT_EQ(rows("SELECT * FROM Field"), "7|1|1|10|20|5\n");
+  EXPECT_EQ(writtenRows("Function"), "7|1|1|1|10|20|1|1|2|1|5\n");
+  EXPECT_EQ(writtenRows("Variable"), "7|1|1|10|20|NULL|1|1|5\n");
+  EXPECT_EQ(writtenRows("Field"), "7|1|1|10|20|5\n");
 }
 
 TEST_F(AddOrUpdate, Macro_TakesAMissingValueFromTheRowAndKeepsItsOwn) {

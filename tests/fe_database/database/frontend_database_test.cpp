@@ -55,8 +55,8 @@ TEST_F(FrontendDatabaseTest, FileOrIdentifierWhoseRowIsThere_TakesItsIdAndWrites
   EXPECT_EQ(db().addOrAdoptRow(identifier), 4);
   EXPECT_EQ(file.getId(), 3);
   EXPECT_EQ(identifier.getId(), 4);
-  EXPECT_EQ(rows("SELECT * FROM File"), "3|c.c|9|8|1\n5|e.c|3|4|1\n");
-  EXPECT_EQ(rows("SELECT * FROM Identifier"), "4|n|6|8\n");
+  EXPECT_EQ(writtenRows("File"), "3|c.c|9|8|1\n5|e.c|3|4|1\n");
+  EXPECT_EQ(writtenRows("Identifier"), "4|n|6|8\n");
 }
 
 TEST_F(FrontendDatabaseTest, GetId_OverwritesIdAndOtherColumnsFromTheFirstRowWithTheKey) {
@@ -83,7 +83,7 @@ TEST_F(FrontendDatabaseTest, GetIdOrAdd_KeepsAnIdElseTakesTheRowElseAdds) {
   File fresh("f.c", static_cast<FileKind>(9));
   EXPECT_EQ(db().getIdOrAdd(fresh), 6);
   EXPECT_EQ(fresh.getId(), 6);
-  EXPECT_EQ(rows("SELECT * FROM File"), "3|c.c|1|2|0\n5|e.c|3|4|1\n6|f.c|9|0|0\n");
+  EXPECT_EQ(writtenRows("File"), "3|c.c|1|2|0\n5|e.c|3|4|1\n6|f.c|9|0|0\n");
 }
 
 TEST_F(FrontendDatabaseTest, GetByIdTwice_GivesOneElementAndRunsNoSqlTheSecondTime) {
@@ -160,8 +160,7 @@ TEST_F(FrontendDatabaseTest, Walks_GoThroughTheTableOnceAndStartOver) {
 
 /// One operation that steps a statement, the code that it expects, and what it answers when the
 /// step fails.
-struct Operation {
-  const char* name;
+struct Operation : NamedCase {
   int expected;
   bool isRead;
   std::function<long long(CompilationDatabase&)> run;

@@ -69,13 +69,16 @@ TEST_F(Load, NamesOfFieldsEnumConstantsAndLabels_AreCountedOnceMoreAndLoseTheirI
   EXPECT_TRUE(loadAll());
   for (const char* name : {"field", "ENUM", "label"}) {
     const Identifier* identifier = data->getIdentifier(name);
+    ASSERT_NE(identifier, nullptr) << name;
     EXPECT_EQ(identifier->getCount(), 2u) << name;
     EXPECT_EQ(identifier->getId(), 0) << name;
     EXPECT_TRUE(identifier->dirty) << name;
   }
-  EXPECT_EQ(data->getIdentifier("f")->getCount(), 3u);
-  EXPECT_NE(data->getIdentifier("f")->getId(), 0);
-  EXPECT_FALSE(data->getIdentifier("f")->dirty);
+  const Identifier* f = data->getIdentifier("f");
+  ASSERT_NE(f, nullptr);
+  EXPECT_EQ(f->getCount(), 3u);
+  EXPECT_NE(f->getId(), 0);
+  EXPECT_FALSE(f->dirty);
 }
 
 TEST_F(Load, SecondLoadOfTheProcess_ReadsNothingWhateverTheDataset) {

@@ -173,7 +173,7 @@ TEST_F(SaveToCompDb, Repeated_WithOrWithoutResetIds_RewritesNothingThatCountedNo
                           /*isDefined=*/false, LinkageKind::None, /*accumulate=*/true, 0);
     ASSERT_TRUE(data->saveToCompDB());
     const std::string before = dump(compFile);
-    EXPECT_THAT(before, HasSubstr("Function|1|1|1|1|1|4|1|1|1|0|1|5\n"));
+    EXPECT_THAT(before, HasSubstr("\nFunction|1|1|1|1|1|4|1|1|1|0|1|5"));
     for (const bool isReset : {false, true, true}) {
       if (isReset) data->resetIds(db());
       EXPECT_TRUE(data->saveToCompDB());
@@ -189,11 +189,14 @@ TEST_F(SaveToCompDb, Repeated_WritesWhatHasCountedSince) {
   ASSERT_TRUE(data->saveToCompDB());
   data->resetIds(db());
   const Localization place{data->getFile("a.c"), 4, 1};
-  data->getFunction("f", place)->setRefCount(2);
-  data->getVariable({place.file, 6, 1}, data->getIdentifier("v"))->setRefCount(8);
+  Function* const f = data->getFunction("f", place);
+  Variable* const v = data->getVariable({place.file, 6, 1}, data->getIdentifier("v"));
+  ASSERT_TRUE(f != nullptr && v != nullptr);
+  f->setRefCount(2);
+  v->setRefCount(8);
   EXPECT_TRUE(data->saveToCompDB());
   EXPECT_EQ(rows("SELECT RefCount FROM Function; SELECT RefCount FROM Variable"), "7\n8\n");
-  data->getFunction("f", place)->setRefCount(9);
+  f->setRefCount(9);
   EXPECT_TRUE(data->saveToCompDB());
   EXPECT_EQ(rows("SELECT RefCount FROM Function"), "9\n");
 }
