@@ -18,8 +18,7 @@ constexpr char kRows[] =
     "INSERT INTO Variable VALUES (5,5,5,8,8,5,1,1,1);"
     "INSERT INTO ExternalIdentifier VALUES (5,5,1,5)";
 
-struct Case {
-  const char* rule;
+struct Case : NamedCase {
   std::string sql;
 };
 struct Merger : MergeTest, testing::WithParamInterface<Case> {
@@ -51,12 +50,13 @@ INSTANTIATE_TEST_SUITE_P(Cases, UnreadableSource, testing::Values(
     Case{"RowIdZero", "UPDATE Field SET FieldId=0"},
     Case{"DamagedPage", "PRAGMA writable_schema=ON; UPDATE sqlite_schema SET rootpage=(SELECT "
          "rootpage FROM sqlite_schema WHERE tbl_name='File' AND type='index') WHERE name='Label'"}),
-    kRuleName);
+    caseName);
 
 /// Labels of one line exclude each other, and the clause decides what becomes of the second.
 std::string labelsUnique(const std::string& clause) {
   return "CREATE TABLE Own (LabelId INTEGER PRIMARY KEY, IdentifierId, DeclFileId, DeclLineNum "
-         "UNIQUE ON CONFLICT " + clause + ", DeclColNum); INSERT INTO Own SELECT * FROM Label; "
+         "UNIQUE ON CONFLICT " + clause + ", DeclColNum); INSERT INTO Own SELECT LabelId, "
+         "IdentifierId, DeclFileId, DeclLineNum, DeclColNum FROM Label; "
          "DROP TABLE Label; ALTER TABLE Own RENAME TO Label";
 }
 
@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, RefusedRow, testing::Values(
     Case{"Replaced", labelsUnique("REPLACE")},
     Case{"IdThatIsNoRowId", "CREATE TABLE Copy AS SELECT * FROM Field; DROP TABLE Field; "
          "ALTER TABLE Copy RENAME TO Field"},
-    Case{"NoIdLeft", "UPDATE sqlite_sequence SET seq=9223372036854775807"}), kRuleName);
+    Case{"NoIdLeft", "UPDATE sqlite_sequence SET seq=9223372036854775807"}), caseName);
 
 // clang-format on
 

@@ -4,8 +4,8 @@ namespace fe_db_tests {
 namespace {
 
 /// In each file: the files 1 a.h and 2 b.h, the names 1 x, counted twice, and 3 "".
-struct Example {
-  const char *rule, *target;
+struct Example : NamedCase {
+  const char* target;
   std::vector<const char*> sources;
   const char *query, *expected;
 };
@@ -67,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, WorkedExample, testing::Values(
          "INSERT INTO ExternalIdentifier VALUES (1,3,1,5),(2,3,7,5),(3,3,-1,5),(4,1,-1,5),"
          "(5,3,0,5)"},
         "SELECT Name, E.Kind, EntityId, I.Kind FROM ExternalIdentifier E JOIN Identifier I "
-        "USING (IdentifierId) ORDER BY 1,2", "|-1|0|16\n|0|1|16\n|1|1|16\nx|7|0|16\n"}), kRuleName);
+        "USING (IdentifierId) ORDER BY 1,2", "|-1|0|16\n|0|1|16\n|1|1|16\nx|7|0|16\n"}), caseName);
 // clang-format on
 
 TEST_F(WorkedExample, MergedFileMergedAgain_CountsItsFieldsAgain) {

@@ -34,8 +34,7 @@ void leaveOnly(Path path, const std::string& sql) {
 /// A table or a column is missing, which is what check lists.
 enum class Gap { no, yes };
 
-struct BadCase {
-  const char* rule;
+struct BadCase : NamedCase {
   void (*spoil)(Path path);  ///< a good database
   const char* message;       ///< a regular expression of what follows the file's name
   Gap gap = Gap::no;
@@ -107,12 +106,11 @@ TEST_P(BadFile, FailsWithItsNameAndReason_AndStaysAsItWas) {
   EXPECT_TRUE(bytesOf(bad) == before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, BadFile, testing::ValuesIn(kBadCases), kRuleName);
+INSTANTIATE_TEST_SUITE_P(Cases, BadFile, testing::ValuesIn(kBadCases), caseName);
 
 /// Files that SQLite would read with their write-ahead log: files, and the log's index, change then
 /// although nobody writes. `f` is a folder with a good database x.db.
-struct WalCase {
-  const char* rule;
+struct WalCase : NamedCase {
   void (*make)(Path f);
   const char* message;
 };
@@ -181,7 +179,7 @@ TEST_P(WalFile, IsRefusedWithWhatToDo_AndNothingChanges) {
   outputOf({"stats", x});
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, WalFile, testing::ValuesIn(kWalCases), kRuleName);
+INSTANTIATE_TEST_SUITE_P(Cases, WalFile, testing::ValuesIn(kWalCases), caseName);
 
 /// What SQLite would find out when all sources are read and the first page is written.
 struct NoPermission : FeDbProgram, testing::WithParamInterface<const char*> {
