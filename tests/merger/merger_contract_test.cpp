@@ -115,6 +115,28 @@ TEST_F(Merger, NewIdsAreAboveAllEverGiven_AndMacroUsesStay) {
             "2003\n1001|1001|5|5|5\n");
 }
 
+// The order of rows is open to the model of the random merges.
+TEST_F(Merger, MacrosOfAName_KeepTheOrderOfTheirGroup) {
+  const std::string columns =
+      "DELETE FROM Macro; INSERT INTO Macro (IdentifierId, DeclLineNum) VALUES ";
+  execute(target, columns + "(5, 1), (5, 2), (5, 3)");
+  execute(source, columns + "(5, 4), (5, 5), (5, 6)");
+  EXPECT_TRUE(merge(target, {source}));
+  EXPECT_EQ(
+      rows(target, "SELECT group_concat(DeclLineNum) FROM (SELECT * FROM Macro ORDER BY MacroId)"),
+      "1,5,6,4,3,2\n");
+}
+
+TEST_F(Merger, MergedFileMergedAgain_CountsItsFieldsAgain) {
+  const std::string field =
+      "INSERT INTO Identifier VALUES (1, 'x', 2, 0); INSERT INTO Field "
+      "(IdentifierId) VALUES (1)";
+  const std::string a = file("a.db", field), part = file("part.db", ""), top = file("top.db", "");
+  EXPECT_TRUE(merge(part, {a, a}) && merge(top, {part}));
+  EXPECT_EQ(rows(part, "SELECT Count FROM Identifier"), "6\n");
+  EXPECT_EQ(rows(top, "SELECT Count FROM Identifier"), "7\n");
+}
+
 TEST_F(Merger, TablesThatTheProcessHasLoaded_AreReadAgainInEachThread) {
   const auto data = orvalesca::databases_merger::CompilationData::newInstance(source, "");
   data->setDataNeededForDbLink();
