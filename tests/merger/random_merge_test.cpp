@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <random>
+#include <sstream>
 
 #include "merge_fixture.h"
 #include "merge_model.h"
@@ -16,7 +17,7 @@ class Generator {
   unsigned below(std::size_t n) { return static_cast<unsigned>(random() % n); }
   bool one(unsigned in) { return below(in) == 0; }
 
-  /// As INSERT statements. A dirty one has references that lead nowhere.
+  /// As INSERT statements. A dirty one has dangling references.
   std::string database(bool mayBeDirty, bool mayHaveLargestIds) {
     isDirty = mayBeDirty;
     idRange = below(mayHaveLargestIds ? 4 : 3);
@@ -87,6 +88,29 @@ class Generator {
   std::map<std::string, std::vector<std::string>> texts;
 };
 
+std::string text(const Table& table, const std::map<std::string, Row>& rows) {
+  std::string lines;
+  for (const auto& [key, row] : rows) {
+    lines += table.name;
+    for (const auto& [column, value] : row) lines += " " + column + "=" + value.value_or("NULL");
+    lines += "\n";
+  }
+  return lines;
+}
+
+/// The lines that only one of two texts has: `-` of what was expected, `+` of what came.
+std::string difference(const std::string& expected, const std::string& actual) {
+  std::map<std::string, int> lines;
+  std::string line;
+  for (std::istringstream in(expected); std::getline(in, line);) --lines[line];
+  for (std::istringstream in(actual); std::getline(in, line);) ++lines[line];
+  std::string differing;
+  for (const auto& [text, count] : lines) {
+    if (count != 0) differing += (count < 0 ? "- " : "+ ") + text + "\n";
+  }
+  return differing.empty() ? "the order of the lines\n" : differing;
+}
+
 struct RandomMerge : MergeTest {
   bool isRefused = false;  ///< the target has rows that would be lost
   Content content;         ///< of the target, and then as it is to become
@@ -116,7 +140,8 @@ struct RandomMerge : MergeTest {
     EXPECT_EQ(lineCount(said), static_cast<long>(reports)) << said;
     Content actual = read(target);
     for (const Table& table : tables()) {
-      EXPECT_EQ(actual.rows[table.name], content.rows[table.name]) << table.name;
+      const auto &expected = content.rows[table.name], &rows = actual.rows[table.name];
+      EXPECT_TRUE(rows == expected) << difference(text(table, expected), text(table, rows));
     }
     EXPECT_FALSE(actual.hasDuplicates || !actual.reports.empty()) << "nothing is left to say";
   }
@@ -132,7 +157,8 @@ struct RandomMerge : MergeTest {
       arguments.insert(arguments.end(), sources.begin(), sources.end());
       const ProgramResult result = feDb(arguments);
       EXPECT_EQ(result.exitCode, isRefused ? 1 : 0) << result.errors;
-      EXPECT_EQ(outputOf({"dump", path("result.db")}), expected) << jobs << " jobs";
+      const std::string dumped = outputOf({"dump", path("result.db")});
+      EXPECT_TRUE(dumped == expected) << jobs << " jobs:\n" << difference(expected, dumped);
     }
   }
 };

@@ -75,6 +75,13 @@ inline auto isReport(int rc, int expected, const std::string& reason,
       after);
 }
 
+/// Base of the cases of a parameterised test: a failure prints the name instead of bytes.
+struct NamedCase {
+  constexpr NamedCase(const char* text) : name(text) {}  // implicit: the first value of a case
+  friend std::ostream& operator<<(std::ostream& out, const NamedCase& c) { return out << c.name; }
+  const char* name;
+};
+
 /// Names the cases of a parameterised test after their member `name`.
 inline constexpr auto caseName = [](const auto& test) { return std::string(test.param.name); };
 

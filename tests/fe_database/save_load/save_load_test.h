@@ -85,17 +85,17 @@ inline constexpr char kFilledContent[] =
     "Identifier|var|2|20\n"
     "Macro|M|a.c|10|9|5|7|0|1|0|0|0|7u\n"
     "Macro|PREDEFINED|NULL|0|3|0|NULL|0|1|0|0|0|\n"
-    "Type|alias|a.h|2|9|512|0|0|0|3|0\n"
-    "Type|base|a.h|1|8|4|0|0|0|1|2\n"
-    "TypeReference|alias:2|base:1\n"
-    "Variable|var|a.c|3|1|base:1|1|1|0\n"
-    "Function|f|a.c|4|1|f|1|0|0|1|0\n"
-    "Function|g|a.c|5|1|g_source|0|1|2|0|2\n"
-    "ExternalIdentifier|f|1|f:4\n"
-    "ExternalIdentifier|var|0|var:3\n"
+    "Type|alias|0|0|0|a.h|2|9|512|3|0\n"
+    "Type|base|0|0|0|a.h|1|8|4|1|2\n"
+    "TypeReference|a.h:2:9:alias:512|a.h:1:8:base:4\n"
+    "Variable|var|a.c|3|1|a.h:1:8:base:4|1|1|0\n"
+    "Function|f|f|a.c|4|1|1|0|0|1|0\n"
+    "Function|g|g_source|a.c|5|1|0|1|2|0|2\n"
+    "ExternalIdentifier|f|1|a.c:4:1:f\n"
+    "ExternalIdentifier|var|0|a.c:3:1:var\n"
     "Field|field|a.h|1|20|4\n"
     "EnumConstant|ENUM|a.h|7|3\n"
     "Label|label|a.c|8|1\n"
-    "CallPoint|a.c|9|5|1|f:4|g:5\n";
+    "CallPoint|a.c|9|5|1|a.c:4:1:f|a.c:5:1:g\n";
 
 }  // namespace fe_db_tests
