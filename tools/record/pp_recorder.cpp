@@ -38,6 +38,7 @@ class PpRecorder::Impl {
   MacroTable macros;
   MacroTracker tracker;
   bool isInText = false;       ///< tokens of the buffer of predefined macros come first
+  bool isFinished = false;     ///< what is expanded now is no part of the unit
   bool isStartOfLine = false;  ///< kept over tokens that are not printed
 };
 
@@ -157,6 +158,7 @@ class Callbacks : public clang::PPCallbacks {
 
   void MacroExpands(const clang::Token& name, const clang::MacroDefinition& definition,
                     clang::SourceRange range, const clang::MacroArgs*) override {
+    if (impl.isFinished) return;
     // An operator, whatever Clang makes of it.
     if (name.getIdentifierInfo()->isStr("_Pragma")) return;
     if (dm::Macro* macro = refer(name, definition)) {
@@ -216,7 +218,9 @@ class Callbacks : public clang::PPCallbacks {
 PpRecorder::PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
     : impl(std::make_unique<Impl>(sink, files, preprocessor)) {
   preprocessor.addPPCallbacks(std::make_unique<Callbacks<Impl>>(*impl));
-  preprocessor.setTokenWatcher([this](const clang::Token& token) { impl->token(token); });
+  preprocessor.setTokenWatcher([this](const clang::Token& token) {
+    if (!impl->isFinished) impl->token(token);
+  });
 }
 
 PpRecorder::~PpRecorder() = default;
@@ -225,6 +229,7 @@ void PpRecorder::finish() {
   impl->tracker.flush();
   impl->printer.finish();
   impl->files.settleKinds();
+  impl->isFinished = true;
 }
 
 void PpRecorder::recordMacroValues(const clang::ASTContext& context) {
