@@ -10,6 +10,7 @@
 #include "file_table.h"
 #include "llvm/ADT/DenseSet.h"
 #include "type_table.h"
+#include "unevaluated.h"
 #include "value_use.h"
 
 namespace fe_db_tools {
@@ -27,9 +28,14 @@ const clang::FieldDecl* fieldOf(const clang::DesignatedInitExpr::Designator& des
 /// Where a reader sees the call: at the callee's name or at the operator.
 clang::SourceLocation positionOf(const clang::CallExpr& call) {
   clang::SourceLocation at;
-  if (const auto* operation = llvm::dyn_cast<clang::CXXOperatorCallExpr>(&call)) {
+  const auto* operation = llvm::dyn_cast<clang::CXXOperatorCallExpr>(&call);
+  const bool hasBrackets =
+      operation != nullptr && (operation->getOperator() == clang::OO_Call ||
+                               operation->getOperator() == clang::OO_Subscript);
+  if (operation != nullptr && !hasBrackets) {
     at = operation->getOperatorLoc();
   } else {
+    // The name of an operator with brackets is where they open.
     const clang::Expr* callee = call.getCallee()->IgnoreParenImpCasts();
     if (const auto* name = llvm::dyn_cast<clang::DeclRefExpr>(callee)) at = name->getLocation();
     if (const auto* member = llvm::dyn_cast<clang::MemberExpr>(callee)) at = member->getMemberLoc();
@@ -47,6 +53,7 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
         files(files),
         types(sink, files, context),
         entities(sink, files, types, context),
+        unevaluated(context),
         system(system),
         context(context) {}
 
@@ -58,6 +65,11 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
   bool TraverseDecl(clang::Decl* declaration);
   bool TraverseParmVarDecl(clang::ParmVarDecl* parameter);
   bool TraverseLambdaExpr(clang::LambdaExpr* lambda, DataRecursionQueue* queue = nullptr);
+  bool TraverseAttr(clang::Attr* attribute);
+  bool dataTraverseStmtPre(clang::Stmt* statement);
+  bool dataTraverseStmtPost(clang::Stmt* statement);
+  bool VisitDecltypeTypeLoc(clang::DecltypeTypeLoc at);
+  bool VisitTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at);
 
   // --- Declarations.
 
@@ -110,9 +122,11 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
   TypeTable types;
   EntityTable entities;
   ValueUse values;
+  Unevaluated unevaluated;
   SystemFacts system;
   clang::ASTContext& context;
-  std::vector<const clang::FunctionDecl*> callers{nullptr};  ///< null outside of functions
+  /// Null outside of functions and where nothing is evaluated.
+  std::vector<const clang::FunctionDecl*> callers{nullptr};
   const void* tagged = nullptr;  ///< the name behind a `struct`, `union`, `class` or `enum`
   llvm::DenseSet<const clang::EnumConstantDecl*> seenSystemConstants;
   llvm::DenseSet<clang::SourceLocation> seenTypeNames;  ///< one name serves `T a, b;`
@@ -162,6 +176,33 @@ bool AstRecorder::TraverseLambdaExpr(clang::LambdaExpr* lambda, DataRecursionQue
   goOn = goOn && TraverseStmt(lambda->getBody());
   callers.pop_back();
   return goOn;
+}
+
+bool AstRecorder::TraverseAttr(clang::Attr* attribute) {
+  callers.push_back(nullptr);
+  const bool goOn = Base::TraverseAttr(attribute);
+  callers.pop_back();
+  return goOn;
+}
+
+bool AstRecorder::dataTraverseStmtPre(clang::Stmt* statement) {
+  if (unevaluated.contains(statement)) callers.push_back(nullptr);
+  return true;
+}
+
+bool AstRecorder::dataTraverseStmtPost(clang::Stmt* statement) {
+  if (unevaluated.contains(statement)) callers.pop_back();
+  return true;
+}
+
+bool AstRecorder::VisitDecltypeTypeLoc(clang::DecltypeTypeLoc at) {
+  unevaluated.add(at.getUnderlyingExpr());
+  return true;
+}
+
+bool AstRecorder::VisitTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at) {
+  if (!at.getType()->isVariablyModifiedType()) unevaluated.add(at.getUnderlyingExpr());
+  return true;
 }
 
 // --- Declarations.
@@ -302,6 +343,7 @@ bool AstRecorder::referToType(clang::TypeLoc at) {
 
 bool AstRecorder::VisitStmt(clang::Stmt* statement) {
   values.enter(*statement);
+  unevaluated.enter(*statement);
   return true;
 }
 

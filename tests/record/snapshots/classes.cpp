@@ -92,8 +92,8 @@
 //                                                    ^^^^^ Call of plain by operator(), used
     if (first && mode == outer::Mode::on) add(box.size());
 //      ^^^^^^^^^^^^^ Call of operator bool by run, used
+//                                           ^^^^^^^^^^ Call of operator() by run, dropped
 //                                                ^^^^ Call of size by run, used
-//                                                      ^^^^^^^^^^ Call of operator() by run, dropped
     int numbers[] = {1, 2};
 //      ^^^^^^^ Variable of int defined linkage=0 refs=1
     auto [left, right] = outer::Box<int[2]>().item;

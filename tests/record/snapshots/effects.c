@@ -11,7 +11,7 @@ struct plain { int a; int items[4]; };
 //                 ^ Field refs=2
 //                        ^^^^^ Field refs=2
 extern int shared, opaque(int);
-//         ^^^^^^ Variable of int declared linkage=1 refs=3 external=shared
+//         ^^^^^^ Variable of int declared linkage=1 refs=6 external=shared
 //                 ^^^^^^ Function opaque declared linkage=1 refs=2 external=opaque
 extern int pure_one(int) __attribute__((pure));
 //         ^^^^^^^^ Function pure_one declared linkage=1 refs=1 external=pure_one
@@ -38,6 +38,11 @@ static int copies(const int *p) { int a[2]; memcpy(a, p, sizeof a); return a[0];
 //                           ^ Variable of int defined linkage=0 refs=1
 //                                    ^ Variable of int defined linkage=0 refs=3
 //                                          ^^^^^^ Call of memcpy by copies, dropped
+static int not_chosen(int n) { return _Generic(n, int: n, long: shared = n) + __builtin_choose_expr(1, n, shared = n) + __builtin_constant_p(shared = n); }
+//         ^^^^^^^^^^ Function not_chosen@/effects.c defined linkage=2 refs=0 no effect
+//                        ^ Variable of int defined linkage=0 refs=6
+//                                                                                                                      ^^^^^^^^^^^^^^^^^^^^ Call of __builtin_constant_p by not_chosen, used
+//                                                                                                                      ^^^^^^^^^^^^^^^^^^^^ Function __builtin_constant_p declared linkage=1 refs=1 external=__builtin_constant_p
 static int pure_call(int n) { return pure_one(n) + locals(sizeof(shared = n)); }
 //         ^^^^^^^^^ Function pure_call@/effects.c defined linkage=2 refs=0 no effect
 //                       ^ Variable of int defined linkage=0 refs=2

@@ -1,5 +1,5 @@
 int shared;
-//  ^^^^^^ Variable of int defined linkage=1 refs=9 external=shared
+//  ^^^^^^ Variable of int defined linkage=1 refs=11 external=shared
 int opaque();
 //  ^^^^^^ Function _Z6opaquev declared linkage=1 refs=3 external=_Z6opaquev
 struct Plain { int a = 0; int get() const { return a; } void set(int v) { a = v; } };
@@ -73,6 +73,8 @@ int assigns() { Assigned a{1}, b{2}; a = b; return a.n; }
 //                                     ^^^^^^^^^ Call of operator= by assigns, dropped
 int unevaluated() { return sizeof(shared++) + noexcept(shared++) + decltype(shared++){}; }
 //  ^^^^^^^^^^^ Function _Z11unevaluatedv defined linkage=1 refs=0 external=_Z11unevaluatedv no effect
+int discards() { if constexpr (sizeof(int) == 1) ++shared; return requires { ++shared; }; }
+//  ^^^^^^^^ Function _Z8discardsv defined linkage=1 refs=0 external=_Z8discardsv no effect
 int binds(Plain p) { auto [a] = p; a = 2; return a; }
 //  ^^^^^ Function _Z5binds5Plain defined linkage=1 refs=0 external=_Z5binds5Plain no effect
 //              ^ Variable of Plain defined linkage=0 refs=1
@@ -90,7 +92,7 @@ void by_capture(int n) { [&n] { n = 2; }(); }
 //   ^^^^^^^^^^ Function _Z10by_capturei defined linkage=1 refs=0 external=_Z10by_capturei has effects
 //                  ^ Variable of int defined linkage=0 refs=2
 //                       ^^^^^^^^^^ Function _ZZ10by_captureiENK3$_0clEv@/effects.cpp defined special linkage=2 refs=1 has effects
-//                                       ^^^^^^^^^^ Call of operator() by by_capture, dropped
+//                                      ^^^^^^^^^^ Call of operator() by by_capture, dropped
 void constructs() { Loud l; }
 //   ^^^^^^^^^^ Function _Z10constructsv defined linkage=1 refs=0 external=_Z10constructsv has effects
 //                       ^ Variable of Loud defined linkage=0 refs=0
