@@ -90,6 +90,7 @@ void References::toType(clang::TypeLoc at, bool byTag) {
   const clang::SourceLocation place = at.getBeginLoc();
   const auto* special = llvm::dyn_cast<clang::TemplateSpecializationType>(at.getTypePtr());
   if (special != nullptr && isParameter(special->getTemplateName())) return;
+  if (place.isInvalid()) return;  // made by the compiler, as for a transparent union
   if (declaredNames.contains(place) || !isOfInterest(at.getType())) return;
   dm::Type* type = types.named(at.getType());
   if (type == nullptr || !isFirst(place, type)) return;  // one name serves `T a, b;`
