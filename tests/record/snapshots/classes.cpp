@@ -10,7 +10,7 @@
 //                         ^^ EnumConstant
 //                             ^^^ EnumConstant
   class Base {
-//      ^^^^ Type kind=256 refs=9 tagRefs=0
+//      ^^^^ Type kind=256 refs=8 tagRefs=0
    public:
     Base() : value(1) {}
 //  ^^^^ Function _ZN5outer4BaseC1Ev defined special linkage=1 refs=1 external=_ZN5outer4BaseC1Ev no effect

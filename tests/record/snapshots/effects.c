@@ -74,7 +74,7 @@ static void kept(void) { static int calls; ++calls; }
 //          ^^^^ Function kept@/effects.c defined linkage=2 refs=0 has effects
 //                                  ^^^^^ Variable of int defined linkage=0 refs=1
 static void through(int *p) { *p++ = 1; }
-//          ^^^^^^^ Function through@/effects.c defined linkage=2 refs=1 has effects
+//          ^^^^^^^ Function through@/effects.c defined linkage=2 refs=2 has effects
 //                       ^ Variable of int defined linkage=0 refs=1
 static void element(int p[2]) { p[1] |= 1; }
 //          ^^^^^^^ Function element@/effects.c defined linkage=2 refs=0 has effects
@@ -108,7 +108,7 @@ static void takes(va_list list) { (void)__builtin_va_arg(list, int); }
 //          ^^^^^ Function takes@/effects.c defined linkage=2 refs=0 has effects
 //                        ^^^^ Variable of __va_list_tag defined linkage=0 refs=1
 static void ends(int *p) { (void)p; }
-//          ^^^^ Function ends@/effects.c defined linkage=2 refs=0 no effect
+//          ^^^^ Function ends@/effects.c defined linkage=2 refs=1 no effect
 //                    ^ Variable of int defined linkage=0 refs=1
 static void cleans(void) { int x __attribute__((cleanup(through))) = 0; (void)x; }
 //          ^^^^^^ Function cleans@/effects.c defined linkage=2 refs=0 has effects

@@ -4,29 +4,29 @@ int opaque();
 //  ^^^^^^ Function _Z6opaquev declared linkage=1 refs=3 external=_Z6opaquev
 struct Plain { int a = 0; int get() const { return a; } void set(int v) { a = v; } };
 //     ^^^^^ Type kind=64 refs=5 tagRefs=0
-//                 ^ Field refs=3
+//                 ^ Field refs=4
 //                            ^^^ Function _ZNK5Plain3getEv defined linkage=1 refs=1 external=_ZNK5Plain3getEv no effect
 //                                                           ^^^ Function _ZN5Plain3setEi defined linkage=1 refs=0 external=_ZN5Plain3setEi has effects
 //                                                                   ^ Variable of int defined linkage=0 refs=1
 struct Loud { Loud() { ++shared; } ~Loud() {} };
-//     ^^^^ Type kind=64 refs=2 tagRefs=0
+//     ^^^^ Type kind=64 refs=1 tagRefs=0
 //            ^^^^ Function _ZN4LoudC1Ev defined special linkage=1 refs=1 external=_ZN4LoudC1Ev has effects
 //                                 ^^^^^ Function _ZN4LoudD1Ev defined special linkage=1 refs=0 external=_ZN4LoudD1Ev no effect
 struct Guard { Guard() {} ~Guard() { --shared; } };
-//     ^^^^^ Type kind=64 refs=4 tagRefs=0
+//     ^^^^^ Type kind=64 refs=3 tagRefs=0
 //             ^^^^^ Function _ZN5GuardC1Ev defined special linkage=1 refs=2 external=_ZN5GuardC1Ev has effects
 //                        ^^^^^^ Function _ZN5GuardD1Ev defined special linkage=1 refs=0 external=_ZN5GuardD1Ev has effects
 struct Holds { int n; Guard guard; ~Holds() {} };
-//     ^^^^^ Type kind=64 refs=3 tagRefs=0
+//     ^^^^^ Type kind=64 refs=2 tagRefs=0
 //                 ^ Field refs=0
 //                          ^^^^^ Field refs=0
 //                                 ^^^^^^ Function _ZN5HoldsD1Ev defined special linkage=1 refs=0 external=_ZN5HoldsD1Ev has effects
 struct Base { virtual int f() { return 1; } virtual ~Base() = default; };
-//     ^^^^ Type kind=64 refs=6 tagRefs=0
+//     ^^^^ Type kind=64 refs=5 tagRefs=0
 //                        ^ Function _ZN4Base1fEv defined linkage=1 refs=2 external=_ZN4Base1fEv
 //                                                  ^^^^^ Function _ZN4BaseD1Ev defined special linkage=1 refs=0 external=_ZN4BaseD1Ev
 struct Quiet { Quiet(int v) : value(v) {} ~Quiet() {} int value; };
-//     ^^^^^ Type kind=64 refs=3 tagRefs=0
+//     ^^^^^ Type kind=64 refs=2 tagRefs=0
 //             ^^^^^ Function _ZN5QuietC1Ei defined special linkage=1 refs=2 external=_ZN5QuietC1Ei no effect
 //                       ^ Variable of int defined linkage=0 refs=1
 //                                        ^^^^^^ Function _ZN5QuietD1Ev defined special linkage=1 refs=0 external=_ZN5QuietD1Ev no effect

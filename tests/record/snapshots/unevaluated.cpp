@@ -9,7 +9,7 @@ struct Box { int& operator[](int) { return item; } int operator()(int n, int) { 
 //                                                                    ^ Variable of int defined linkage=0 refs=1
 //                                                                                                     ^^^^ Field refs=2
 struct Virtual { virtual ~Virtual() {} static Virtual& one(); };
-//     ^^^^^^^ Type kind=64 refs=3 tagRefs=0
+//     ^^^^^^^ Type kind=64 refs=2 tagRefs=0
 //                       ^^^^^^^^ Function _ZN7VirtualD1Ev defined special linkage=1 refs=0 external=_ZN7VirtualD1Ev
 //                                                     ^^^ Function _ZN7Virtual3oneEv declared linkage=1 refs=1 external=_ZN7Virtual3oneEv
 template <class T> concept Gets = requires(T t) { get(t); requires get(1) == 1; };
