@@ -8,6 +8,7 @@
 #include "effect_analysis.h"
 #include "entity_table.h"
 #include "file_table.h"
+#include "implicit_calls.h"
 #include "llvm/ADT/DenseSet.h"
 #include "type_table.h"
 #include "unevaluated.h"
@@ -54,9 +55,12 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
         types(sink, files, context),
         entities(sink, files, types, context),
         unevaluated(context),
+        implicitCalls(sink, files, entities, context),
         system(system),
         context(context) {}
 
+  /// After the whole unit has been visited.
+  void recordImplicitCalls() { implicitCalls.record(); }
   /// Of the definitions recorded so far.
   void recordEffects();
 
@@ -123,6 +127,7 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
   EntityTable entities;
   ValueUse values;
   Unevaluated unevaluated;
+  ImplicitCalls implicitCalls;
   SystemFacts system;
   clang::ASTContext& context;
   /// Null outside of functions and where nothing is evaluated.
@@ -232,6 +237,7 @@ bool AstRecorder::VisitVarDecl(clang::VarDecl* declaration) {
     if (function == nullptr || !function->doesThisDeclarationHaveABody()) return true;
   }
   entities.variable(*declaration);
+  implicitCalls.enter(*declaration, callers.back());
   return true;
 }
 
@@ -241,7 +247,9 @@ bool AstRecorder::VisitBindingDecl(clang::BindingDecl* declaration) {
 }
 
 bool AstRecorder::VisitFunctionDecl(clang::FunctionDecl* declaration) {
-  if (!declaration->isImplicit()) entities.function(*declaration);
+  if (declaration->isImplicit()) return true;
+  entities.function(*declaration);
+  implicitCalls.enter(*declaration);
   return true;
 }
 
@@ -344,6 +352,7 @@ bool AstRecorder::referToType(clang::TypeLoc at) {
 bool AstRecorder::VisitStmt(clang::Stmt* statement) {
   values.enter(*statement);
   unevaluated.enter(*statement);
+  if (context.getLangOpts().CPlusPlus) implicitCalls.enter(*statement, callers.back());
   return true;
 }
 
@@ -407,6 +416,7 @@ void AstRecorder::recordEffects() {
 void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system) {
   AstRecorder recorder(sink, files, context, system);
   recorder.TraverseDecl(context.getTranslationUnitDecl());
+  recorder.recordImplicitCalls();
   // Of a body with errors parts are missing.
   if (!context.getDiagnostics().hasErrorOccurred()) recorder.recordEffects();
 }
