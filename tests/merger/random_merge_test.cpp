@@ -115,8 +115,8 @@ struct RandomMerge : MergeTest {
   bool isRefused = false;  ///< the target has rows that would be lost
   Content content;         ///< of the target, and then as it is to become
 
-  void play(int seed) {
-    Generator random(static_cast<unsigned>(seed));
+  void play(unsigned seed) {
+    Generator random(seed);
     const bool isForProgram = seed % 10 == 0, isNew = random.one(4);
     const std::string sql = isNew ? "" : random.database(random.one(8), false);
     const std::string target = file("target.db", sql), before = dump(target);
@@ -167,14 +167,13 @@ struct RandomMerge : MergeTest {
 
 // FE_DB_MODEL_SEED is the first seed, FE_DB_MODEL_SEEDS how many run.
 TEST_F(RandomMerge, GivesWhatTheModelGives) {
-  const char *seed = std::getenv("FE_DB_MODEL_SEED"), *count = std::getenv("FE_DB_MODEL_SEEDS");
-  const int first = seed != nullptr ? std::stoi(seed) : 1;
-  const int seeds = count != nullptr ? std::stoi(count) : 200;
-  int refused = 0;
-  for (int n = first; n < first + seeds && !HasFailure(); ++n) {
+  const unsigned first = fromEnvironment("FE_DB_MODEL_SEED", 1);
+  const unsigned seeds = fromEnvironment("FE_DB_MODEL_SEEDS", 200);
+  unsigned refused = 0;
+  for (unsigned n = first; n < first + seeds && !HasFailure(); ++n) {
     SCOPED_TRACE("to repeat: FE_DB_MODEL_SEEDS=1 FE_DB_MODEL_SEED=" + std::to_string(n));
     play(n);
-    refused += isRefused ? 1 : 0;
+    refused += isRefused;
   }
   EXPECT_LE(refused, 1 + seeds / 4) << "too few merges";
 }
