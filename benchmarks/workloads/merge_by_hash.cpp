@@ -43,6 +43,7 @@ class Texts {
 
 // --- Rows. Each says what is selected and inserted and where that goes, what a repeat adds
 // to the first, and which texts have to outlive the source. Numbers keep their 32 bits.
+// They list their columns themselves on purpose: a comparison shares nothing with the library.
 
 struct Stored {
   const char* table;

@@ -12,6 +12,7 @@ build_packages=(g++ cmake make ninja-build libsqlite3-dev "libboost-dev|libboost
 # What the benchmarks and the instruction counts at the end of the tests need in addition.
 bench_packages=(libbenchmark-dev valgrind python3)
 fault_packages=(python3)  # the fault kit, which the tests run in part
+style_packages=(clang-format-14 clang-tidy-14)
 record_packages=(libclang-19-dev llvm-19-dev)
 record_fallback=(libclang-14-dev)
 

@@ -18,8 +18,7 @@ constexpr char kRows[] =
     "INSERT INTO Variable VALUES (5,5,5,8,8,5,1,1,1);"
     "INSERT INTO ExternalIdentifier VALUES (5,5,1,5)";
 
-struct Case {
-  const char* rule;
+struct Case : NamedCase {
   std::string sql;
 };
 struct Merger : MergeTest, testing::WithParamInterface<Case> {
@@ -51,12 +50,13 @@ INSTANTIATE_TEST_SUITE_P(Cases, UnreadableSource, testing::Values(
     Case{"RowIdZero", "UPDATE Field SET FieldId=0"},
     Case{"DamagedPage", "PRAGMA writable_schema=ON; UPDATE sqlite_schema SET rootpage=(SELECT "
          "rootpage FROM sqlite_schema WHERE tbl_name='File' AND type='index') WHERE name='Label'"}),
-    kRuleName);
+    caseName);
 
 /// Labels of one line exclude each other, and the clause decides what becomes of the second.
 std::string labelsUnique(const std::string& clause) {
   return "CREATE TABLE Own (LabelId INTEGER PRIMARY KEY, IdentifierId, DeclFileId, DeclLineNum "
-         "UNIQUE ON CONFLICT " + clause + ", DeclColNum); INSERT INTO Own SELECT * FROM Label; "
+         "UNIQUE ON CONFLICT " + clause + ", DeclColNum); INSERT INTO Own SELECT LabelId, "
+         "IdentifierId, DeclFileId, DeclLineNum, DeclColNum FROM Label; "
          "DROP TABLE Label; ALTER TABLE Own RENAME TO Label";
 }
 
@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, RefusedRow, testing::Values(
     Case{"Replaced", labelsUnique("REPLACE")},
     Case{"IdThatIsNoRowId", "CREATE TABLE Copy AS SELECT * FROM Field; DROP TABLE Field; "
          "ALTER TABLE Copy RENAME TO Field"},
-    Case{"NoIdLeft", "UPDATE sqlite_sequence SET seq=9223372036854775807"}), kRuleName);
+    Case{"NoIdLeft", "UPDATE sqlite_sequence SET seq=9223372036854775807"}), caseName);
 
 // clang-format on
 
@@ -113,6 +113,28 @@ TEST_F(Merger, NewIdsAreAboveAllEverGiven_AndMacroUsesStay) {
                  "O.FileId, E.FileId FROM File F, Identifier, MacroInvocation U, "
                  "MacroInvocationCodeOrigin O, MacroExpansion E"),
             "2003\n1001|1001|5|5|5\n");
+}
+
+// The order of rows is open to the model of the random merges.
+TEST_F(Merger, MacrosOfAName_KeepTheOrderOfTheirGroup) {
+  const std::string columns =
+      "DELETE FROM Macro; INSERT INTO Macro (IdentifierId, DeclLineNum) VALUES ";
+  execute(target, columns + "(5, 1), (5, 2), (5, 3)");
+  execute(source, columns + "(5, 4), (5, 5), (5, 6)");
+  EXPECT_TRUE(merge(target, {source}));
+  EXPECT_EQ(
+      rows(target, "SELECT group_concat(DeclLineNum) FROM (SELECT * FROM Macro ORDER BY MacroId)"),
+      "1,5,6,4,3,2\n");
+}
+
+TEST_F(Merger, MergedFileMergedAgain_CountsItsFieldsAgain) {
+  const std::string field =
+      "INSERT INTO Identifier VALUES (1, 'x', 2, 0); INSERT INTO Field "
+      "(IdentifierId) VALUES (1)";
+  const std::string a = file("a.db", field), part = file("part.db", ""), top = file("top.db", "");
+  EXPECT_TRUE(merge(part, {a, a}) && merge(top, {part}));
+  EXPECT_EQ(rows(part, "SELECT Count FROM Identifier"), "6\n");
+  EXPECT_EQ(rows(top, "SELECT Count FROM Identifier"), "7\n");
 }
 
 TEST_F(Merger, TablesThatTheProcessHasLoaded_AreReadAgainInEachThread) {

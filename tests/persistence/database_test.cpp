@@ -10,8 +10,7 @@ namespace {
 
 using testing::HasSubstr;
 
-struct RefusedFile {
-  const char* name;
+struct RefusedFile : NamedCase {
   std::function<void(const std::string&)> make;
   bool mustHaveTables;
   bool readOnly;

@@ -8,8 +8,7 @@ namespace {
 
 using testing::HasSubstr;
 
-struct Breaker {
-  const char* name;
+struct Breaker : NamedCase {
   /// Makes the next statement fail in a way that ends the transaction.
   std::function<void(TestDatabase&)> run;
 };

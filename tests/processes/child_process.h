@@ -1,12 +1,11 @@
 #pragma once
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <csignal>
-#include <fstream>
-#include <sstream>
+#include <cstdio>
+#include <future>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,32 +13,24 @@
 
 namespace fe_db_tests {
 
-/// A running program that the test talks to: lines of its standard output come here, a line can be
-/// given to it. Killed on destruction unless it was waited for.
+/// A running program that the test talks to: lines of its standard output come here, and it can be
+/// told to go on. Killed on destruction unless it was waited for.
 class ChildProcess {
  public:
-  ChildProcess(std::vector<std::string> command, std::string errorFile)
-      : errorFile(std::move(errorFile)) {
-    int input[2];
-    int output[2];
-    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) std::abort();
-    std::vector<char*> arguments;
-    for (std::string& argument : command) arguments.push_back(argument.data());
-    arguments.push_back(nullptr);
-    pid = fork();
-    if (pid == 0) {
-      dup2(input[0], STDIN_FILENO);
-      dup2(output[1], STDOUT_FILENO);
-      dup2(open(this->errorFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666), STDERR_FILENO);
-      execv(arguments[0], arguments.data());
-      _exit(127);
-    }
-    close(input[0]);
-    close(output[1]);
-    toChild = input[1];
-    fromChild = output[0];
+  /// `pipes`: a path, which is extended to those of its input and output.
+  ChildProcess(std::vector<std::string> command, const std::string& pipes) {
+    const std::string in = pipes + ".in", out = pipes + ".out";
+    for (const std::string& name : {in, out}) mkfifo(name.c_str(), 0600);
+    command.insert(command.begin(), {"sh", "-c", "echo $$; exec \"$0\" \"$@\""});
+    ended = std::async(std::launch::async, runProgram, command,
+                       RunOptions{.standardInput = in, .standardOutput = out});
+    // In the order in which the program opens them; no later process inherits them.
+    output.reset(std::fopen(out.c_str(), "re"));
+    input.reset(std::fopen(in.c_str(), "we"));
+    pid = std::stoi(readLine());
   }
   ~ChildProcess() {
+    if (!ended.valid()) return;
     kill();
     wait();
   }
@@ -49,43 +40,23 @@ class ChildProcess {
   /// The next line of its standard output, empty at the end.
   std::string readLine() {
     std::string line;
-    for (char c; read(fromChild, &c, 1) == 1 && c != '\n';) line += c;
+    for (int c; (c = std::fgetc(output.get())) != EOF && c != '\n';) line += static_cast<char>(c);
     return line;
   }
   /// Lets it go on: closes its standard input.
-  void release() {
-    if (toChild >= 0) close(toChild);
-    toChild = -1;
-  }
-  void kill() {
-    if (pid > 0) ::kill(pid, SIGKILL);
-  }
-  bool isRunning() {
-    siginfo_t state{};
-    return pid > 0 && waitid(P_PID, pid, &state, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-           state.si_pid == 0;
-  }
+  void release() { input.reset(); }
+  void kill() { ::kill(pid, SIGKILL); }
   ProgramResult wait() {
-    ProgramResult result;
-    if (pid <= 0) return result;
     release();
-    int status = 0;
-    waitpid(pid, &status, 0);
-    pid = -1;
-    close(fromChild);
-    if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
-    if (WIFSIGNALED(status)) result.signal = WTERMSIG(status);
-    std::ostringstream errors;
-    errors << std::ifstream(errorFile).rdbuf();
-    result.errors = errors.str();
-    return result;
+    return ended.get();
   }
 
  private:
-  std::string errorFile;
-  pid_t pid;
-  int toChild;
-  int fromChild;
+  using File = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
+
+  File output{nullptr, std::fclose}, input{nullptr, std::fclose};
+  std::future<ProgramResult> ended;
+  pid_t pid = 0;
 };
 
 }  // namespace fe_db_tests

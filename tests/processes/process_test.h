@@ -19,12 +19,11 @@ class ProcessTest : public QuietTest {
 
   std::unique_ptr<ChildProcess> start(const std::string& file,
                                       const std::vector<std::string>& options) {
-    std::vector<std::string> command = {RECORDING_PROCESS, file};
-    command.insert(command.end(), options.begin(), options.end());
-    return std::make_unique<ChildProcess>(command, path("errors" + std::to_string(++started)));
+    return std::make_unique<ChildProcess>(commandOf(file, options),
+                                          path("process" + std::to_string(++started)));
   }
   ProgramResult run(const std::string& file, const std::vector<std::string>& options) {
-    return start(file, options)->wait();
+    return runProgram(commandOf(file, options));
   }
   void expectSaved(const ProgramResult& result) {
     EXPECT_EQ(result.exitCode, 0);
@@ -43,6 +42,13 @@ class ProcessTest : public QuietTest {
   }
 
  private:
+  static std::vector<std::string> commandOf(const std::string& file,
+                                            const std::vector<std::string>& options) {
+    std::vector<std::string> command = {RECORDING_PROCESS, file};
+    command.insert(command.end(), options.begin(), options.end());
+    return command;
+  }
+
   int started = 0;
 };
 

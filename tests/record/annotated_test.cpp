@@ -24,8 +24,10 @@ TEST_P(AnnotatedSource, IsRecordedAsItsAnnotationsSay) {
   const std::string annotated = readFile(snapshot);
   const std::string source = withoutAnnotations(annotated);
   write(GetParam(), source);
-  recordQuietly({"--keep-preprocessed", "--", GetParam().ends_with(".cpp") ? "g++" : "gcc",
-                 "-DFROM_COMMAND_LINE=7", "-c", GetParam()});
+  std::vector<std::string> command{"--keep-preprocessed", "--", "gcc"};
+  if (GetParam().ends_with(".cpp")) command.insert(command.end(), {"-x", "c++", "-std=c++20"});
+  command.insert(command.end(), {"-DFROM_COMMAND_LINE=7", "-c", GetParam()});
+  recordQuietly(command);
 
   const std::string actual =
       annotate(source, readAnnotations(outputEnding(".pp.db"), outputEnding(".comp.db"),

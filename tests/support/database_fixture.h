@@ -30,6 +30,9 @@ class CompilationTest : public DatasetTest {
   }
   CompilationDatabase& db() { return data->getCompDb(); }
   std::string rows(const std::string& sql) const { return fe_db_tests::rows(compFile, sql); }
+  std::string writtenRows(std::string_view table) const {
+    return fe_db_tests::writtenRows(compFile, table);
+  }
   void execute(const std::string& sql) const { fe_db_tests::execute(compFile, sql); }
 
   SqlTrace trace;

@@ -17,7 +17,7 @@
 ///   FILE_CALLS_LOG    gets a line for each that succeeded: "write PATH", "sync PATH",
 ///                     "rename FROM TO", "remove PATH", "make PATH"
 ///   FILE_CALLS_KILL   the program is killed before the call of this number, from 1; writes do not
-///                     count
+///                     count. By FILE_CALLS_SIGNAL, if that is set
 ///   FILE_CALLS_FAIL   calls that fail: " renameat2=22 /dev/null=2 ", a function, or a path for
 ///                     open(), and the value of `errno`
 namespace {
@@ -59,8 +59,10 @@ bool fails(const std::string& function) {
 
 void count() {
   static const char* const at = std::getenv("FILE_CALLS_KILL");
+  static const char* const signal = std::getenv("FILE_CALLS_SIGNAL");
   static int calls = 0;
-  if (at != nullptr && ++calls == std::atoi(at)) std::raise(SIGKILL);
+  if (at == nullptr || ++calls != std::atoi(at)) return;
+  std::raise(signal != nullptr ? std::atoi(signal) : SIGKILL);
 }
 
 template <class... Arguments>

@@ -60,6 +60,12 @@ class StderrCapture {
   off_t position = 0;
 };
 
+/// A number that who runs the tests may set.
+inline unsigned fromEnvironment(const char* name, unsigned otherwise) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+}
+
 inline long lineCount(const std::string& text) {
   return std::count(text.begin(), text.end(), '\n');
 }
@@ -74,6 +80,13 @@ inline auto isReport(int rc, int expected, const std::string& reason,
       std::to_string(rc) + " \\(expected rc=" + std::to_string(expected) + "\\) " + reason + "\n" +
       after);
 }
+
+/// Base of the cases of a parameterised test: a failure prints the name instead of bytes.
+struct NamedCase {
+  constexpr NamedCase(const char* text) : name(text) {}  // implicit: the first value of a case
+  friend std::ostream& operator<<(std::ostream& out, const NamedCase& c) { return out << c.name; }
+  const char* name;
+};
 
 /// Names the cases of a parameterised test after their member `name`.
 inline constexpr auto caseName = [](const auto& test) { return std::string(test.param.name); };

@@ -1,7 +1,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fstream>
+#include <functional>
 #include <future>
 #include <map>
 #include <thread>
@@ -15,38 +15,37 @@ namespace {
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-namespace fs = std::filesystem;
-using Path = const std::string&;
-
-std::string bytesOf(Path path) {
-  std::ostringstream bytes;
-  if (fs::is_regular_file(path)) bytes << std::ifstream(path, std::ios::binary).rdbuf();
-  return bytes.str();
-}
-
 void database(Path path) { compilationFile(path, wholeContent(1, 0)); }
 
-void leaveOnly(Path path, const std::string& sql) {
-  fs::remove(path);
-  execute(path, sql);
-}
-
-/// A table or a column is missing, which is what check lists.
-enum class Gap { no, yes };
-
-struct BadCase {
-  const char* rule;
-  void (*spoil)(Path path);  ///< a good database
-  const char* message;       ///< a regular expression of what follows the file's name
-  Gap gap = Gap::no;
+struct BadCase : NamedCase {
+  std::function<void(Path path)> spoil;  ///< a good database
+  const char* read;                      ///< the message of what reads it, a regular expression
+  const char* merged = "";               ///< is in the message of a merge
+  bool isFindingOfCheck = false;
 };
 
-constexpr BadCase kBadCases[] = {
+constexpr const char* kUnreadable = "Unreadable";
+constexpr const char* kTaken = nullptr;  ///< in place of a message: it is no failure
+
+auto run(const char* sql) {
+  return [sql](Path path) { execute(path, sql); };
+}
+
+void putZeros(Path path) {
+  run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 30000) INSERT INTO "
+      "Label (IdentifierId, DeclLineNum, DeclColNum) SELECT 1, i, i FROM n")(path);
+  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(-3 * 32768, std::ios::end).write(std::string(32768, '\0').data(), 32768);
+}
+
+// clang-format off
+const BadCase kBadCases[] = {
     {"Missing", [](Path path) { fs::remove(path); }, "No such file or directory"},
     {"Directory", [](Path path) { fs::remove(path), fs::create_directory(path); },
      "it is a directory, not a file"},
     {"Pipe", [](Path path) { fs::remove(path), mkfifo(path.c_str(), 0600); },
      "it is not a regular file"},
+    {kUnreadable, [](Path path) { chmod(path.c_str(), 0); }, "Permission denied", "Permission denied"},
     {"Empty", [](Path path) { fs::resize_file(path, 0); },
      "it is empty; create a database with fe_db init"},
     {"NoDatabase", [](Path path) { std::ofstream(path) << std::string(5000, 'x'); },
@@ -55,64 +54,92 @@ constexpr BadCase kBadCases[] = {
      "cannot read it: database disk image is malformed; the file is .*"},
     {"CutInTheHeader", [](Path path) { fs::resize_file(path, 50); },
      "cannot read it: database disk image is malformed; .*"},
-    {"OtherDatabase", [](Path path) { leaveOnly(path, "CREATE TABLE Other (x)"); },
-     "it has no table File; use a file created .*", Gap::yes},
-    {"OneTableMissing", [](Path path) { execute(path, "DROP TABLE Field"); },
-     "it has no table Field; use a file created .*", Gap::yes},
-    {"OneColumnMissing",
-     [](Path path) { execute(path, "ALTER TABLE Variable DROP COLUMN Linkage"); },
-     "its table Variable has no column Linkage; use .*", Gap::yes},
-    {"KeyColumnMissing",
-     [](Path path) { execute(path, "ALTER TABLE Label RENAME COLUMN LabelId TO Id"); },
-     "its table Label has no column LabelId; use .*", Gap::yes},
-    {"View",
-     [](Path path) {
-       execute(path, "ALTER TABLE Label RENAME TO L; CREATE VIEW label AS SELECT * FROM L");
-     },
-     "its Label is a view, not a table; use .*", Gap::yes},
+    {"PageOfZeros", putZeros, kTaken, "Label"},
+    {"Preprocessing", [](Path path) { fs::remove(path), preprocessingFile(path, ""); }, kTaken,
+     "preprocessing database"},
+    {"RowIdZero", run("INSERT INTO Type (TypeId) VALUES (0)"), kTaken, "Type"},
+    {"OtherDatabase", [](Path path) { fs::remove(path), run("CREATE TABLE Other (x)")(path); },
+     "it has no table File; use a file created .*", "File", true},
+    {"NoTable", run("DROP TABLE Field"), "it has no table Field; use a file created .*", "Field", true},
+    {"NoColumn", run("ALTER TABLE Variable DROP COLUMN Linkage"),
+     "its table Variable has no column Linkage; use .*", "Variable", true},
+    {"NoKeyColumn", run("ALTER TABLE Label RENAME COLUMN LabelId TO Id"),
+     "its table Label has no column LabelId; use .*", "Label", true},
+    {"View", run("ALTER TABLE Label RENAME TO L; CREATE VIEW label AS SELECT * FROM L"),
+     "its Label is a view, not a table; use .*", "Label", true},
     {"GeneratedColumn",
-     [](Path path) {
-       execute(path,
-               "DROP TABLE Label; CREATE TABLE Label (LabelId INTEGER PRIMARY KEY, IdentifierId, "
-               "DeclFileId, DeclLineNum, declcolnum AS (1))");
-     },
-     "the column DeclColNum of its table Label is generated, not stored; use .*", Gap::yes},
+     run("DROP TABLE Label; CREATE TABLE Label (LabelId INTEGER PRIMARY KEY, IdentifierId, "
+         "DeclFileId, DeclLineNum, declcolnum AS (1))"),
+     "the column DeclColNum of its table Label is generated, not stored; use .*", "Label", true},
     {"NoRowIds",
-     [](Path path) {
-       execute(path,
-               "DROP TABLE TypeReference; CREATE TABLE TypeReference (DeclaredType PRIMARY KEY, "
-               "ReferencedType) WITHOUT ROWID");
-     },
-     "its table TypeReference has no row ids; use .*", Gap::yes},
+     run("DROP TABLE TypeReference; CREATE TABLE TypeReference (DeclaredType PRIMARY KEY, "
+         "ReferencedType) WITHOUT ROWID"),
+     "its table TypeReference has no row ids; use .*", "TypeReference", true},
+};
+// clang-format on
+
+struct BadFile : FeDbProgram, testing::WithParamInterface<BadCase> {
+  BadFile() {
+    for (const char* folder : {"bad", "merged"}) fs::create_directory(path(folder));
+    database(bad), database(good);
+    GetParam().spoil(bad);
+  }
+
+  const std::string bad = path("bad/x.db"), good = path("good.db");
 };
 
-struct BadFile : FeDbProgram, testing::WithParamInterface<BadCase> {};
-
 TEST_P(BadFile, FailsWithItsNameAndReason_AndStaysAsItWas) {
-  const std::string bad = path("x.db"), good = path("good.db");
-  database(bad), database(good);
-  GetParam().spoil(bad);
+  if (GetParam().read == kTaken) return;
   const fs::file_status status = fs::status(bad);
   const std::string before = bytesOf(bad);
-  std::vector<std::vector<std::string>> commands = {
+  std::vector<Words> commands = {
       {"stats", bad}, {"dump", bad}, {"diff", bad, good}, {"diff", good, bad}};
-  if (GetParam().gap == Gap::no) commands.push_back({"check", bad});
-  for (const std::vector<std::string>& command : commands) {
+  if (!GetParam().isFindingOfCheck) commands.push_back({"check", bad});
+  for (const Words& command : commands) {
     const ProgramResult result = feDb(command);
     EXPECT_EQ(result.exitCode, 1) << command[0];
     EXPECT_EQ(result.output, "") << command[0];
-    EXPECT_THAT(result.errors, MatchesRegex("fe_db: " + bad + ": " + GetParam().message + "\n"));
+    EXPECT_THAT(result.errors, MatchesRegex("fe_db: " + bad + ": " + GetParam().read + "\n"));
   }
   EXPECT_EQ(fs::status(bad).type(), status.type());
   EXPECT_TRUE(bytesOf(bad) == before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, BadFile, testing::ValuesIn(kBadCases), kRuleName);
+TEST_P(BadFile, AsASource_StopsAMergeOrIsSkipped_AsATarget_StaysAsItIs) {
+  const std::string target = path("merged/t"), before = bytesOf(bad);
+  const auto expectFailure = [&](Words words) {
+    words.insert(words.begin(), "merge");
+    const ProgramResult result = feDb(words);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.errors,
+                testing::ContainsRegex("fe_db: " + bad + ": [^\n]*" + GetParam().merged));
+  };
+  expectFailure({target, good, bad});
+  EXPECT_EQ(entries(path("merged")), 0);
+  fs::copy_file(good, target);
+  expectFailure({target, bad, good});
+  EXPECT_TRUE(bytesOf(target) == bytesOf(good));
+  fs::remove(target);
+  expectFailure({"--keep-going", target, bad, good});
+  outputOf({"merge", path("expected"), good});
+  EXPECT_EQ(outputOf({"dump", target}), outputOf({"dump", path("expected")}));
+  if (!fs::exists(bad)) return;
+  expectFailure({"--keep-going", bad, good});
+  EXPECT_TRUE(bytesOf(bad) == before);
+  EXPECT_EQ(entries(path("bad")), 1);
+}
+
+/// Root may read everything.
+std::vector<BadCase> badCases() {
+  std::vector<BadCase> cases(std::begin(kBadCases), std::end(kBadCases));
+  if (geteuid() == 0) std::erase_if(cases, [](auto& c) { return c.name == kUnreadable; });
+  return cases;
+}
+INSTANTIATE_TEST_SUITE_P(Cases, BadFile, testing::ValuesIn(badCases()), caseName);
 
 /// Files that SQLite would read with their write-ahead log: files, and the log's index, change then
 /// although nobody writes. `f` is a folder with a good database x.db.
-struct WalCase {
-  const char* rule;
+struct WalCase : NamedCase {
   void (*make)(Path f);
   const char* message;
 };
@@ -161,16 +188,15 @@ TEST_P(WalFile, IsRefusedWithWhatToDo_AndNothingChanges) {
   database(x), database(good);
   GetParam().make(path("f"));
   const auto before = filesBeside();
-  for (const std::vector<std::string>& command :
-       std::vector<std::vector<std::string>>{{"stats", x},
-                                             {"dump", x},
-                                             {"check", x},
-                                             {"find", x, "types"},
-                                             {"diff", x, good},
-                                             {"diff", good, x},
-                                             {"merge", path("new.db"), x},
-                                             {"merge", x, good},
-                                             {"index", x}}) {
+  for (const Words& command : std::vector<Words>{{"stats", x},
+                                                 {"dump", x},
+                                                 {"check", x},
+                                                 {"find", x, "types"},
+                                                 {"diff", x, good},
+                                                 {"diff", good, x},
+                                                 {"merge", path("new.db"), x},
+                                                 {"merge", x, good},
+                                                 {"index", x}}) {
     const ProgramResult result = feDb(command);
     EXPECT_EQ(result.exitCode, 1) << command[0];
     EXPECT_THAT(result.errors, MatchesRegex("fe_db: " + x + ": " + GetParam().message +
@@ -181,12 +207,12 @@ TEST_P(WalFile, IsRefusedWithWhatToDo_AndNothingChanges) {
   outputOf({"stats", x});
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, WalFile, testing::ValuesIn(kWalCases), kRuleName);
+INSTANTIATE_TEST_SUITE_P(Cases, WalFile, testing::ValuesIn(kWalCases), caseName);
 
 /// What SQLite would find out when all sources are read and the first page is written.
 struct NoPermission : FeDbProgram, testing::WithParamInterface<const char*> {
   /// As a user whom permissions hold.
-  static ProgramResult asUser(std::vector<std::string> command) {
+  static ProgramResult asUser(Words command) {
     if (geteuid() == 0) {
       command.insert(command.begin(),
                      {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});
@@ -204,15 +230,15 @@ TEST_P(NoPermission, ToWrite_IsARefusalBeforeAnyWork) {
   chmod(x.c_str(), isFile ? 0444 : 0666), chmod(path("f").c_str(), isFile ? 0777 : 0555);
   if (asUser({FE_DB_PROGRAM, "--help"}).exitCode != 0) GTEST_SKIP() << "others may not run it";
   const std::string before = bytesOf(x);
-  for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
-           {FE_DB_PROGRAM, "merge", x, good}, {FE_DB_PROGRAM, "index", x}}) {
+  for (const Words& command :
+       std::vector<Words>{{FE_DB_PROGRAM, "merge", x, good}, {FE_DB_PROGRAM, "index", x}}) {
     const ProgramResult result = asUser(command);
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.errors, MatchesRegex("fe_db: " + x +
                                             ": it[^\n]* cannot be written[^\n]*: "
                                             "Permission denied; [^\n]*\n"));
     EXPECT_TRUE(bytesOf(x) == before);
-    EXPECT_EQ(std::distance(fs::directory_iterator(path("f")), {}), 1);
+    EXPECT_EQ(entries(path("f")), 1);
   }
   EXPECT_EQ(asUser({FE_DB_PROGRAM, "stats", x}).exitCode, 0);
   chmod(path("f").c_str(), 0755);  // so that it can be removed
@@ -223,14 +249,6 @@ INSTANTIATE_TEST_SUITE_P(Cases, NoPermission, testing::Values("File", "Directory
 
 struct ReadOnly : FeDbProgram {};
 
-TEST_F(ReadOnly, NoPermission_IsTheReason) {
-  if (geteuid() == 0) GTEST_SKIP() << "root may read everything";
-  database(path("x.db"));
-  chmod(path("x.db").c_str(), 0);
-  EXPECT_EQ(feDb({"dump", path("x.db")}).errors,
-            "fe_db: " + path("x.db") + ": Permission denied\n");
-}
-
 TEST_F(ReadOnly, Reading_ChangesAndCreatesNothing) {
   fs::create_directory(path("d"));
   database(path("d/x.db"));
@@ -238,7 +256,7 @@ TEST_F(ReadOnly, Reading_ChangesAndCreatesNothing) {
   for (const char* command : {"dump", "stats"}) outputOf({command, path("d/x.db")});
   outputOf({"diff", path("d/x.db"), path("d/x.db")});
   EXPECT_EQ(bytesOf(path("d/x.db")), before);
-  EXPECT_EQ(std::distance(fs::directory_iterator(path("d")), {}), 1);
+  EXPECT_EQ(entries(path("d")), 1);
 }
 
 TEST_F(ReadOnly, NameThatLooksLikeAUri_IsAFileName) {

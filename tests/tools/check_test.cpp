@@ -44,8 +44,7 @@ TEST_F(Check, GoodFile_PrintsNothing) {
 }
 
 // clang-format off
-struct DamageCase {
-  const char* rule;
+struct DamageCase : NamedCase {
   const char* sql;
   const char* printed;
 };
@@ -104,10 +103,12 @@ constexpr DamageCase kDamages[] = {
      "DELETE FROM T WHERE typeof(FileId)<>'integer'; DROP TABLE File; ALTER TABLE T RENAME TO File",
      "File: FileId is not the row id (not declared INTEGER PRIMARY KEY)\n"},
     {"EqualPathsAndNames", "CREATE TABLE T (FileId INTEGER PRIMARY KEY, Path, Kind, Lang, Huge);"
-     "INSERT INTO T SELECT * FROM File; INSERT INTO T VALUES (7, 'a.c', 0, 0, 0), (9, 'A.C', 0, 0, "
-     "0), (8, 'a.c', 1, 2, 0); DROP TABLE File; ALTER TABLE T RENAME TO File;"
+     "INSERT INTO T SELECT FileId, Path, Kind, Lang, Huge FROM File; INSERT INTO T VALUES "
+     "(7, 'a.c', 0, 0, 0), (9, 'A.C', 0, 0, 0), (8, 'a.c', 1, 2, 0);"
+     "DROP TABLE File; ALTER TABLE T RENAME TO File;"
      "CREATE TABLE T (IdentifierId INTEGER PRIMARY KEY, Name, Count, Kind);"
-     "INSERT INTO T SELECT * FROM Identifier; INSERT INTO T VALUES (4, 'MAX', 0, 0), (5, 9, 0, 0);"
+     "INSERT INTO T SELECT IdentifierId, Name, Count, Kind FROM Identifier;"
+     "INSERT INTO T VALUES (4, 'MAX', 0, 0), (5, 9, 0, 0);"
      "DROP TABLE Identifier; ALTER TABLE T RENAME TO Identifier",
      "File row 7: the same Path as row 1\nFile row 8: the same Path as row 1\n"
      "Identifier row 4: the same Name as row 3\nIdentifier row 5: Name is an integer, not text\n"},
@@ -132,7 +133,7 @@ constexpr DamageCase kDamages[] = {
      "note: Identifier row 2: bit 2 of Kind is not set, but a row of Function has the name\n"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Cases, CheckDamage, testing::ValuesIn(kDamages), kRuleName);
+INSTANTIATE_TEST_SUITE_P(Cases, CheckDamage, testing::ValuesIn(kDamages), caseName);
 
 /// The table that columns lead to, and whether they may be 0 or NULL.
 using Reference = std::tuple<std::string, bool, std::string>;

@@ -1,13 +1,9 @@
-#include <sys/stat.h>
-
 #include <future>
 
 #include "fe_db_fixture.h"
 
 namespace fe_db_tests {
 namespace {
-
-using testing::HasSubstr;
 
 constexpr char kTables[] =
     "SELECT group_concat(name, ' ') FROM (SELECT name FROM sqlite_schema WHERE type = 'table' AND "
@@ -53,23 +49,6 @@ TEST_F(Init, WhatIsThere_IsNeverOverwritten) {
   }
   EXPECT_EQ(std::filesystem::file_size(path("text")), 8U);
   EXPECT_FALSE(std::filesystem::exists(path("nowhere")));
-}
-
-TEST_F(Init, NoSuchDirectory_IsNamed) {
-  const ProgramResult result = feDb({"init", path("missing/x.db")});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.errors, "fe_db: " + path("missing/x.db") +
-                               ": cannot create it: No such file or directory; choose a file in a "
-                               "directory that exists and is writable\n");
-}
-
-TEST_F(Init, FullDisk_LeavesNothing) {
-  const ProgramResult result = runProgram({"bash", "-c", "trap '' XFSZ; ulimit -f 100; exec \"$@\"",
-                                           "bash", FE_DB_PROGRAM, "init", path("x.db")});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.errors,
-              HasSubstr(path("x.db") + ": cannot create it: File too large; free some space"));
-  EXPECT_TRUE(std::filesystem::is_empty(path(".")));
 }
 
 TEST_F(Init, SeveralAtOnce_OneMakesTheFile) {

@@ -4,17 +4,16 @@
 
 #include <climits>
 #include <csignal>
+#include <cstring>
 #include <future>
 
 #include "fe_db_fixture.h"
-#include "support/content.h"
 
 /// The temporary name under which a new file is built: nobody's file is lost by it, and nothing of
 /// a killed run stays.
 namespace fe_db_tests {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::MatchesRegex;
 
 struct NewTarget : FeDbProgram {
@@ -32,8 +31,8 @@ struct NewTarget : FeDbProgram {
                             {"ASAN_OPTIONS", "verify_asan_link_order=0"},
                             {variable, value}}};
   }
-  std::vector<std::string> files() const {
-    std::vector<std::string> names;
+  Words files() const {
+    Words names;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
       names.push_back(fs::relative(entry.path(), folder));
     }
@@ -61,7 +60,7 @@ TEST_P(NewTargetBeside, SomebodysFile_KeepsItAsItIs) {
   for (const char* subcommand : {"merge", "init"}) {
     make("rm -rf -- .[!.]* *");
     make(GetParam().script);
-    std::vector<std::string> before = files();
+    Words before = files();
     const ProgramResult result = run(subcommand);
     if (GetParam().isInTheWay) {
       EXPECT_EQ(result.exitCode, 1);
@@ -102,27 +101,33 @@ TEST_F(NewTarget, LeftoverOfAKilledRun_GoesWithTheNext) {
       if (isTargetThere) run("merge");
       make((std::string("mkdir .t.fe_db-new; cd .t.fe_db-new; ") + leftover).c_str());
       EXPECT_EQ(run("merge").errors, "");
-      EXPECT_EQ(files(), std::vector<std::string>{"t"}) << leftover << isTargetThere;
+      EXPECT_EQ(files(), Words{"t"}) << leftover << isTargetThere;
       EXPECT_EQ(counts(), isTargetThere ? "2\n" : "1\n") << leftover;
     }
   }
   EXPECT_EQ(rows(path("unit"), "SELECT Count FROM Identifier"), "1\n");
 }
 
-TEST_F(NewTarget, KilledAtAnyCall_LeavesAllOrNothingAndTheNextRunNothingElse) {
-  for (const char* subcommand : {"merge", "init"}) {
-    int kills = 0;
-    for (int signal = SIGKILL; signal == SIGKILL; ++kills) {
+/// A killed run may leave the temporary name, one that is told to end removes it.
+TEST_F(NewTarget, EndedAtAnyCall_LeavesAllOrNothingAndTheNextRunNothingElse) {
+  const std::pair<std::string, int> ends[] = {
+      {"merge", SIGKILL}, {"init", SIGKILL}, {"merge", SIGTERM}};
+  for (const auto& [subcommand, signal] : ends) {
+    SCOPED_TRACE(subcommand + " " + strsignal(signal));
+    int calls = 0;
+    for (int ended = signal; ended == signal;) {
       make("rm -rf -- .[!.]* *");
-      const std::string number = std::to_string(kills + 1);
-      signal = run(subcommand, "t", preloaded("FILE_CALLS_KILL", number)).signal;
-      const bool isMerged = fs::exists(folder / "t");
-      EXPECT_EQ(run(subcommand).exitCode, isMerged && *subcommand == 'i' ? 1 : 0);
-      EXPECT_EQ(files(), std::vector<std::string>{"t"}) << subcommand << " killed at " << number;
-      if (*subcommand == 'i') continue;
-      EXPECT_EQ(counts(), isMerged ? "2\n" : "1\n");
+      RunOptions options = preloaded("FILE_CALLS_KILL", std::to_string(++calls));
+      options.environment.push_back({"FILE_CALLS_SIGNAL", std::to_string(signal)});
+      ended = run(subcommand.c_str(), "t", options).signal;
+      const bool isThere = fs::exists(folder / "t");
+      EXPECT_TRUE(signal == SIGKILL || isThere || files().empty()) << "before call " << calls;
+      EXPECT_EQ(run(subcommand.c_str()).exitCode, isThere && subcommand == "init" ? 1 : 0);
+      EXPECT_EQ(files(), Words{"t"}) << "before call " << calls;
+      if (subcommand == "init") continue;
+      EXPECT_EQ(counts(), isThere ? "2\n" : "1\n");
     }
-    EXPECT_GT(kills, 5);
+    EXPECT_GT(calls, 5);
   }
 }
 
@@ -130,7 +135,7 @@ TEST_F(NewTarget, NameThatAnotherRunHolds_IsWaitedForAndLeftAlone) {
   make("mkdir .t.fe_db-new; touch .t.fe_db-new/fe_db-lock .t.fe_db-new/fe_db-new");
   const int lock = open((folder / ".t.fe_db-new/fe_db-lock").c_str(), O_RDWR | O_CLOEXEC);
   flock(lock, LOCK_EX);
-  const std::vector<std::string> before = files();
+  const Words before = files();
   expectRefusal({"merge", "--wait", "0", folder / "t", path("unit")},
                 "/t: another program is creating it; try again when it has finished\n");
   EXPECT_EQ(files(), before);
@@ -138,7 +143,7 @@ TEST_F(NewTarget, NameThatAnotherRunHolds_IsWaitedForAndLeftAlone) {
   EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
   close(lock);
   EXPECT_EQ(waiting.get().errors, "");
-  EXPECT_EQ(files(), std::vector<std::string>{"t"});
+  EXPECT_EQ(files(), Words{"t"});
 }
 
 struct FailingCall {
@@ -176,7 +181,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(NewTarget, FileSystemThatCannotRenameWithoutReplacing_IsServedByALink) {
   EXPECT_EQ(run("merge", "t", preloaded("FILE_CALLS_FAIL", " renameat2=22 ")).errors, "");
-  EXPECT_EQ(files(), std::vector<std::string>{"t"});
+  EXPECT_EQ(files(), Words{"t"});
 }
 
 struct BadName {
@@ -196,7 +201,7 @@ TEST_P(NewTargetNamed, WorksOrIsRefusedBeforeAnyWork) {
           : feDb({"merge", name.empty() ? "" : (folder / name).string(), path("no source")});
   if (GetParam().reason == nullptr) {
     EXPECT_EQ(result.exitCode, 0) << result.errors;
-    EXPECT_EQ(files(), std::vector<std::string>{name});
+    EXPECT_EQ(files(), Words{name});
   } else {
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.errors, MatchesRegex("fe_db: [^\n]*: cannot create it: " +

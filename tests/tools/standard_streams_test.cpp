@@ -1,6 +1,3 @@
-#include <fstream>
-#include <sstream>
-
 #include "fe_db_fixture.h"
 
 /// The program is started without standard input, output or error: the database that it opens next
@@ -8,8 +5,6 @@
 namespace fe_db_tests {
 namespace {
 
-namespace fs = std::filesystem;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 struct StandardStreams : FeDbProgram {
@@ -19,15 +14,10 @@ struct StandardStreams : FeDbProgram {
     }
     fileHolding("bad", "no database");
   }
-  ProgramResult without(const std::string& redirections, std::vector<std::string> words,
+  ProgramResult without(const std::string& redirections, Words words,
                         const RunOptions& options = {}) const {
     words.insert(words.begin(), {"sh", "-c", "exec \"$@\" " + redirections, "sh", FE_DB_PROGRAM});
     return runProgram(words, options);
-  }
-  std::string bytesOf(const std::string& name) const {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path(name), std::ios::binary).rdbuf();
-    return bytes.str();
   }
 };
 
@@ -51,8 +41,7 @@ TEST_P(ClosedStreams, FilesAreWrittenAsWithAllOfThem) {
     EXPECT_EQ(without(redirections, {"index", path(target) + "/old"}).exitCode, 0);
   }
   for (const char* name : {"/new", "/old", "/init"}) {
-    EXPECT_TRUE(bytesOf(std::string("open") + name) == bytesOf(std::string("closed") + name))
-        << name;
+    EXPECT_TRUE(bytesOf(path("open") + name) == bytesOf(path("closed") + name)) << name;
   }
   EXPECT_EQ(integrity(path("closed/new")), "ok\n");
 }
@@ -63,9 +52,9 @@ INSTANTIATE_TEST_SUITE_P(Closed, ClosedStreams,
                          [](const auto& test) { return "Case" + std::to_string(test.index); });
 
 TEST_F(StandardStreams, ResultThatCannotBeWritten_IsAFailure) {
-  const std::vector<std::vector<std::string>> commands = {
+  const std::vector<Words> commands = {
       {"stats", path("a")}, {"dump", path("a")}, {"stats", "--json", path("a")}, {"--help"}};
-  for (const std::vector<std::string>& words : commands) {
+  for (const Words& words : commands) {
     for (const char* redirection : {">&-", ">/dev/full"}) {
       const ProgramResult result = without(redirection, words);
       EXPECT_EQ(result.exitCode, 1) << words[0] << redirection;

@@ -3,33 +3,32 @@
 #include <vector>
 
 #include "clang/AST/ASTContext.h"
-#include "clang/AST/RecursiveASTVisitor.h"
-#include "clang/Basic/Version.h"
 #include "effect_analysis.h"
 #include "entity_table.h"
 #include "file_table.h"
-#include "llvm/ADT/DenseSet.h"
+#include "implicit_calls.h"
+#include "instantiation_walk.h"
+#include "reference_visitor.h"
+#include "references.h"
 #include "type_table.h"
+#include "unevaluated.h"
 #include "value_use.h"
 
 namespace fe_db_tools {
 
 namespace {
 
-const clang::FieldDecl* fieldOf(const clang::DesignatedInitExpr::Designator& designator) {
-#if CLANG_VERSION_MAJOR >= 17
-  return designator.getFieldDecl();
-#else
-  return designator.getField();
-#endif
-}
-
 /// Where a reader sees the call: at the callee's name or at the operator.
 clang::SourceLocation positionOf(const clang::CallExpr& call) {
   clang::SourceLocation at;
-  if (const auto* operation = llvm::dyn_cast<clang::CXXOperatorCallExpr>(&call)) {
+  const auto* operation = llvm::dyn_cast<clang::CXXOperatorCallExpr>(&call);
+  const bool hasBrackets =
+      operation != nullptr && (operation->getOperator() == clang::OO_Call ||
+                               operation->getOperator() == clang::OO_Subscript);
+  if (operation != nullptr && !hasBrackets) {
     at = operation->getOperatorLoc();
   } else {
+    // The name of an operator with brackets is where they open.
     const clang::Expr* callee = call.getCallee()->IgnoreParenImpCasts();
     if (const auto* name = llvm::dyn_cast<clang::DeclRefExpr>(callee)) at = name->getLocation();
     if (const auto* member = llvm::dyn_cast<clang::MemberExpr>(callee)) at = member->getMemberLoc();
@@ -38,17 +37,24 @@ clang::SourceLocation positionOf(const clang::CallExpr& call) {
 }
 
 /// Templates are visited as they are written, and not what they are instantiated to.
-class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
-  using Base = clang::RecursiveASTVisitor<AstRecorder>;
+class AstRecorder : public ReferenceVisitor<AstRecorder> {
+  using Base = ReferenceVisitor<AstRecorder>;
 
  public:
-  AstRecorder(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system)
-      : sink(sink),
+  AstRecorder(FactSink& sink, FileTable& files, TypeTable& types, EntityTable& entities,
+              References& references, clang::ASTContext& context, SystemFacts system)
+      : Base(references),
+        sink(sink),
         files(files),
-        types(sink, files, context),
-        entities(sink, files, types, context),
+        types(types),
+        entities(entities),
+        unevaluated(context),
+        implicitCalls(sink, files, entities, context),
         system(system),
         context(context) {}
+
+  /// What the unit contains; then what is open until it has been seen.
+  void recordUnit();
 
   /// Of the definitions recorded so far.
   void recordEffects();
@@ -58,11 +64,15 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
   bool TraverseDecl(clang::Decl* declaration);
   bool TraverseParmVarDecl(clang::ParmVarDecl* parameter);
   bool TraverseLambdaExpr(clang::LambdaExpr* lambda, DataRecursionQueue* queue = nullptr);
+  bool TraverseAttr(clang::Attr* attribute);
+  bool dataTraverseStmtPre(clang::Stmt* statement);
+  bool dataTraverseStmtPost(clang::Stmt* statement);
+  bool VisitDecltypeTypeLoc(clang::DecltypeTypeLoc at);
+  bool VisitTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at);
 
   // --- Declarations.
 
   bool VisitTagDecl(clang::TagDecl* declaration);
-  bool VisitClassTemplateSpecializationDecl(clang::ClassTemplateSpecializationDecl* declaration);
   bool VisitTypedefNameDecl(clang::TypedefNameDecl* declaration);
   bool VisitVarDecl(clang::VarDecl* declaration);
   bool VisitBindingDecl(clang::BindingDecl* declaration);
@@ -70,27 +80,6 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
   bool VisitFieldDecl(clang::FieldDecl* declaration);
   bool VisitEnumConstantDecl(clang::EnumConstantDecl* declaration);
   bool VisitLabelStmt(clang::LabelStmt* label);
-
-  // --- References.
-
-  bool VisitDeclRefExpr(clang::DeclRefExpr* reference);
-  bool VisitMemberExpr(clang::MemberExpr* reference);
-  bool VisitDesignatedInitExpr(clang::DesignatedInitExpr* initializer);
-  bool VisitOffsetOfExpr(clang::OffsetOfExpr* expression);
-  bool TraverseConstructorInitializer(clang::CXXCtorInitializer* initializer);
-
-  bool VisitElaboratedTypeLoc(clang::ElaboratedTypeLoc at);
-  bool VisitTagTypeLoc(clang::TagTypeLoc at);
-  bool VisitTypedefTypeLoc(clang::TypedefTypeLoc at) { return referToType(at); }
-  bool VisitUsingTypeLoc(clang::UsingTypeLoc at) { return referToType(at); }
-  bool VisitBuiltinTypeLoc(clang::BuiltinTypeLoc at) { return referToType(at); }
-  bool VisitInjectedClassNameTypeLoc(clang::InjectedClassNameTypeLoc at) { return referToType(at); }
-  bool VisitTemplateSpecializationTypeLoc(clang::TemplateSpecializationTypeLoc at) {
-    return referToType(at);
-  }
-  bool VisitDeducedTemplateSpecializationTypeLoc(clang::DeducedTemplateSpecializationTypeLoc at) {
-    return referToType(at);
-  }
 
   // --- Calls.
 
@@ -100,22 +89,20 @@ class AstRecorder : public clang::RecursiveASTVisitor<AstRecorder> {
   bool VisitCXXRewrittenBinaryOperator(clang::CXXRewrittenBinaryOperator* operation);
 
  private:
-  bool referToType(clang::TypeLoc at);
-  void referTo(const clang::ValueDecl& declaration);
   void recordCall(const clang::FunctionDecl& callee, clang::SourceLocation at, bool isValueUsed);
-  void recordEnumConstant(const clang::EnumConstantDecl& declaration);
 
   FactSink& sink;
   FileTable& files;
-  TypeTable types;
-  EntityTable entities;
+  TypeTable& types;
+  EntityTable& entities;
   ValueUse values;
+  Unevaluated unevaluated;
+  ImplicitCalls implicitCalls;
   SystemFacts system;
   clang::ASTContext& context;
-  std::vector<const clang::FunctionDecl*> callers{nullptr};  ///< null outside of functions
-  const void* tagged = nullptr;  ///< the name behind a `struct`, `union`, `class` or `enum`
-  llvm::DenseSet<const clang::EnumConstantDecl*> seenSystemConstants;
-  llvm::DenseSet<clang::SourceLocation> seenTypeNames;  ///< one name serves `T a, b;`
+  /// Null outside of functions and where nothing is evaluated.
+  std::vector<const clang::FunctionDecl*> callers{nullptr};
+  std::vector<clang::FunctionTemplateDecl*> genericLambdas;  ///< their call operators
 };
 
 bool AstRecorder::TraverseDecl(clang::Decl* declaration) {
@@ -150,6 +137,7 @@ bool AstRecorder::TraverseLambdaExpr(clang::LambdaExpr* lambda, DataRecursionQue
   }
   const clang::CXXMethodDecl* body = lambda->getCallOperator();
   entities.function(*body);
+  if (auto* generic = body->getDescribedFunctionTemplate()) genericLambdas.push_back(generic);
   callers.push_back(body);
   bool goOn = true;
   if (const clang::TypeSourceInfo* written = body->getTypeSourceInfo()) {
@@ -164,17 +152,37 @@ bool AstRecorder::TraverseLambdaExpr(clang::LambdaExpr* lambda, DataRecursionQue
   return goOn;
 }
 
+bool AstRecorder::TraverseAttr(clang::Attr* attribute) {
+  callers.push_back(nullptr);
+  const bool goOn = Base::TraverseAttr(attribute);
+  callers.pop_back();
+  return goOn;
+}
+
+bool AstRecorder::dataTraverseStmtPre(clang::Stmt* statement) {
+  if (unevaluated.contains(statement)) callers.push_back(nullptr);
+  return true;
+}
+
+bool AstRecorder::dataTraverseStmtPost(clang::Stmt* statement) {
+  if (unevaluated.contains(statement)) callers.pop_back();
+  return true;
+}
+
+bool AstRecorder::VisitDecltypeTypeLoc(clang::DecltypeTypeLoc at) {
+  unevaluated.add(at.getUnderlyingExpr());
+  return true;
+}
+
+bool AstRecorder::VisitTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at) {
+  if (!at.getType()->isVariablyModifiedType()) unevaluated.add(at.getUnderlyingExpr());
+  return true;
+}
+
 // --- Declarations.
 
 bool AstRecorder::VisitTagDecl(clang::TagDecl* declaration) {
   if (!declaration->isImplicit()) types.type(*declaration);
-  return true;
-}
-
-/// The template's name in it declares; older Clangs visit it as a reference.
-bool AstRecorder::VisitClassTemplateSpecializationDecl(
-    clang::ClassTemplateSpecializationDecl* declaration) {
-  seenTypeNames.insert(declaration->getLocation());
   return true;
 }
 
@@ -191,16 +199,19 @@ bool AstRecorder::VisitVarDecl(clang::VarDecl* declaration) {
     if (function == nullptr || !function->doesThisDeclarationHaveABody()) return true;
   }
   entities.variable(*declaration);
+  implicitCalls.enter(*declaration, callers.back());
   return true;
 }
 
 bool AstRecorder::VisitBindingDecl(clang::BindingDecl* declaration) {
   entities.variable(*declaration);
-  return true;
+  return Base::VisitBindingDecl(declaration);
 }
 
 bool AstRecorder::VisitFunctionDecl(clang::FunctionDecl* declaration) {
-  if (!declaration->isImplicit()) entities.function(*declaration);
+  if (declaration->isImplicit()) return true;
+  entities.function(*declaration);
+  implicitCalls.enter(*declaration);
   return true;
 }
 
@@ -210,13 +221,8 @@ bool AstRecorder::VisitFieldDecl(clang::FieldDecl* declaration) {
 }
 
 bool AstRecorder::VisitEnumConstantDecl(clang::EnumConstantDecl* declaration) {
-  recordEnumConstant(*declaration);
+  entities.enumConstant(*declaration);
   return true;
-}
-
-void AstRecorder::recordEnumConstant(const clang::EnumConstantDecl& declaration) {
-  const llvm::StringRef name = declaration.getName();
-  sink.enumConstant({name.data(), name.size()}, files.locate(declaration.getLocation()));
 }
 
 bool AstRecorder::VisitLabelStmt(clang::LabelStmt* label) {
@@ -225,83 +231,12 @@ bool AstRecorder::VisitLabelStmt(clang::LabelStmt* label) {
   return true;
 }
 
-// --- References.
-
-void AstRecorder::referTo(const clang::ValueDecl& declaration) {
-  if (const auto* function = llvm::dyn_cast<clang::FunctionDecl>(&declaration)) {
-    FactSink::refer(entities.function(*function));
-  } else if (const auto* field = llvm::dyn_cast<clang::FieldDecl>(&declaration)) {
-    FactSink::refer(entities.field(*field));
-  } else if (llvm::isa<clang::VarDecl, clang::BindingDecl>(declaration)) {
-    FactSink::refer(entities.variable(declaration));
-  } else if (const auto* constant = llvm::dyn_cast<clang::EnumConstantDecl>(&declaration)) {
-    // Not counted; but one of a system header may not have been seen.
-    if (system == SystemFacts::referenced && files.isInSystemHeader(constant->getLocation()) &&
-        seenSystemConstants.insert(constant).second) {
-      recordEnumConstant(*constant);
-    }
-  }
-}
-
-bool AstRecorder::VisitDeclRefExpr(clang::DeclRefExpr* reference) {
-  referTo(*reference->getDecl());
-  return true;
-}
-
-bool AstRecorder::VisitMemberExpr(clang::MemberExpr* reference) {
-  referTo(*reference->getMemberDecl());
-  return true;
-}
-
-bool AstRecorder::VisitDesignatedInitExpr(clang::DesignatedInitExpr* initializer) {
-  for (const clang::DesignatedInitExpr::Designator& designator : initializer->designators()) {
-    if (!designator.isFieldDesignator()) continue;
-    if (const clang::FieldDecl* field = fieldOf(designator)) referTo(*field);
-  }
-  return true;
-}
-
-bool AstRecorder::VisitOffsetOfExpr(clang::OffsetOfExpr* expression) {
-  for (unsigned i = 0; i < expression->getNumComponents(); ++i) {
-    const clang::OffsetOfNode& component = expression->getComponent(i);
-    if (component.getKind() == clang::OffsetOfNode::Field) referTo(*component.getField());
-  }
-  return true;
-}
-
-bool AstRecorder::TraverseConstructorInitializer(clang::CXXCtorInitializer* initializer) {
-  if (initializer->isWritten() && initializer->isAnyMemberInitializer()) {
-    referTo(*initializer->getAnyMember());
-  }
-  return Base::TraverseConstructorInitializer(initializer);
-}
-
-bool AstRecorder::VisitElaboratedTypeLoc(clang::ElaboratedTypeLoc at) {
-  const auto keyword = at.getTypePtr()->getKeyword();
-  const bool isTag = clang::TypeWithKeyword::KeywordIsTagTypeKind(keyword);
-  tagged = isTag ? at.getNamedTypeLoc().getOpaqueData() : nullptr;
-  return true;
-}
-
-bool AstRecorder::VisitTagTypeLoc(clang::TagTypeLoc at) {
-  return at.isDefinition() || referToType(at);
-}
-
-bool AstRecorder::referToType(clang::TypeLoc at) {
-  if (!seenTypeNames.insert(at.getBeginLoc()).second) return true;
-  dm::Type* type = types.named(at.getType());
-  if (at.getOpaqueData() == tagged) {
-    FactSink::referByTag(type);
-  } else {
-    FactSink::refer(type);
-  }
-  return true;
-}
-
 // --- Calls.
 
 bool AstRecorder::VisitStmt(clang::Stmt* statement) {
   values.enter(*statement);
+  unevaluated.enter(*statement);
+  if (context.getLangOpts().CPlusPlus) implicitCalls.enter(*statement, callers.back());
   return true;
 }
 
@@ -322,21 +257,29 @@ bool AstRecorder::VisitCallExpr(clang::CallExpr* call) {
 }
 
 bool AstRecorder::VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
+  Base::VisitCXXConstructExpr(construction);
   const clang::CXXConstructorDecl* callee = construction->getConstructor();
   if (!callee->isUserProvided()) return true;
-  FactSink::refer(entities.function(*callee));
   recordCall(*callee, construction->getLocation(), !values.isDropped(*construction));
   return true;
 }
 
-/// `a != b` made of an operator==: the call is not written, so the base does not visit it.
 bool AstRecorder::VisitCXXRewrittenBinaryOperator(clang::CXXRewrittenBinaryOperator* operation) {
+  Base::VisitCXXRewrittenBinaryOperator(operation);
   const clang::Expr* inner = operation->getDecomposedForm().InnerBinOp;
   const auto* call = llvm::dyn_cast<clang::CallExpr>(inner->IgnoreImplicit());
   if (call == nullptr || call->getDirectCallee() == nullptr) return true;
-  FactSink::refer(entities.function(*call->getDirectCallee()));
   recordCall(*call->getDirectCallee(), operation->getOperatorLoc(), !values.isDropped(*operation));
   return true;
+}
+
+void AstRecorder::recordUnit() {
+  TraverseDecl(context.getTranslationUnitDecl());
+  if (context.getLangOpts().CPlusPlus) {
+    walkInstantiations(references, files, context, system, genericLambdas);
+  }
+  implicitCalls.record();
+  references.resolveLinkerNames();
 }
 
 void AstRecorder::recordEffects() {
@@ -363,8 +306,11 @@ void AstRecorder::recordEffects() {
 }  // namespace
 
 void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system) {
-  AstRecorder recorder(sink, files, context, system);
-  recorder.TraverseDecl(context.getTranslationUnitDecl());
+  TypeTable types(sink, files, context);
+  EntityTable entities(sink, files, types, context);
+  References references(files, types, entities, context);
+  AstRecorder recorder(sink, files, types, entities, references, context, system);
+  recorder.recordUnit();
   // Of a body with errors parts are missing.
   if (!context.getDiagnostics().hasErrorOccurred()) recorder.recordEffects();
 }

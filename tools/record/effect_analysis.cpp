@@ -8,6 +8,7 @@
 #include "clang/Basic/SourceManager.h"
 #include "record_kinds.h"
 #include "stored_place.h"
+#include "unevaluated.h"
 
 namespace fe_db_tools {
 
@@ -20,7 +21,7 @@ class BodyScan : public clang::RecursiveASTVisitor<BodyScan> {
   using Base = clang::RecursiveASTVisitor<BodyScan>;
 
  public:
-  explicit BodyScan(clang::ASTContext& context) : context(context) {}
+  explicit BodyScan(clang::ASTContext& context) : unevaluated(context), context(context) {}
 
   void scan(const clang::FunctionDecl& function);
   Effect own = Effect::none;
@@ -38,18 +39,10 @@ class BodyScan : public clang::RecursiveASTVisitor<BodyScan> {
     return true;
   }
   bool TraverseBlockExpr(clang::BlockExpr*, DataRecursionQueue* = nullptr) { return true; }
-  bool TraverseCXXNoexceptExpr(clang::CXXNoexceptExpr*, DataRecursionQueue* = nullptr) {
-    return true;
-  }
+  bool dataTraverseStmtPre(clang::Stmt* statement) { return !unevaluated.contains(statement); }
   bool TraverseDecltypeTypeLoc(clang::DecltypeTypeLoc) { return true; }
   bool TraverseTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at) {
     return !at.getType()->isVariablyModifiedType() || Base::TraverseTypeOfExprTypeLoc(at);
-  }
-  bool TraverseUnaryExprOrTypeTraitExpr(clang::UnaryExprOrTypeTraitExpr* size,
-                                        DataRecursionQueue* queue = nullptr) {
-    // The length of a variable length array is evaluated.
-    return !size->getTypeOfArgument()->isVariablyModifiedType() ||
-           Base::TraverseUnaryExprOrTypeTraitExpr(size, queue);
   }
 
   // --- Accesses.
@@ -136,11 +129,13 @@ class BodyScan : public clang::RecursiveASTVisitor<BodyScan> {
            (record != nullptr && record->hasVolatileMember());
   }
 
+  Unevaluated unevaluated;
   clang::ASTContext& context;
 };
 
 bool BodyScan::VisitStmt(clang::Stmt* statement) {
   using namespace clang;
+  unevaluated.enter(*statement);
   if (llvm::isa<AtomicExpr, CXXNewExpr, CXXDeleteExpr, CXXThrowExpr, CoroutineBodyStmt>(
           statement)) {
     return raise(Effect::some);

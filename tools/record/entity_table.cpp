@@ -23,6 +23,7 @@ bool isSpecial(const clang::FunctionDecl& function) {
           function)) {
     return true;
   }
+  if (function.getLiteralIdentifier() != nullptr) return true;
   return function.hasAttr<clang::ConstructorAttr>() || function.hasAttr<clang::DestructorAttr>() ||
          function.hasAttr<clang::UsedAttr>();
 }
@@ -49,13 +50,21 @@ const clang::ValueDecl& writtenVariable(const clang::ValueDecl& declaration) {
 
 }  // namespace
 
+const clang::FunctionDecl& EntityTable::writtenFunction(const clang::FunctionDecl& declaration) {
+  const clang::FunctionDecl* pattern = declaration.getTemplateInstantiationPattern();
+  const clang::FunctionDecl& written = pattern != nullptr ? *pattern : declaration;
+  // Clang does not connect the lambdas of an instantiation with those of its template.
+  const auto* method = llvm::dyn_cast<clang::CXXMethodDecl>(&written);
+  if (method == nullptr || !method->getParent()->isLambda()) return written;
+  return *lambdas.try_emplace(written.getLocation().getRawEncoding(), &written).first->second;
+}
+
 dm::Function* EntityTable::function(const clang::FunctionDecl& declaration) {
-  const clang::FunctionDecl* written = declaration.getTemplateInstantiationPattern();
-  if (written == nullptr) written = &declaration;
-  const auto [known, isNew] = functions.try_emplace(written);
+  const clang::FunctionDecl& written = writtenFunction(declaration);
+  const auto [known, isNew] = functions.try_emplace(&written);
   if (!isNew) return known->second;
-  dm::Function* added = addFunction(*written);
-  return functions[written] = added;
+  dm::Function* added = addFunction(written);
+  return functions[&written] = added;
 }
 
 dm::Function* EntityTable::addFunction(const clang::FunctionDecl& declaration) {
@@ -105,14 +114,36 @@ dm::Variable* EntityTable::addVariable(const clang::ValueDecl& declaration) {
 }
 
 dm::Field* EntityTable::field(const clang::FieldDecl& declaration) {
-  const auto [known, isNew] = fields.try_emplace(&declaration);
-  if (!isNew) return known->second;
   const std::string_view name = nameOf(declaration);
-  // A field of an instantiated class stands where the template's field does and is that element.
-  dm::Field* added = nullptr;
+  if (name.empty()) return nullptr;
+  const auto [known, isNew] = fields.try_emplace(
+      {declaration.getLocation().getRawEncoding(), declaration.getIdentifier()}, nullptr);
+  if (!isNew) return known->second;
   const dm::Localization at = files.locate(declaration.getLocation());
-  if (!name.empty() && at.file != nullptr) added = sink.field(name, at);
-  return fields[&declaration] = added;
+  return known->second = at.file == nullptr ? nullptr : sink.field(name, at);
+}
+
+void EntityTable::enumConstant(const clang::EnumConstantDecl& declaration) {
+  const clang::SourceLocation at = declaration.getLocation();
+  if (enumConstants.insert(at.getRawEncoding()).second) {
+    sink.enumConstant(nameOf(declaration), files.locate(at));
+  }
+}
+
+const clang::ValueDecl* EntityTable::withLinkerName(std::string_view name) {
+  for (const auto& entry : functions) {
+    if (names.linkerName(*entry.first) != name) continue;
+    const clang::FunctionDecl* definition = entry.first->getDefinition();
+    return definition != nullptr ? definition : entry.first->getCanonicalDecl();
+  }
+  for (const auto& entry : variables) {
+    const auto* variable = llvm::dyn_cast<clang::VarDecl>(entry.first);
+    if (variable == nullptr || !variable->isFileVarDecl()) continue;
+    if (names.linkerName(*variable) != name) continue;
+    const clang::VarDecl* definition = variable->getDefinition();
+    return definition != nullptr ? definition : variable->getCanonicalDecl();
+  }
+  return nullptr;
 }
 
 }  // namespace fe_db_tools

@@ -1,13 +1,19 @@
 #pragma once
 
+#include <string_view>
+#include <utility>
+
 #include "fact_sink.h"
 #include "llvm/ADT/DenseMap.h"
+#include "llvm/ADT/DenseSet.h"
 #include "type_table.h"
 #include "unique_name.h"
 
 namespace clang {
+class EnumConstantDecl;
 class FieldDecl;
 class FunctionDecl;
+class IdentifierInfo;
 class ValueDecl;
 class VarDecl;
 }  // namespace clang
@@ -28,12 +34,17 @@ class EntityTable {
   dm::Variable* variable(const clang::ValueDecl& declaration);
   /// Null without a name.
   dm::Field* field(const clang::FieldDecl& declaration);
+  void enumConstant(const clang::EnumConstantDecl& declaration);
+
+  /// Its definition, if there is one; null for what no function() or variable() was.
+  const clang::ValueDecl* withLinkerName(std::string_view name);
 
   /// Every function() so far. What is not written in a file has no element.
   using Functions = llvm::DenseMap<const clang::FunctionDecl*, dm::Function*>;
   const Functions& allFunctions() const { return functions; }
 
  private:
+  const clang::FunctionDecl& writtenFunction(const clang::FunctionDecl& declaration);
   dm::Function* addFunction(const clang::FunctionDecl& declaration);
   dm::Variable* addVariable(const clang::ValueDecl& declaration);
 
@@ -43,7 +54,10 @@ class EntityTable {
   UniqueNames names;
   Functions functions;
   llvm::DenseMap<const clang::ValueDecl*, dm::Variable*> variables;
-  llvm::DenseMap<const clang::FieldDecl*, dm::Field*> fields;
+  // An instantiation has the place of its template.
+  llvm::DenseMap<std::pair<unsigned, const clang::IdentifierInfo*>, dm::Field*> fields;
+  llvm::DenseSet<unsigned> enumConstants;
+  llvm::DenseMap<unsigned, const clang::FunctionDecl*> lambdas;  ///< first call operators
 };
 
 }  // namespace fe_db_tools

@@ -32,17 +32,21 @@ dm::File* FileTable::file(clang::FileID id) {
   return files[id] = file;
 }
 
-void FileTable::becomesSystemHeader(clang::FileID id) {
-  dm::File* known = file(id);
-  if (known != nullptr && known->getKind() != kinds::kMainSource) {
-    known->setKind(kinds::kSystemHeader);
+void FileTable::included(clang::SourceLocation directive, const clang::FileEntry& header,
+                         bool isFoundInSystemDirectory) {
+  const clang::FileEntry* includer = sources.getFileEntryForID(sources.getFileID(directive));
+  systemHeaders.included(includer, header, isFoundInSystemDirectory);
+}
+
+void FileTable::settleKinds() {
+  systemHeaders.settle(sources.getFileEntryForID(sources.getMainFileID()));
+  for (const auto& [entry, file] : byEntry) {
+    if (systemHeaders.isSystem(*entry)) file->setKind(kinds::kSystemHeader);
   }
 }
 
 dm::FileKind FileTable::kindOf(clang::FileID id) const {
   if (id == sources.getMainFileID()) return kinds::kMainSource;
-  const clang::SourceLocation start = sources.getLocForStartOfFile(id);
-  if (clang::SrcMgr::isSystem(sources.getFileCharacteristic(start))) return kinds::kSystemHeader;
   const clang::SourceLocation includedAt = sources.getIncludeLoc(id);
   // -include becomes a directive in the buffer of the predefined macros.
   const bool isForced =
@@ -73,7 +77,13 @@ dm::Localization FileTable::locateSpelling(clang::SourceLocation at) {
 }
 
 bool FileTable::isInSystemHeader(clang::SourceLocation at) const {
-  return at.isValid() && sources.isInSystemHeader(sources.getExpansionLoc(at));
+  if (at.isInvalid()) return false;
+  const clang::SourceLocation inFile = sources.getExpansionLoc(at);
+  const clang::FileID id = sources.getFileID(inFile);
+  const clang::FileEntry* entry = sources.getFileEntryForID(id);
+  // The line markers of a preprocessed source have the paths that its headers had.
+  const bool isMarked = entry == nullptr || id == sources.getMainFileID();
+  return isMarked ? sources.isInSystemHeader(inFile) : systemHeaders.isSystem(*entry);
 }
 
 }  // namespace fe_db_tools

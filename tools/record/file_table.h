@@ -3,6 +3,7 @@
 #include "clang/Basic/SourceLocation.h"
 #include "fact_sink.h"
 #include "llvm/ADT/DenseMap.h"
+#include "system_headers.h"
 
 namespace clang {
 class FileEntry;
@@ -23,8 +24,11 @@ class FileTable {
 
   /// Null for what is no file: predefined macros, the command line, pasted tokens.
   dm::File* file(clang::FileID id);
-  /// From here on the file is a system header, whatever it was before.
-  void becomesSystemHeader(clang::FileID id);
+  /// `directive`: where the include is.
+  void included(clang::SourceLocation directive, const clang::FileEntry& header,
+                bool isFoundInSystemDirectory);
+  /// After the last include: from here on it is known which headers are the system's.
+  void settleKinds();
 
   /// Where the text of a location stands in a file: an argument of a macro call where it is
   /// written, other parts of an expansion at the name of the macro called. Without a file: 0, 0.
@@ -32,6 +36,7 @@ class FileTable {
   /// Where the token is spelled. Without a file, the column tells the origin.
   dm::Localization locateSpelling(clang::SourceLocation at);
 
+  /// REQUIRES: settleKinds().
   bool isInSystemHeader(clang::SourceLocation at) const;
 
  private:
@@ -43,6 +48,7 @@ class FileTable {
   results_api::LanguageKind language;
   llvm::DenseMap<clang::FileID, dm::File*> files;
   llvm::DenseMap<const clang::FileEntry*, dm::File*> byEntry;
+  SystemHeaders systemHeaders;
 };
 
 }  // namespace fe_db_tools

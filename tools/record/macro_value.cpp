@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "builtin_macro.h"
 #include "clang/AST/ASTContext.h"
 #include "clang/AST/Decl.h"
 #include "clang/Basic/OperatorPrecedence.h"
@@ -13,42 +14,6 @@
 namespace fe_db_tools {
 
 namespace {
-
-constexpr std::size_t kMaxTokens = 200;
-constexpr std::size_t kMaxSteps = 2000;  ///< macros in macros, some without text
-
-class Expansion {
- public:
-  explicit Expansion(const clang::Preprocessor& preprocessor) : preprocessor(preprocessor) {}
-
-  bool append(const clang::IdentifierInfo& name, const clang::MacroInfo& definition) {
-    open.push_back(&name);
-    for (const clang::Token& token : definition.tokens()) {
-      if (!append(token)) return false;
-    }
-    open.pop_back();
-    return true;
-  }
-
-  Tokens result;
-
- private:
-  bool append(const clang::Token& token) {
-    if (token.is(clang::tok::hashhash) || ++steps > kMaxSteps) return false;
-    const clang::IdentifierInfo* name = token.getIdentifierInfo();
-    const clang::MacroInfo* inner = name != nullptr ? preprocessor.getMacroInfo(name) : nullptr;
-    if (inner != nullptr && std::find(open.begin(), open.end(), name) == open.end()) {
-      if (inner->isBuiltinMacro()) return false;
-      if (inner->isObjectLike()) return append(*name, *inner);
-    }
-    result.push_back(token);
-    return result.size() < kMaxTokens;
-  }
-
-  const clang::Preprocessor& preprocessor;
-  std::vector<const clang::IdentifierInfo*> open;
-  std::size_t steps = 0;
-};
 
 __extension__ using Wide = __int128;  ///< holds each result before it is fitted into its type
 __extension__ using UnsignedWide = unsigned __int128;
@@ -103,6 +68,7 @@ class Parser {
   Number choice(const Number& condition);
   Number unary();
   Number primary();
+  Number builtin();
   Number numericLiteral(const clang::Token& token);
   Number character(const clang::Token& token);
   Number enumConstant(const clang::Token& token);
@@ -168,10 +134,27 @@ Number Parser::primary() {
   if (token.isOneOf(clang::tok::kw_true, clang::tok::kw_false)) {
     return {token.is(clang::tok::kw_true), intType};
   }
-  if (token.is(clang::tok::identifier)) return enumConstant(token);
+  if (token.is(clang::tok::identifier)) {
+    const clang::MacroInfo* macro = preprocessor.getMacroInfo(token.getIdentifierInfo());
+    return macro != nullptr && macro->isBuiltinMacro() ? builtin() : enumConstant(token);
+  }
   if (token.is(clang::tok::numeric_constant)) return numericLiteral(token);
   const bool isString = clang::tok::isStringLiteral(token.getKind());
   return clang::tok::isLiteral(token.getKind()) && !isString ? character(token) : fail();
+}
+
+/// After the name of one of the compiler's own macros.
+Number Parser::builtin() {
+  const std::size_t name = next - 1;
+  for (unsigned depth = 0; next < tokens.size();) {
+    depth += tokens[next].is(clang::tok::l_paren) ? 1 : 0;
+    depth -= tokens[next].is(clang::tok::r_paren) ? 1 : 0;
+    ++next;
+    if (depth == 0) break;
+  }
+  const auto question = llvm::ArrayRef<clang::Token>(tokens).slice(name, next - name);
+  const clang::Token answer = answerOf(question, preprocessor);
+  return answer.is(clang::tok::numeric_constant) ? numericLiteral(answer) : fail();
 }
 
 /// The first type of the language's list for such a literal that holds the value.
@@ -300,14 +283,6 @@ void EnumConstants::collect(const clang::DeclContext& scope, bool isFileScope) {
       collect(*inner, isFileScope && inner->isTransparentContext());
     }
   }
-}
-
-Tokens expandedText(const clang::IdentifierInfo& name, const clang::MacroInfo& definition,
-                    const clang::Preprocessor& preprocessor) {
-  Expansion expansion(preprocessor);
-  const bool isWhole = definition.isObjectLike() && !definition.isBuiltinMacro() &&
-                       expansion.append(name, definition);
-  return isWhole ? expansion.result : Tokens();
 }
 
 dm::Macro::Value valueOf(const Tokens& tokens, clang::Preprocessor& preprocessor,

@@ -1,18 +1,15 @@
 #pragma once
 
-#include <vector>
-
-#include "clang/Lex/Token.h"
 #include "fe_db/macro.h"
 #include "llvm/ADT/DenseMap.h"
 #include "llvm/ADT/DenseSet.h"
+#include "macro_expansion.h"
 
 namespace clang {
 class ASTContext;
 class DeclContext;
 class EnumConstantDecl;
 class IdentifierInfo;
-class MacroInfo;
 class Preprocessor;
 }  // namespace clang
 
@@ -36,18 +33,12 @@ class EnumConstants {
   llvm::DenseSet<const clang::IdentifierInfo*> others;
 };
 
-using Tokens = std::vector<clang::Token>;
-
-/// What the macro's text becomes under the definitions in force: object-like macros in it are
-/// expanded. Empty for what has no value for sure: a function-like macro, one without text or with
-/// a very long one.
-Tokens expandedText(const clang::IdentifierInfo& name, const clang::MacroInfo& definition,
-                    const clang::Preprocessor& preprocessor);
-
 /// The value that the tokens have as an integer expression of C with the types of the target; the
 /// alternative tells the signedness of its type. None for tokens that are no such expression
 /// (casts, calls, sizeof, strings, floating point) or that the languages give no value: division by
 /// zero, overflow of a signed type, a shift by too much or of something negative to the left.
+///
+/// REQUIRES: as answerOf(), for what the compiler's own macros in it become.
 dm::Macro::Value valueOf(const Tokens& tokens, clang::Preprocessor& preprocessor,
                          const EnumConstants& constants);
 

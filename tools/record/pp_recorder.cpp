@@ -3,11 +3,14 @@
 #include <cstring>
 #include <utility>
 
+#include "clang/Basic/Version.h"
+#include "clang/Lex/HeaderSearch.h"
 #include "clang/Lex/MacroArgs.h"
 #include "clang/Lex/MacroInfo.h"
 #include "clang/Lex/PPCallbacks.h"
 #include "clang/Lex/Preprocessor.h"
 #include "file_table.h"
+#include "llvm/Support/Path.h"
 #include "macro_table.h"
 #include "macro_tracker.h"
 #include "pp_printer.h"
@@ -18,6 +21,7 @@ class PpRecorder::Impl {
  public:
   Impl(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
       : files(files),
+        preprocessor(preprocessor),
         sources(preprocessor.getSourceManager()),
         printer(preprocessor),
         macros(sink, files, preprocessor),
@@ -25,13 +29,16 @@ class PpRecorder::Impl {
 
   void token(const clang::Token& token);
   bool isFromPredefines(const clang::Token& token);
+  bool isNextToIncluder(clang::SourceLocation directive, llvm::StringRef directory) const;
 
   FileTable& files;
+  const clang::Preprocessor& preprocessor;
   const clang::SourceManager& sources;
   PpPrinter printer;
   MacroTable macros;
   MacroTracker tracker;
   bool isInText = false;       ///< tokens of the buffer of predefined macros come first
+  bool isFinished = false;     ///< what is expanded now is no part of the unit
   bool isStartOfLine = false;  ///< kept over tokens that are not printed
 };
 
@@ -69,7 +76,24 @@ void PpRecorder::Impl::token(const clang::Token& token) {
   tracker.printed(at, start);
 }
 
+/// Whether a header in quotes was found in the directory of the file that includes it, which is
+/// searched before all others.
+bool PpRecorder::Impl::isNextToIncluder(clang::SourceLocation directive,
+                                        llvm::StringRef directory) const {
+  const auto includer = sources.getFileEntryRefForID(sources.getFileID(directive));
+  // The command line includes from the working directory.
+  return directory == (includer ? includer->getDir().getName() : llvm::StringRef("."));
+}
+
 namespace {
+
+#if CLANG_VERSION_MAJOR >= 15
+const clang::FileEntry* fileOf(const clang::OptionalFileEntryRef& file) {
+  return file ? &file->getFileEntry() : nullptr;
+}
+#else
+const clang::FileEntry* fileOf(const clang::FileEntry* file) { return file; }
+#endif
 
 template <class Impl>
 class Callbacks : public clang::PPCallbacks {
@@ -81,8 +105,30 @@ class Callbacks : public clang::PPCallbacks {
     impl.tracker.flush();
     const clang::FileID file = impl.sources.getFileID(impl.sources.getFileLoc(at));
     if (reason == EnterFile) impl.files.file(file);
-    if (reason == SystemHeaderPragma) impl.files.becomesSystemHeader(file);
     impl.printer.fileChanged(at, reason, kind);
+  }
+
+#if CLANG_VERSION_MAJOR >= 19
+  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange, clang::OptionalFileEntryRef header,
+                          llvm::StringRef directory, llvm::StringRef, const clang::Module*, bool,
+                          clang::SrcMgr::CharacteristicKind) override {
+#elif CLANG_VERSION_MAJOR >= 15
+  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange, clang::OptionalFileEntryRef header,
+                          llvm::StringRef directory, llvm::StringRef, const clang::Module*,
+                          clang::SrcMgr::CharacteristicKind) override {
+#else
+  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange, const clang::FileEntry* header,
+                          llvm::StringRef directory, llvm::StringRef, const clang::Module*,
+                          clang::SrcMgr::CharacteristicKind) override {
+#endif
+    const clang::FileEntry* file = fileOf(header);
+    if (file == nullptr) return;
+    const bool isByDirectory =
+        !llvm::sys::path::is_absolute(name) && (isAngled || !impl.isNextToIncluder(at, directory));
+    impl.files.included(at, *file, isByDirectory && wasFoundInSystemDirectory(header));
   }
 
   void PragmaDirective(clang::SourceLocation at, clang::PragmaIntroducerKind introducer) override {
@@ -112,6 +158,7 @@ class Callbacks : public clang::PPCallbacks {
 
   void MacroExpands(const clang::Token& name, const clang::MacroDefinition& definition,
                     clang::SourceRange range, const clang::MacroArgs*) override {
+    if (impl.isFinished) return;
     // An operator, whatever Clang makes of it.
     if (name.getIdentifierInfo()->isStr("_Pragma")) return;
     if (dm::Macro* macro = refer(name, definition)) {
@@ -152,6 +199,17 @@ class Callbacks : public clang::PPCallbacks {
     return macro;
   }
 
+  /// Valid right after the search: `#pragma GCC system_header` in the file changes it.
+  template <class HeaderFile>
+  bool wasFoundInSystemDirectory(const HeaderFile& header) const {
+    clang::HeaderSearch& search = impl.preprocessor.getHeaderSearchInfo();
+#if CLANG_VERSION_MAJOR >= 18
+    return clang::SrcMgr::isSystem(search.getFileDirFlavor(*header));
+#else
+    return clang::SrcMgr::isSystem(search.getFileDirFlavor(fileOf(header)));
+#endif
+  }
+
   Impl& impl;
 };
 
@@ -160,7 +218,9 @@ class Callbacks : public clang::PPCallbacks {
 PpRecorder::PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
     : impl(std::make_unique<Impl>(sink, files, preprocessor)) {
   preprocessor.addPPCallbacks(std::make_unique<Callbacks<Impl>>(*impl));
-  preprocessor.setTokenWatcher([this](const clang::Token& token) { impl->token(token); });
+  preprocessor.setTokenWatcher([this](const clang::Token& token) {
+    if (!impl->isFinished) impl->token(token);
+  });
 }
 
 PpRecorder::~PpRecorder() = default;
@@ -168,6 +228,8 @@ PpRecorder::~PpRecorder() = default;
 void PpRecorder::finish() {
   impl->tracker.flush();
   impl->printer.finish();
+  impl->files.settleKinds();
+  impl->isFinished = true;
 }
 
 void PpRecorder::recordMacroValues(const clang::ASTContext& context) {

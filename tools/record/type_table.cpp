@@ -15,16 +15,45 @@ dm::TypeKind kindOf(const clang::TagDecl& declaration) {
   return declaration.isClass() ? kinds::kClass : kinds::kStruct;
 }
 
+/// The member of a class template, for that of an instantiated class.
+template <class Template>
+const Template& writtenTemplate(const Template& declaration) {
+  const Template* written = &declaration;
+  while (const Template* pattern = written->getInstantiatedFromMemberTemplate()) written = pattern;
+  return *written;
+}
+
 /// The declaration in the source: not what the compiler makes of a template.
 const clang::TagDecl& writtenDeclaration(const clang::TagDecl& declaration) {
   if (const auto* record = llvm::dyn_cast<clang::CXXRecordDecl>(&declaration)) {
     if (const clang::CXXRecordDecl* pattern = record->getTemplateInstantiationPattern()) {
       return *pattern;
     }
+    if (const clang::ClassTemplateDecl* member = record->getDescribedClassTemplate()) {
+      return *writtenTemplate(*member).getTemplatedDecl();
+    }
   } else if (const auto* enumeration = llvm::dyn_cast<clang::EnumDecl>(&declaration)) {
     if (const clang::EnumDecl* pattern = enumeration->getTemplateInstantiationPattern()) {
       return *pattern;
     }
+  }
+  return declaration;
+}
+
+const clang::TypedefNameDecl& writtenDeclaration(const clang::TypedefNameDecl& declaration) {
+  if (const auto* alias = llvm::dyn_cast<clang::TypeAliasDecl>(&declaration)) {
+    if (const clang::TypeAliasTemplateDecl* member = alias->getDescribedAliasTemplate()) {
+      return *writtenTemplate(*member).getTemplatedDecl();
+    }
+  }
+  // Clang connects members that are types with no more than their class.
+  const auto* parent = llvm::dyn_cast<clang::CXXRecordDecl>(declaration.getDeclContext());
+  const clang::CXXRecordDecl* pattern =
+      parent == nullptr ? nullptr : parent->getTemplateInstantiationPattern();
+  if (pattern == nullptr) return declaration;
+  for (const clang::NamedDecl* member : pattern->lookup(declaration.getDeclName())) {
+    const auto* written = llvm::dyn_cast<clang::TypedefNameDecl>(member);
+    if (written != nullptr && written->getLocation() == declaration.getLocation()) return *written;
   }
   return declaration;
 }
@@ -52,6 +81,8 @@ dm::Type* TypeTable::type(const clang::TagDecl& declaration) {
 dm::Type* TypeTable::type(const clang::TypedefNameDecl& declaration) {
   const auto known = types.find(&declaration);
   if (known != types.end()) return known->second;
+  const clang::TypedefNameDecl& written = writtenDeclaration(declaration);
+  if (&written != &declaration) return types[&declaration] = type(written);
   dm::Type* added = add(declaration, kinds::kTypedef, /*incomplete=*/false);
   if (dm::Type* referenced = named(declaration.getUnderlyingType())) {
     sink.typeReference(added, referenced);

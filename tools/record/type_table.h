@@ -30,10 +30,11 @@ class TypeTable {
   /// The type with a name inside of pointers, references, arrays, functions. Null when there is
   /// none, as for a template's parameter.
   dm::Type* named(clang::QualType type);
+  /// The class, union or alias that is a template. Null for a template's parameter.
+  dm::Type* ofTemplate(clang::TemplateName name);
 
  private:
   dm::Type* builtin(const clang::BuiltinType& type);
-  dm::Type* ofTemplate(clang::TemplateName name);
   clang::QualType inside(clang::QualType type) const;
   dm::Type* add(const clang::NamedDecl& declaration, dm::TypeKind kind, bool incomplete);
 

@@ -24,16 +24,6 @@ class FrontendDatabaseTest : public CompilationTest {
   }
 };
 
-TEST_F(FrontendDatabaseTest, Add_GivesTheElementTheIdOfItsRow) {
-  insertFiles();
-  File file("d.c", static_cast<FileKind>(7));
-  EXPECT_EQ(db().add(file), 6);
-  EXPECT_EQ(file.getId(), 6);
-  EXPECT_EQ(db().lastInsertRowID(), 6);
-  EXPECT_THAT(trace.take(), ElementsAre("INSERT INTO File (Path, Kind, Lang, Huge) "
-                                        "VALUES (?, ?, ?, ?)"));
-}
-
 TEST_F(FrontendDatabaseTest, AddOfARefusedRow_AnswersZeroReportsOnceAndIsRemembered) {
   insertFiles();
   File file("c.c");
@@ -46,19 +36,6 @@ TEST_F(FrontendDatabaseTest, AddOfARefusedRow_AnswersZeroReportsOnceAndIsRemembe
   EXPECT_FALSE(db().hasFailed()) << "only reads count";
 }
 
-TEST_F(FrontendDatabaseTest, FileOrIdentifierWhoseRowIsThere_TakesItsIdAndWritesItsValues) {
-  insertFiles();
-  execute("INSERT INTO Identifier VALUES (4, 'n', 2, 1)");
-  File file("c.c", static_cast<FileKind>(9), static_cast<results_api::LanguageKind>(8), true);
-  Identifier identifier("n", IdentifierKind::Macro, 6);
-  EXPECT_EQ(db().addOrAdoptRow(file), 3);
-  EXPECT_EQ(db().addOrAdoptRow(identifier), 4);
-  EXPECT_EQ(file.getId(), 3);
-  EXPECT_EQ(identifier.getId(), 4);
-  EXPECT_EQ(rows("SELECT * FROM File"), "3|c.c|9|8|1\n5|e.c|3|4|1\n");
-  EXPECT_EQ(rows("SELECT * FROM Identifier"), "4|n|6|8\n");
-}
-
 TEST_F(FrontendDatabaseTest, GetId_OverwritesIdAndOtherColumnsFromTheFirstRowWithTheKey) {
   insertFiles();
   File file("e.c", static_cast<FileKind>(7));
@@ -69,21 +46,6 @@ TEST_F(FrontendDatabaseTest, GetId_OverwritesIdAndOtherColumnsFromTheFirstRowWit
   File missing("E.c", static_cast<FileKind>(7));
   EXPECT_EQ(db().getId(missing), 0);
   EXPECT_EQ(missing.getKind(), static_cast<FileKind>(7));
-}
-
-TEST_F(FrontendDatabaseTest, GetIdOrAdd_KeepsAnIdElseTakesTheRowElseAdds) {
-  insertFiles();
-  File known("c.c");
-  known.setId(42);
-  EXPECT_EQ(db().getIdOrAdd(known), 42);
-  EXPECT_THAT(trace.take(), IsEmpty());
-  File stored("c.c", static_cast<FileKind>(9));
-  EXPECT_EQ(db().getIdOrAdd(stored), 3);
-  EXPECT_EQ(stored.getKind(), static_cast<FileKind>(1));
-  File fresh("f.c", static_cast<FileKind>(9));
-  EXPECT_EQ(db().getIdOrAdd(fresh), 6);
-  EXPECT_EQ(fresh.getId(), 6);
-  EXPECT_EQ(rows("SELECT * FROM File"), "3|c.c|1|2|0\n5|e.c|3|4|1\n6|f.c|9|0|0\n");
 }
 
 TEST_F(FrontendDatabaseTest, GetByIdTwice_GivesOneElementAndRunsNoSqlTheSecondTime) {
@@ -158,10 +120,66 @@ TEST_F(FrontendDatabaseTest, Walks_GoThroughTheTableOnceAndStartOver) {
   }
 }
 
+// --- An element whose row may be there already. What the others add to it: model_test.cpp.
+
+class AddOrUpdate : public CompilationTest {
+ protected:
+  AddOrUpdate() {
+    execute("INSERT INTO File VALUES (1, 'a.c', 0, 0, 0)");
+    execute("INSERT INTO Identifier VALUES (1, 'n', 5, 1)");
+    n = db().get<Identifier>(1);
+    place = {db().get<File>(1), 10, 20};
+  }
+
+  Identifier* n;
+  Localization place;
+};
+
+TEST_F(AddOrUpdate, ElementWithoutFile_IsInsertedEachTime) {
+  for (const int id : {1, 2}) {
+    Macro macro(n, {nullptr, 0, 3}, 4);
+    Variable variable(n, {nullptr, 1, 1}, nullptr, true, LinkageKind::None, 1);
+    EXPECT_EQ(db().add_or_update(macro), id);
+    EXPECT_EQ(db().add_or_update(variable), id);
+  }
+}
+
+TEST_F(AddOrUpdate, Type_MergesWithEachMatchingRowByItselfAndComesOutUnchanged) {
+  // Two rows with equal keys, one of another kind.
+  execute(
+      "INSERT INTO Type VALUES (3, 1, 0, 1, 0, 1, 10, 20, 4, 100, 1), "
+      "(4, 1, 1, 0, 0, 1, 10, 20, 4, 200, 2), (5, 1, 0, 0, 0, 1, 10, 20, 64, 300, 3)");
+  Type type(n, /*unnamed=*/true, place, TypeKind::Tagged4, /*refCount=*/2, /*refTagCount=*/7,
+            /*local=*/false, /*incomplete=*/false);
+  EXPECT_EQ(db().add_or_update(type), 3);
+  EXPECT_EQ(type.getId(), 0);
+  EXPECT_FALSE(type.dirty);
+  EXPECT_EQ(type.getRefCount(), 2u);
+  EXPECT_EQ(type.getRefTagCount(), 7u);
+  EXPECT_FALSE(type.getLocal());
+  EXPECT_EQ(rows("SELECT TypeId, Unnamed, Local, RefCount, RefTagCount FROM Type"),
+            "3|1|1|102|8\n4|1|0|202|9\n5|0|0|300|3\n");
+}
+
+TEST_F(AddOrUpdate, TypeThatAddsNothing_WritesOnlyARowWithATagCount) {
+  // The grown tag count is what counts as a change, not the element's own.
+  for (const unsigned stored : {0u, 6u}) {
+    execute("DELETE FROM Type");
+    execute("INSERT INTO Type VALUES (3, 1, 1, 1, 1, 1, 10, 20, 4, 100, " + std::to_string(stored) +
+            ")");
+    Type type(n, true, place, TypeKind::Tagged4, 0, 0, true, true);
+    trace.take();
+    EXPECT_EQ(db().add_or_update(type), 3);
+    const auto update = testing::Contains(testing::HasSubstr("UPDATE Type"));
+    EXPECT_EQ(testing::Value(trace.take(), update), stored != 0);
+    EXPECT_EQ(rows("SELECT RefCount, RefTagCount FROM Type"),
+              "100|" + std::to_string(stored) + "\n");
+  }
+}
+
 /// One operation that steps a statement, the code that it expects, and what it answers when the
 /// step fails.
-struct Operation {
-  const char* name;
+struct Operation : NamedCase {
   int expected;
   bool isRead;
   std::function<long long(CompilationDatabase&)> run;

@@ -1,8 +1,6 @@
-#include <limits>
-
 #include "tests/support/database_fixture.h"
 
-/// Each kind of value on its way into a column and back.
+/// Values on their way into a column and back; the others: model_test.cpp.
 namespace fe_db_tests {
 namespace {
 
@@ -20,18 +18,6 @@ class ValueTest : public CompilationTest {
   }
 };
 
-TEST_F(ValueTest, Unsigned_IsStoredAsItsBitsTakenAsSignedAndReadsBack) {
-  constexpr std::uint32_t kLargest = 4294967295, kLargestSigned = 2147483647;
-  Type type(nullptr, false, {nullptr, kLargest, kLargestSigned}, TypeKind{kLargest}, 0,
-            kLargestSigned + 1, false, false);
-  const Type read = readBack<Type>(db().add(type));
-  EXPECT_EQ(rows("SELECT DeclLineNum, DeclColNum, Kind, RefCount, RefTagCount FROM Type"),
-            "-1|2147483647|-1|0|-2147483648\n");
-  EXPECT_EQ(read.getLine(), kLargest);
-  EXPECT_EQ(read.getKind(), TypeKind{kLargest});
-  EXPECT_EQ(read.getRefTagCount(), kLargestSigned + 1);
-}
-
 TEST_F(ValueTest, Text_IsStoredUpToTheFirstNulWhateverItsLengthAndBytes) {
   const std::string large(40'000, 'p');
   const std::pair<std::string, std::string> cases[] = {
@@ -44,56 +30,6 @@ TEST_F(ValueTest, Text_IsStoredUpToTheFirstNulWhateverItsLengthAndBytes) {
         "text|" + std::to_string(stored.size()) + "|" + stored + "\n");
     EXPECT_EQ(readBack<File>(file.getId()).getPath(), stored);
   }
-}
-
-TEST_F(ValueTest, MacroValue_StoresItsBitsAndItsSignedness) {
-  const std::int64_t least = std::numeric_limits<std::int64_t>::min();
-  const std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
-  const std::pair<Macro::Value, const char*> cases[] = {
-      {std::monostate{}, "null|NULL|0\n"},
-      {std::int64_t{0}, "integer|0|1\n"},
-      {std::int64_t{-1}, "integer|-1|1\n"},
-      {least, "integer|-9223372036854775808|1\n"},
-      {std::uint64_t{0}, "integer|0|0\n"},
-      {most, "integer|-1|0\n"},
-      {std::uint64_t{1} << 63, "integer|-9223372036854775808|0\n"},
-  };
-  for (const auto& [value, stored] : cases) {
-    Macro macro;
-    macro.setValue(value);
-    const std::string id = std::to_string(db().add(macro));
-    EXPECT_EQ(rows("SELECT typeof(Value), Value, ValueIsSigned FROM Macro WHERE MacroId=" + id),
-              stored);
-    EXPECT_EQ(readBack<Macro>(macro.getId()).getValue(), value) << stored;
-  }
-}
-
-TEST_F(ValueTest, Pointer_IsNullForNoneZeroForAnUnsavedElementAndElseTheRowId) {
-  File unsaved("unsaved.c");
-  File* const saved = file("saved.c");
-  db().add(*saved);
-  for (File* const pointer : {static_cast<File*>(nullptr), &unsaved, saved}) {
-    Field field(name("f"), {pointer, 1, 1});
-    EXPECT_EQ(readBack<Field>(db().add(field)).getFile(), pointer == saved ? saved : nullptr);
-  }
-  EXPECT_EQ(rows("SELECT DeclFileId FROM Field"), "NULL\n0\n1\n");
-}
-
-TEST_F(ValueTest, Entity_IsTheRowOfItsKindAndZeroForOtherKinds) {
-  Variable* const variable = this->variable("v", at("a.c", 1, 1));
-  Function* const function = this->function("f", at("a.c", 2, 1));
-  variable->setId(5);
-  function->setId(6);
-  const EntityDescription descriptions[] = {
-      {EntityKind::None, nullptr},      {EntityKind::None, variable},
-      {EntityKind{7}, function},        {EntityKind::Variable, nullptr},
-      {EntityKind::Variable, variable}, {EntityKind::Function, function}};
-  for (const EntityDescription& description : descriptions) {
-    ExternalIdentifier external(name("e"), description);
-    db().add(external);
-  }
-  EXPECT_EQ(rows("SELECT Kind, EntityId FROM ExternalIdentifier ORDER BY rowid"),
-            "-1|0\n-1|0\n7|0\n0|0\n0|5\n1|6\n");
 }
 
 TEST_F(ValueTest, EntityOfAReusedRow_StaysWhereTheKindHasNone) {

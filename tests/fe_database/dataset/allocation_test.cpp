@@ -72,23 +72,15 @@ TEST_F(Allocation, ASecondSightOrALookupMakesNone) {
       {"huge file", [&](bool) { data->setHugeFile(kPath); }},
       {"look-ups",
        [&](bool) {
-         data->getFile(kPath);
-         data->getIdentifier(kName);
-         data->isHugeFile(kOther);
-         data->getType(here, x);
-         data->getVariable(here, x);
-         data->getField(here, x);
-         data->getEnumConstant(here, x);
-         data->getLabel(here, x);
-         data->getFunction(kName, here);
-         data->getCallPoint(here, f);
-         data->getTypeReference(t);
-         data->getMacro(x);
-         data->getMacro(x, here);
-         data->getMacro(x, {nullptr, 0, 0, /*wildcard=*/true});
-         data->getaMacroWithValue(kName);
-         data->getMacroInvocationForLine(8);
-         data->getMacroExpansionForLine(8);
+         const auto look = [](const auto&...) {};
+         look(data->getFile(kPath), data->getIdentifier(kName), data->isHugeFile(kOther),
+              data->getType(here, x), data->getVariable(here, x), data->getField(here, x),
+              data->getEnumConstant(here, x), data->getLabel(here, x),
+              data->getFunction(kName, here), data->getCallPoint(here, f),
+              data->getTypeReference(t), data->getMacro(x), data->getMacro(x, here),
+              data->getMacro(x, {nullptr, 0, 0, /*wildcard=*/true}),
+              data->getaMacroWithValue(kName), data->getMacroInvocationForLine(8),
+              data->getMacroExpansionForLine(8));
        }},
   };
   for (const auto& [what, sight] : sights) {
@@ -110,11 +102,10 @@ TEST_F(Allocation, ARowThatIsKnownMakesNone) {
   const Identifier identifier(kName, IdentifierKind::Label, 1);
   const File file(kPath);
   const auto emplaceAll = [&] {
-    data->emplaceFromDB(stored, /*accumulate=*/true);
-    data->emplaceFromDB(field, /*accumulate=*/true);
-    data->emplaceFromDB(label, /*accumulate=*/true);
-    data->emplaceFromDB(identifier, /*accumulate=*/true);
-    data->emplaceFromDB(file, /*accumulate=*/true);
+    const auto emplace = [this](const auto&... rows) {
+      (data->emplaceFromDB(rows, /*accumulate=*/true), ...);
+    };
+    emplace(stored, field, label, identifier, file);
   };
   emplaceAll();
   const long before = allocations;

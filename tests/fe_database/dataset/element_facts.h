@@ -1,11 +1,12 @@
 #pragma once
 
-#include <functional>
+#include <strings.h>
+
 #include <map>
 #include <type_traits>
 #include <vector>
 
-#include "fe_db/elements.h"
+#include "fe_database/compilation_database/columns.h"
 #include "model.h"
 
 /// Elements of the library as facts of the model, and back.
@@ -57,126 +58,33 @@ class Known {
   std::map<const Element*, Ref> refs;
 };
 
-// --- Which field of the model is which of an element; `io` passes values one way or the other.
-// Positions are passed for all alike.
+/// Values of one shape can be cast into each other.
+enum class Shape { number, text, reference, optional };
+template <class U>
+constexpr Shape shapeOf() {
+  if (std::is_same_v<U, std::string>) return Shape::text;
+  if (std::is_same_v<U, Ref> || isReference<U>) return Shape::reference;
+  return requires(const U& value) { value.has_value(); }
+  ? Shape::optional : Shape::number;
+}
 
-// clang-format off
-template <class IO> void fields(File& e, Fact& f, const IO& io) {
-  io(f.text,     e, &File::getPath,     &File::setPath);
-  io(f.kind,     e, &File::getKind,     &File::setKind);
-  io(f.language, e, &File::getLanguage, &File::setLanguage);
-  io(f.huge,     e, &File::getHuge,     &File::setHuge);
-}
-template <class IO> void fields(Identifier& e, Fact& f, const IO& io) {
-  io(f.text,  e, &Identifier::getName,  &Identifier::setName);
-  io(f.kind,  e, &Identifier::getKind,  &Identifier::setKind);
-  io(f.count, e, &Identifier::getCount, &Identifier::setCount);
-}
-template <class IO> void fields(MacroInvocation& e, Fact& f, const IO& io) {
-  io(f.subject,  e, &MacroInvocation::getMacro,         &MacroInvocation::setMacro);
-  io(f.ppLine,   e, &MacroInvocation::getPpLine,        &MacroInvocation::setPpLine);
-  io(f.ppColumn, e, &MacroInvocation::getPpStartColumn, &MacroInvocation::setPpStartColumn);
-  io(f.ppEnd,    e, &MacroInvocation::getPpEndColumn,   &MacroInvocation::setPpEndColumn);
-}
-template <class IO> void fields(MacroInvocationCodeOrigin& e, Fact& f, const IO& io) {
-  using E = MacroInvocationCodeOrigin;
-  io(f.subject,   e, &E::getInvocation,  &E::setInvocation);
-  io(f.offset,    e, &E::getOffset,      &E::setOffset);
-  io(f.endOffset, e, &E::getEndOffset,   &E::setEndOffset);
-  io(f.parameter, e, &E::getIsParameter, &E::setIsParameter);
-  io(f.text,      e, &E::getTokenString, &E::setTokenString);
-}
-template <class IO> void fields(MacroExpansion& e, Fact& f, const IO& io) {
-  io(f.text,     e, &MacroExpansion::getExpandedCode, &MacroExpansion::setExpandedCode);
-  io(f.call,     e, &MacroExpansion::getMacroCall,    &MacroExpansion::setMacroCall);
-  io(f.ppLine,   e, &MacroExpansion::getPpLine,       &MacroExpansion::setPpLine);
-  io(f.ppColumn, e, &MacroExpansion::getPpColumn,     &MacroExpansion::setPpColumn);
-}
-template <class IO> void fields(TypeReference& e, Fact& f, const IO& io) {
-  io(f.subject, e, &TypeReference::getDeclaredType,   &TypeReference::setDeclaredType);
-  io(f.object,  e, &TypeReference::getReferencedType, &TypeReference::setReferencedType);
-}
-template <class IO> void fields(CallPoint& e, Fact& f, const IO& io) {
-  io(f.subject, e, &CallPoint::getCaller,      &CallPoint::setCaller);
-  io(f.object,  e, &CallPoint::getCallee,      &CallPoint::setCallee);
-  io(f.used,    e, &CallPoint::getIsValueUsed, &CallPoint::setIsValueUsed);
-}
-template <class IO> void fields(ExternalIdentifier& e, Fact& f, const IO& io) {
-  io(f.name, e, &ExternalIdentifier::getIdentifier, &ExternalIdentifier::setIdentifier);
-  io(f.kind, e, &ExternalIdentifier::getEntityKind, &ExternalIdentifier::setEntityKind);
-  io.entity(f, e);
-}
-template <class IO> void fields(NamedElement& e, Fact& f, const IO& io) {
-  io(f.name,  e, &NamedElement::getIdentifier, &NamedElement::setIdentifier);
-  io(f.count, e, &NamedElement::getRefCount,   &NamedElement::setRefCount);
-}
-template <class IO> void fields(Macro& e, Fact& f, const IO& io) {
-  fields(static_cast<NamedElement&>(e), f, io);
-  io(f.value,       e, &Macro::getIntegralValueForDB,      &Macro::setIntegralValueFromDB);
-  io(f.isSigned,    e, &Macro::getSignednessForDB,         &Macro::setSignednessFromDB);
-  io(f.text,        e, &Macro::getText,                    &Macro::setText);
-  io(f.defined,     e, &Macro::getIsDefined,               &Macro::setIsDefined);
-  io(f.objectLike,  e, &Macro::getIsObjectLike,            &Macro::setIsObjectLike);
-  io(f.variadic,    e, &Macro::getIsVariadic,              &Macro::setIsVariadic);
-  io(f.commandLine, e, &Macro::getIsCommandLineDefinition, &Macro::setIsCommandLineDefinition);
-  io(f.predefined,  e, &Macro::getIsPredefined,            &Macro::setIsPredefined);
-}
-template <class IO> void fields(Type& e, Fact& f, const IO& io) {
-  fields(static_cast<NamedElement&>(e), f, io);
-  io(f.kind,       e, &Type::getKind,        &Type::setKind);
-  io(f.unnamed,    e, &Type::getUnnamed,     &Type::setUnnamed);
-  io(f.local,      e, &Type::getLocal,       &Type::setLocal);
-  io(f.incomplete, e, &Type::getIncomplete,  &Type::setIncomplete);
-  io(f.tagCount,   e, &Type::getRefTagCount, &Type::setRefTagCount);
-}
-template <class IO> void fields(LinkedElement& e, Fact& f, const IO& io) {
-  fields(static_cast<NamedElement&>(e), f, io);
-  io(f.defined, e, &LinkedElement::getIsDefined, &LinkedElement::setIsDefined);
-  io(f.linkage, e, &LinkedElement::getLinkage,   &LinkedElement::setLinkage);
-}
-template <class IO> void fields(Variable& e, Fact& f, const IO& io) {
-  fields(static_cast<LinkedElement&>(e), f, io);
-  io(f.subject, e, &Variable::getType, &Variable::setType);
-}
-template <class IO> void fields(Function& e, Fact& f, const IO& io) {
-  fields(static_cast<LinkedElement&>(e), f, io);
-  io(f.subject, e, &Function::getSourceName, &Function::setSourceName);
-  io(f.special, e, &Function::getIsSpecial,  &Function::setIsSpecial);
-  io(f.effect,  e, &Function::getEffect,     &Function::setEffect);
-}
-// clang-format on
-
-struct ToFact {
-  const Known& known;
-
-  template <class M, class E, class G, class S>
-  void operator()(M& member, E& e, G getter, S) const {
-    if constexpr (std::is_same_v<M, Ref>) {
-      member = known.ref(std::invoke(getter, e));
-    } else {
-      member = static_cast<M>(std::invoke(getter, e));
+/// Calls pass(member of the fact, column of the library) for each column of the class: the model's
+/// list and the library's meet by their names. A wrong accessor in the library's list shows where
+/// elements are emplaced, which passes each value by itself.
+template <class T, class Pass>
+void eachField(Fact& f, Pass&& pass) {
+  eachColumn<T>([&](const auto& column) {
+    using Value = typename std::decay_t<decltype(column)>::Value;
+    for (const Column& mine : table(numberOf<T>()).columns) {
+      if (strcasecmp(mine.name, column.name) != 0) continue;
+      const auto passIfAlike = [&](auto member) {
+        using Member = std::decay_t<decltype(f.*member)>;
+        if constexpr (shapeOf<Value>() == shapeOf<Member>()) pass(f.*member, column);
+      };
+      std::visit(passIfAlike, mine.member);
     }
-  }
-  void entity(Fact& f, ExternalIdentifier& e) const {
-    if (e.getDescription().hasEntity()) f.subject = known.ref(e.getDescription().entity);
-  }
-};
-
-struct ToElement {
-  const Known& known;
-
-  template <class M, class E, class G, class B, class V>
-  void operator()(M& member, E& e, G, void (B::*setter)(V)) const {
-    if constexpr (std::is_same_v<M, Ref>) {
-      (e.*setter)(known.get<std::remove_pointer_t<V>>(member));
-    } else {
-      (e.*setter)(static_cast<V>(member));
-    }
-  }
-  void entity(Fact& f, ExternalIdentifier& e) const {
-    e.setDescription({EntityKind(f.kind), known.get<LinkedElement>(f.subject)});
-  }
-};
+  });
+}
 
 inline Localization placeOf(const Known& known, const Fact& f) {
   return {known.get<File>(f.file), f.line, f.column, f.wildcard};
@@ -185,25 +93,42 @@ inline Localization placeOf(const Known& known, const Fact& f) {
 template <class T>
 T make(const Known& known, Fact f) {
   T element;
-  fields(element, f, ToElement{known});
+  eachField<T>(f, [&](auto& member, const auto& column) {
+    using Value = typename std::decay_t<decltype(column)>::Value;
+    if constexpr (std::is_same_v<Value, EntityDescription>) {
+      (element.*column.set)({EntityKind(f.kind), known.get<LinkedElement>(member)});
+    } else if constexpr (isReference<Value>) {
+      (element.*column.set)(known.get<std::remove_pointer_t<Value>>(member));
+    } else {
+      (element.*column.set)(static_cast<Value>(member));
+    }
+  });
   if constexpr (std::is_base_of_v<LocatedElement, T>) element.setLocalization(placeOf(known, f));
+  if constexpr (std::is_same_v<T, Macro>) element.setIsDefined(f.defined);
   return element;
 }
 
 template <class T>
-Fact factOf(const Known& known, T element) {
+Fact factOf(const Known& known, const T& element) {
   Fact f;
   f.cls = numberOf<T>();
   f.id = element.getId();
   f.dirty = element.dirty;
-  fields(element, f, ToFact{known});
+  eachField<T>(f, [&](auto& member, const auto& column) {
+    const auto& value = (element.*column.get)();
+    using Value = std::decay_t<decltype(value)>;
+    if constexpr (std::is_same_v<Value, EntityDescription>) {
+      if (value.hasEntity()) member = known.ref(value.entity);
+    } else if constexpr (isReference<Value>) {
+      member = known.ref(value);
+    } else {
+      member = static_cast<std::decay_t<decltype(member)>>(value);
+    }
+  });
   if constexpr (std::is_base_of_v<LocatedElement, T>) {
-    const Localization& at = element.getLocalization();
-    f.file = known.ref(at.file);
-    f.line = at.line;
-    f.column = at.column;
-    f.wildcard = at.wildcard;
+    f.wildcard = element.getLocalization().wildcard;
   }
+  if constexpr (std::is_same_v<T, Macro>) f.defined = element.getIsDefined();
   if constexpr (std::is_same_v<T, MacroInvocation>) f.ppFile = known.ref(element.getRange().file);
   return f;
 }

@@ -89,43 +89,31 @@ std::vector<Macro*> LibrarySide::group(const Identifier* name) const {
 
 Element* LibrarySide::locate(const Fact& f) {
   const Localization at = place(f);
-  switch (f.cls) {
-    case kFile:
-      return data->getFile(f.text);
-    case kIdentifier:
-      return data->getIdentifier(f.text);
-    case kMacro:  // getMacro may find a wildcard in its place
-      for (Macro* const macro : group(name(f))) {
-        if (samePosition(macro->getLocalization(), at)) return macro;
-      }
-      return nullptr;
-    case kMacroInvocation:
-      for (auto [it, end] = data->getMacroInvocationForLine(f.ppLine); it != end; ++it) {
-        auto* const invocation = const_cast<MacroInvocation*>(&*it);
-        if (!known.ref(invocation) && it->getId() == f.id) return invocation;
-      }
-      return nullptr;
-    case kType:
-      return data->getType(at, name(f));
-    case kTypeReference:
-      return data->getTypeReference(known.get<Type>(f.subject));
-    case kVariable:
-      return data->getVariable(at, name(f));
-    case kFunction:
-      return data->getFunction(name(f)->getName(), at);
-    case kExternalIdentifier:  // no look-up there is; a sight that adds nothing changes nothing
-      return data->emplaceExternalIdentifier(name(f), description(f), /*accumulate=*/false);
-    case kField:
-      return data->getField(at, name(f));
-    case kEnumConstant:
-      return data->getEnumConstant(at, name(f));
-    case kLabel:
-      return data->getLabel(at, name(f));
-    case kCallPoint:
-      return data->getCallPoint(at, known.get<Function>(f.subject));
-    default:
-      return nullptr;
+  if (f.cls == kMacro) {  // getMacro may find a wildcard in its place
+    for (Macro* const macro : group(name(f))) {
+      if (samePosition(macro->getLocalization(), at)) return macro;
+    }
   }
+  if (f.cls == kMacroInvocation) {
+    for (auto [it, end] = data->getMacroInvocationForLine(f.ppLine); it != end; ++it) {
+      auto* const invocation = const_cast<MacroInvocation*>(&*it);
+      if (!known.ref(invocation) && it->getId() == f.id) return invocation;
+    }
+  }
+  if (f.cls == kExternalIdentifier) {  // has no look-up; a repeat that adds nothing changes nothing
+    return data->emplaceExternalIdentifier(name(f), description(f), /*accumulate=*/false);
+  }
+  if (f.cls == kFile) return data->getFile(f.text);
+  if (f.cls == kIdentifier) return data->getIdentifier(f.text);
+  if (f.cls == kType) return data->getType(at, name(f));
+  if (f.cls == kTypeReference) return data->getTypeReference(known.get<Type>(f.subject));
+  if (f.cls == kVariable) return data->getVariable(at, name(f));
+  if (f.cls == kFunction) return data->getFunction(name(f)->getName(), at);
+  if (f.cls == kField) return data->getField(at, name(f));
+  if (f.cls == kEnumConstant) return data->getEnumConstant(at, name(f));
+  if (f.cls == kLabel) return data->getLabel(at, name(f));
+  if (f.cls == kCallPoint) return data->getCallPoint(at, known.get<Function>(f.subject));
+  return nullptr;
 }
 
 }  // namespace fe_db_tests::model

@@ -24,6 +24,7 @@ const std::vector<Column> kLinked =
     kDeclaration + kCount +
     std::vector<Column>{{"isDefined", false, &Fact::defined}, {"Linkage", false, &Fact::linkage}};
 
+// A list of its own on purpose: a mistake in the library's must not be in the model too.
 // Kind stands before EntityId and Value before ValueIsSigned; otherwise the order does not matter.
 const Table kTables[kClasses] = {
     {"File",

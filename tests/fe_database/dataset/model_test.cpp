@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
 #include <random>
 #include <set>
 
@@ -22,6 +18,7 @@ class Play {
     std::filesystem::remove(ppPath);
     using fe_db_tools::KeyIndexes;
     fe_db_tools::createCompilationDatabase(compPath, one(2) ? KeyIndexes::yes : KeyIndexes::no);
+    hasLargeGroups = one(5);
     newProcess();
   }
   ~Play() { resetProcessFlags(); }
@@ -46,7 +43,7 @@ class Play {
   T any(std::initializer_list<T> of) {
     return of.begin()[below(static_cast<unsigned>(of.size()))];
   }
-  int anyClass() { return static_cast<int>(below(kClasses)); }
+  int anyClass() { return hasLargeGroups && one(2) ? kMacro : static_cast<int>(below(kClasses)); }
   std::string anyName() { return any<const char*>({"", "x", "x", "x", "X", "main", "main"}); }
   std::uint32_t anyCount() { return any<std::uint32_t>({0, 0, 1, 2, 3, 0x80000000, 0xFFFFFFFF}); }
   Ref anyRef(int cls) {
@@ -69,11 +66,12 @@ class Play {
       }
     };
     for (const Column& column : table(f.cls).columns) std::visit(Filler{*this, f}, column.member);
+    if (f.cls == kMacro && hasLargeGroups) f.line = below(100);
     if (f.cls == kFile) f.text = any<const char*>({"", "a.c", "a.c", "b.h"});
     if (f.cls == kIdentifier) f.kind = below(256);
     if (f.cls == kType) f.kind = any<std::uint32_t>({4, 512});
     if (f.cls == kType) f.tagCount = anyCount();
-    if (f.cls == kExternalIdentifier) f.kind = any<std::uint32_t>({0, 1, 0xFFFFFFFF});
+    if (f.cls == kExternalIdentifier) f.kind = any<std::uint32_t>({0, 1, 7, 0xFFFFFFFF});
     if (isCounted(f.cls)) f.count = anyCount();
     if (f.cls == kMacro) f.defined = !one(4);
     if (f.cls >= kMacro && !isUnplaced(f.cls)) f.wildcard = one(20);
@@ -176,13 +174,23 @@ class Play {
     } else if (cls == kIdentifier) {
       library.known.get<Identifier>(ref)->setCount(fact.count = anyCount());
     } else if (cls == kMacro && one(2)) {
-      fact.wildcard = one(3);
-      library.known.get<Macro>(ref)->setLocalization(library.place(fact));
+      move(fact, *library.known.get<Macro>(ref));
     } else if (cls == kType && one(2)) {
       library.known.get<Type>(ref)->setRefTagCount(fact.tagCount = anyCount());
     } else if (isCounted(cls)) {
       library.known.get<NamedElement>(ref)->setRefCount(fact.count = anyCount());
     }
+  }
+
+  /// Large groups are searched by an index of positions, and a position can be set in many ways.
+  void move(Fact& fact, Macro& macro) {
+    const bool isMoved = hasLargeGroups && one(2);
+    fact.wildcard = !isMoved && one(3);
+    if (isMoved) fact.line = 100 + below(1000);
+    Macro moved = macro;
+    moved.setLocalization(library.place(fact));
+    if (one(2)) return static_cast<LocatedElement&>(macro).setLocalization(library.place(fact));
+    macro = moved;
   }
 
   Store& store(bool isCompilation) { return isCompilation ? model.comp : model.pp; }
@@ -352,6 +360,8 @@ class Play {
   void compare() {
     for (int cls = 0; cls < kClasses; ++cls) {
       visitClass(cls, [&]<class T>() {
+        EXPECT_EQ(T::isLoaded, model.isLoaded[cls]) << table(cls).name;
+        EXPECT_EQ(T::isPreLoaded, model.isPreLoaded[cls]) << table(cls).name;
         for (int i = 0; i < library.known.count(cls); ++i) {
           const Fact& expected = model.facts[cls][i];
           const T* const element = library.known.get<T>({cls, i});
@@ -418,6 +428,13 @@ class Play {
       count += actual.size();
     }
     EXPECT_EQ(count, model.facts[kMacro].size());
+    std::set<const Macro*> listed, expected;
+    bool first = true;
+    while (const Macro* const m = library.data->listTranslationUnitMacro(first)) listed.insert(m);
+    library.data->eachMacro([&](const Macro& m) {
+      if (m.getFile() != nullptr) expected.insert(&m);
+    });
+    EXPECT_EQ(listed, expected) << "macros of the unit";
   }
 
   void compareLines() {
@@ -459,15 +476,11 @@ class Play {
   std::string what;           ///< the latest step
   std::optional<bool> owner;  ///< which database ids belong to; true: the compilation database
   bool hasSavedComp = false;
+  bool hasLargeGroups = false;  ///< of macros of a name
   bool isAmbiguous = false;
 };
 
-unsigned fromEnvironment(const char* name, unsigned otherwise) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
-}
-
-class DatasetModel : public QuietTest {};
+using DatasetModel = QuietTest;
 
 // FE_DB_MODEL_SEED is the first seed, FE_DB_MODEL_SEEDS how many run.
 TEST_F(DatasetModel, RandomSightings) {

@@ -39,14 +39,8 @@ class Load : public SaveLoadTest {
   }
 };
 
-TEST_F(Load, FromCompDbWithoutTheFlag_ReadsFourTables) {
-  saveBothAndOpenAgain();
-  EXPECT_TRUE(data->loadFromDB(true));
-  EXPECT_THAT(tablesRead(), ElementsAre("File", "Identifier", "Macro", "MacroInvocation"));
-  EXPECT_TRUE(data->getFunctions().empty());
-}
-
-TEST_F(Load, FromCompDbWithTheFlag_ReadsAllButTypeReferencesAndMacroTexts) {
+// What becomes of the rows: model_test.cpp.
+TEST_F(Load, FromCompDb_ReadsAllButTypeReferencesAndMacroTexts) {
   saveBothAndOpenAgain();
   EXPECT_TRUE(loadAll());
   EXPECT_THAT(tablesRead(), ElementsAre("File", "Identifier", "Macro", "MacroInvocation", "Type",
@@ -55,60 +49,6 @@ TEST_F(Load, FromCompDbWithTheFlag_ReadsAllButTypeReferencesAndMacroTexts) {
   const Function* f = data->getFunction("f", {data->getFile("a.c"), 4, 1});
   ASSERT_NE(f, nullptr);
   EXPECT_EQ(db().getFunction(f->getId()), f);
-  const CallPoint* call =
-      data->getCallPoint({data->getFile("a.c"), 9, 5}, const_cast<Function*>(f));
-  ASSERT_NE(call, nullptr);
-  EXPECT_NE(call->getId(), 0);
-  EXPECT_EQ(call->getCallee()->getSourceName()->getName(), "g_source");
-  EXPECT_EQ(data->getVariables().begin()->getType()->getIdentifier()->getName(), "base");
-  EXPECT_FALSE(data->isMacroExpansionLoaded());
-}
-
-TEST_F(Load, NamesOfFieldsEnumConstantsAndLabels_AreCountedOnceMoreAndLoseTheirIds) {
-  saveBothAndOpenAgain();
-  EXPECT_TRUE(loadAll());
-  for (const char* name : {"field", "ENUM", "label"}) {
-    const Identifier* identifier = data->getIdentifier(name);
-    EXPECT_EQ(identifier->getCount(), 2u) << name;
-    EXPECT_EQ(identifier->getId(), 0) << name;
-    EXPECT_TRUE(identifier->dirty) << name;
-  }
-  EXPECT_EQ(data->getIdentifier("f")->getCount(), 3u);
-  EXPECT_NE(data->getIdentifier("f")->getId(), 0);
-  EXPECT_FALSE(data->getIdentifier("f")->dirty);
-}
-
-TEST_F(Load, SecondLoadOfTheProcess_ReadsNothingWhateverTheDataset) {
-  saveBothAndOpenAgain();
-  EXPECT_TRUE(loadAll());
-  data = CompilationData::newInstance(compFile, "");
-  ASSERT_TRUE(db().quick_connect(false));
-  tablesRead();
-  EXPECT_TRUE(loadAll());
-  EXPECT_THAT(tablesRead(), IsEmpty());
-  EXPECT_EQ(data->getFile("a.c"), nullptr);
-  EXPECT_NE(db().get<File>(1), nullptr) << "single rows still come";
-}
-
-TEST_F(Load, FromPpDb_LinksCodeOriginsByOffsetAndReadsExpansions) {
-  saveBothAndOpenAgain();
-  fe_db_tests::execute(ppFile,
-                       "INSERT INTO MacroInvocationCodeOrigin VALUES (NULL, 1, 1, 1, 2, 4, 0, "
-                       "'equal offset'), (NULL, 1, 1, 1, 1, 2, 0, 'between'), "
-                       "(NULL, 1, 1, NULL, 0, 1, 0, 'linked to nothing')");
-  EXPECT_TRUE(data->loadFromDB(false));
-  EXPECT_THAT(tablesRead(), ElementsAre("File", "Identifier", "Macro", "MacroInvocation",
-                                        "MacroInvocationCodeOrigin", "MacroExpansion"));
-  const MacroInvocation& use = *data->getMacroInvocationForLine(110).first;
-  std::vector<std::string> tokens;
-  for (const MacroInvocationCodeOrigin* origin : use.getCodeOrigins()) {
-    tokens.push_back(origin->getTokenString());
-  }
-  EXPECT_THAT(tokens, ElementsAre("7u", "between", "equal offset", ";"));
-  EXPECT_TRUE(data->loadFromDB(false));
-  EXPECT_EQ(use.getCodeOrigins().size(), 8u) << "a second load appends them again";
-  EXPECT_EQ(data->getMacroExpansionForLine(110).first->getMacroCall(), "M");
-  data->eachMacroExpansion([](const MacroExpansion&) { FAIL() << "these go by their lines"; });
 }
 
 TEST_F(Load, PartByPart_ReadsEachTableOnceAndTheCodeOriginsEachTime) {

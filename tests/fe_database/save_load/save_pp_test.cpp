@@ -47,28 +47,18 @@ TEST_F(AddTables, LockedFile_AnswersFalseAndMakesNothing) {
   EXPECT_EQ(ppRows("SELECT name FROM sqlite_schema"), "Other\n");
 }
 
-TEST_F(SaveToPpDb, SixTables_AreWrittenInTheirOrderWithTheirReferences) {
+TEST_F(SaveToPpDb, Views_NameWhatTheRowsReferTo_AndNothingIsSoughtToWriteThem) {
   connectPp();
-  const auto* origin = data->emplaceMacroInvocationCodeOrigin({}, nullptr, 0, 1, false, "x");
   fill();
   EXPECT_TRUE(data->saveToPpDB());
-  EXPECT_EQ(origin->getId(), 0);
-  EXPECT_THAT(trace.take(), Not(testing::Contains(HasSubstr("SELECT")))) << "nothing is sought";
-  EXPECT_EQ(ppRows("SELECT Path, Kind FROM File ORDER BY Path"), "a.c|1\na.h|2\n");
-  EXPECT_EQ(ppRows("SELECT count(*) FROM Identifier"), "11\n");
+  EXPECT_THAT(trace.take(), Not(testing::Contains(HasSubstr("SELECT"))));
   EXPECT_EQ(ppRows("SELECT File, DeclLineNum, DeclColNum, Macro, RefCount, Value, ValueIsSigned, "
                    "Text FROM MacroView ORDER BY Macro"),
             "a.c|10|9|M|5|7|0|7u\nNULL|0|3|PREDEFINED|0|NULL|0|\n");
   EXPECT_EQ(ppRows("SELECT * FROM MacroInvocationView"), "1|a.c|11|2|M|110|4|6\n");
-  EXPECT_EQ(ppRows("SELECT ppFileId FROM MacroInvocation"), "NULL\n");
   EXPECT_EQ(ppRows("SELECT * FROM MacroInvocationCodeOriginView"),
             "a.c|10|11|4|6|0|7u|1|a.c|11|2|M|110|4|6\n"
             "command line(col=1) or predefined macro(col=3)|0|3|6|7|1|;|1|a.c|11|2|M|110|4|6\n");
-  EXPECT_EQ(ppRows("SELECT MacroCall, ExpandedCode, LineNum, PpLineNum, PpColNum "
-                   "FROM MacroExpansion"),
-            "M|7u|11|110|4\n");
-  EXPECT_EQ(data->getMacroInvocationForLine(110).first->getId(), 1);
-  data->eachMacroExpansion([](const MacroExpansion& e) { EXPECT_EQ(e.getId(), 1); });
 }
 
 TEST_F(SaveToPpDb, FailedSave_CommitsNothing_AndCanBeTriedAgain) {
@@ -122,20 +112,6 @@ TEST_F(AddTables, WithoutAJournal_AnswersFalse) {
   EXPECT_FALSE(data->getPpDb().addTables());
   EXPECT_THAT(takeReports(), HasSubstr("cannot make the tables: unable to open database file"));
   letJournalBe(ppFile);
-}
-
-TEST_F(SaveToPpDb, ResetIdsInBetween_LetsTheDatasetGoToTheOtherDatabase) {
-  PreprocessingDatabase& pp = connectPp();
-  fill();
-  ASSERT_TRUE(data->saveToPpDB());
-  Function* f = data->getFunction("f", {data->getFile("a.c"), 4, 1});
-  pp.get<File>(1);
-  db().enterInIdCache<Function>(5, f);
-  data->resetIds(pp);
-  EXPECT_FALSE(pp.isInIdCache<File>(1));
-  EXPECT_TRUE(db().isInIdCache<Function>(5)) << "the other database's is left alone";
-  EXPECT_TRUE(saveToCompDb());
-  EXPECT_EQ(content(compFile), kFilledContent);
 }
 
 // --- Databases that are not there.

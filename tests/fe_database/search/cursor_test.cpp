@@ -107,7 +107,7 @@ TEST_F(Search, Identifiers_ComeWithAllOfThem) {
               testing::AllOf(testing::HasSubstr("rather_long "), testing::HasSubstr("M ")));
 }
 
-TEST_F(Search, OfLeastLength_TakesOneKindAndTellsTheLinkage) {
+TEST_F(Search, OfLeastLength_TakesOneKindAndReportsTheLinkage) {
   const struct {
     IdentifierKind kind;
     std::size_t length;
@@ -151,7 +151,11 @@ TEST_F(Search, NameWithoutARow_FindsNothingAndStaysAsItIs) {
   EXPECT_EQ(data->findFunctionFromIdentifier(none, first = true), nullptr);
   EXPECT_EQ(data->findExternalDefinedFunction(&unknown), nullptr);
   EXPECT_EQ(data->findExternalDefinedFunction(&x), nullptr);
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(text(data->findExternalDefinedFunction(&f)), "11");
+  for (int i = 0; i < 2; ++i) {
+    const Function* defined = data->findExternalDefinedFunction(&f);
+    ASSERT_NE(defined, nullptr);
+    EXPECT_EQ(text(defined), "11");
+  }
   EXPECT_EQ(f.getId(), 0) << "a search leaves the caller's element alone";
   EXPECT_EQ(f.getCount(), 0U);
 }
@@ -160,6 +164,7 @@ TEST_F(Search, CallersAndCallees_LookTheFunctionUp) {
   bool first = true;
   Function* const callee = data->findFunctionFromIdentifier(&f, first);
   Function* const caller = data->findFunctionFromIdentifier(&f, first);
+  ASSERT_TRUE(callee != nullptr && caller != nullptr);
   for (const long long id : {1, 2, 3, 0}) {
     first = id == 1;
     EXPECT_EQ(db().listCallPointIdFromCaller(caller, first), id);
@@ -171,13 +176,15 @@ TEST_F(Search, CallersAndCallees_LookTheFunctionUp) {
 }
 
 /// The save knows its rows only by what it has looked up, so a row that is found afterwards is a
-/// further sight of the element that was saved into it.
+/// repeat of the element that was saved into it.
 TEST_F(Search, FoundAfterASave_FoldsTheRowIntoTheElementAgain) {
   data->setPropagateMacroInfo();
   data->emplaceMacro("M", at("a.c", 2, 9), /*accumulate=*/true, /*refCount=*/1);
   ASSERT_TRUE(data->saveToCompDB());
   bool first = true;
-  EXPECT_EQ(data->findMacroFromRefCount(8, first)->getRefCount(), 16U);
+  const Macro* found = data->findMacroFromRefCount(8, first);
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->getRefCount(), 16U);
   EXPECT_EQ(data->findMacroFromRefCount(8, first), nullptr);
 }
 
@@ -201,7 +208,7 @@ TEST_F(Reports, BegunWhileOpen_IsRefusedBySqlite_AndTheOldRowsGoOn) {
   const struct {
     const char* name;
     List list;
-    int told;
+    int reported;
   } cases[] = {
       {"kind", listing(&Db::listIdentifierIdFromKind, 6), 1},
       {"kind and count", listing(&Db::listIdentifierIdFromKindAndCount, 6, 1, 0), 2},
@@ -224,19 +231,19 @@ TEST_F(Reports, BegunWhileOpen_IsRefusedBySqlite_AndTheOldRowsGoOn) {
     EXPECT_NE(two, one) << "the walk went on";
     const std::string reports = takeReports();
     EXPECT_THAT(reports, testing::HasSubstr("rc=21 (expected rc=0) "));
-    EXPECT_EQ(count(reports, "While executing "), test.told) << reports;
+    EXPECT_EQ(count(reports, "While executing "), test.reported) << reports;
     while (test.list(db(), first) != 0) {
     }
   }
 }
 
-/// A step fails when somebody has dropped the table; so does the reset behind it, for raw queries.
+/// A step fails when somebody has dropped the table; so does the reset after it, for raw queries.
 TEST_F(Reports, FailedStep_IsTheEnd_AndIsRemembered) {
   const struct {
     const char* table;
     List list;
     int lines;
-    int told;
+    int reported;
   } cases[] = {
       {"Label", listing(&Db::listLabelIdFromIdentifier, &out), 2, 2},
       {"Field", listing(&Db::listFieldIdFromRefCount, 0), 2, 1},
@@ -253,7 +260,7 @@ TEST_F(Reports, FailedStep_IsTheEnd_AndIsRemembered) {
     EXPECT_FALSE(first);
     const std::string reports = takeReports();
     EXPECT_EQ(count(reports, std::string("no such table: ") + test.table), test.lines) << reports;
-    EXPECT_EQ(count(reports, "While executing "), test.told) << reports;
+    EXPECT_EQ(count(reports, "While executing "), test.reported) << reports;
   }
   EXPECT_TRUE(db().hasFailed());
   EXPECT_EQ(db().lastFailure().table, "Label");
@@ -296,7 +303,7 @@ TEST_F(Reports, FoundIdWithoutRow_IsPassedOverAndCounted) {
             (std::map<std::string, std::size_t>{{"Field", 1}, {"Function", 1}}));
 }
 
-TEST_F(Reports, TableThatIsMissing_IsToldWhenConnecting) {
+TEST_F(Reports, TableThatIsMissing_IsReportedWhenConnecting) {
   execute("DROP TABLE Label");
   data.reset();
   data = CompilationData::newInstance(compFile, "");

@@ -10,7 +10,7 @@
 //                         ^^ EnumConstant
 //                             ^^^ EnumConstant
   class Base {
-//      ^^^^ Type kind=256 refs=9 tagRefs=0
+//      ^^^^ Type kind=256 refs=8 tagRefs=0
    public:
     Base() : value(1) {}
 //  ^^^^ Function _ZN5outer4BaseC1Ev defined special linkage=1 refs=1 external=_ZN5outer4BaseC1Ev no effect
@@ -92,8 +92,8 @@
 //                                                    ^^^^^ Call of plain by operator(), used
     if (first && mode == outer::Mode::on) add(box.size());
 //      ^^^^^^^^^^^^^ Call of operator bool by run, used
+//                                           ^^^^^^^^^^ Call of operator() by run, dropped
 //                                                ^^^^ Call of size by run, used
-//                                                      ^^^^^^^^^^ Call of operator() by run, dropped
     int numbers[] = {1, 2};
 //      ^^^^^^^ Variable of int defined linkage=0 refs=1
     auto [left, right] = outer::Box<int[2]>().item;

@@ -11,7 +11,7 @@ struct plain { int a; int items[4]; };
 //                 ^ Field refs=2
 //                        ^^^^^ Field refs=2
 extern int shared, opaque(int);
-//         ^^^^^^ Variable of int declared linkage=1 refs=3 external=shared
+//         ^^^^^^ Variable of int declared linkage=1 refs=6 external=shared
 //                 ^^^^^^ Function opaque declared linkage=1 refs=2 external=opaque
 extern int pure_one(int) __attribute__((pure));
 //         ^^^^^^^^ Function pure_one declared linkage=1 refs=1 external=pure_one
@@ -38,6 +38,11 @@ static int copies(const int *p) { int a[2]; memcpy(a, p, sizeof a); return a[0];
 //                           ^ Variable of int defined linkage=0 refs=1
 //                                    ^ Variable of int defined linkage=0 refs=3
 //                                          ^^^^^^ Call of memcpy by copies, dropped
+static int not_chosen(int n) { return _Generic(n, int: n, long: shared = n) + __builtin_choose_expr(1, n, shared = n) + __builtin_constant_p(shared = n); }
+//         ^^^^^^^^^^ Function not_chosen@/effects.c defined linkage=2 refs=0 no effect
+//                        ^ Variable of int defined linkage=0 refs=6
+//                                                                                                                      ^^^^^^^^^^^^^^^^^^^^ Call of __builtin_constant_p by not_chosen, used
+//                                                                                                                      ^^^^^^^^^^^^^^^^^^^^ Function __builtin_constant_p declared linkage=1 refs=1 external=__builtin_constant_p
 static int pure_call(int n) { return pure_one(n) + locals(sizeof(shared = n)); }
 //         ^^^^^^^^^ Function pure_call@/effects.c defined linkage=2 refs=0 no effect
 //                       ^ Variable of int defined linkage=0 refs=2
@@ -69,7 +74,7 @@ static void kept(void) { static int calls; ++calls; }
 //          ^^^^ Function kept@/effects.c defined linkage=2 refs=0 has effects
 //                                  ^^^^^ Variable of int defined linkage=0 refs=1
 static void through(int *p) { *p++ = 1; }
-//          ^^^^^^^ Function through@/effects.c defined linkage=2 refs=1 has effects
+//          ^^^^^^^ Function through@/effects.c defined linkage=2 refs=2 has effects
 //                       ^ Variable of int defined linkage=0 refs=1
 static void element(int p[2]) { p[1] |= 1; }
 //          ^^^^^^^ Function element@/effects.c defined linkage=2 refs=0 has effects
@@ -103,14 +108,16 @@ static void takes(va_list list) { (void)__builtin_va_arg(list, int); }
 //          ^^^^^ Function takes@/effects.c defined linkage=2 refs=0 has effects
 //                        ^^^^ Variable of __va_list_tag defined linkage=0 refs=1
 static void ends(int *p) { (void)p; }
-//          ^^^^ Function ends@/effects.c defined linkage=2 refs=0 no effect
+//          ^^^^ Function ends@/effects.c defined linkage=2 refs=1 no effect
 //                    ^ Variable of int defined linkage=0 refs=1
 static void cleans(void) { int x __attribute__((cleanup(through))) = 0; (void)x; }
 //          ^^^^^^ Function cleans@/effects.c defined linkage=2 refs=0 has effects
 //                             ^ Variable of int defined linkage=0 refs=1
+//                             ^^^^^^^ Call of through by cleans, used
 static void harmless(void) { int x __attribute__((cleanup(ends))) = 0; (void)x; }
 //          ^^^^^^^^ Function harmless@/effects.c defined linkage=2 refs=0 no effect
 //                               ^ Variable of int defined linkage=0 refs=1
+//                               ^^^^ Call of ends by harmless, used
 
 static int unknown_call(int n) { return opaque(n); }
 //         ^^^^^^^^^^^^ Function unknown_call@/effects.c defined linkage=2 refs=0

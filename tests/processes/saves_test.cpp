@@ -10,7 +10,7 @@ using testing::HasSubstr;
 
 std::vector<std::string> unit(int number) { return {"unit=" + std::to_string(number), "bulk=300"}; }
 
-class ConcurrentSave : public ProcessTest {
+class Saves : public ProcessTest {
  protected:
   /// What each order of three units leaves, saved one after the other.
   std::set<std::string> contentOfEachOrder() {
@@ -25,7 +25,7 @@ class ConcurrentSave : public ProcessTest {
   }
 };
 
-TEST_F(ConcurrentSave, AtTheSameTime_LeavesTheContentOfSomeOrder) {
+TEST_F(Saves, AtTheSameTime_LeavesTheContentOfSomeOrder) {
   const std::set<std::string> expected = contentOfEachOrder();
   EXPECT_EQ(expected.size(), 6u) << "first and last writer tell in the content";
   for (const bool queue : {false, true}) {
@@ -48,49 +48,38 @@ TEST_F(ConcurrentSave, AtTheSameTime_LeavesTheContentOfSomeOrder) {
   }
 }
 
-class TwoWriters : public ProcessTest, public testing::WithParamInterface<bool> {
- protected:
-  /// The first process holds its transaction; with a queue, on a file of its own.
-  TwoWriters() : file(filledDatabase("it.db")), before(dump(file)) {
-    if (GetParam()) setenv(kQueue, path("queue.lock").c_str(), 1);
-    holder = start(GetParam() ? emptyDatabase("other.db") : file, {"hold=1"});
+TEST_F(Saves, LockOfAKilledProcess_IsFree) {
+  for (const bool queue : {false, true}) {  // with a queue, on a file of its own
+    if (queue) setenv(kQueue, path("queue.lock").c_str(), 1);
+    const std::string file = filledDatabase(queue ? "queued.db" : "it.db");
+    const auto holder = start(queue ? emptyDatabase("other.db") : file, {"hold=1"});
     EXPECT_EQ(holder->readLine(), "holding");
+    const ProgramResult refused = run(file, {"unit=1", "timeout=50"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.errors, HasSubstr(queue ? path("queue.lock") : "locked"));
+    holder->kill();
+    EXPECT_EQ(holder->wait().signal, SIGKILL);
+    expectSaved(run(file, {"unit=1", "timeout=50"}));
   }
-
-  const std::string file;
-  const std::string before;
-  std::unique_ptr<ChildProcess> holder;
-};
-
-TEST_P(TwoWriters, SecondWaitsAndSucceeds) {
-  const auto second = start(file, {"unit=1"});
-  ASSERT_EQ(second->readLine(), "saving");
-  EXPECT_TRUE(second->isRunning());
-  holder->release();
-  expectSaved(second->wait());
-  expectSaved(holder->wait());
-  EXPECT_EQ(rows(file, "SELECT Count FROM Identifier WHERE Name = 'SHARED'"), "2\n");
 }
 
-TEST_P(TwoWriters, SecondFailsAfterItsTimeoutAndSaysWhy) {
-  const ProgramResult second = run(file, {"unit=1", "timeout=50"});
-  EXPECT_EQ(second.exitCode, 1);
-  EXPECT_EQ(lineCount(second.errors), 1) << second.errors;
-  EXPECT_THAT(second.errors, HasSubstr(file));
-  EXPECT_THAT(second.errors, HasSubstr(GetParam() ? path("queue.lock") : "locked"));
-  expectSaved(holder->wait());
-  EXPECT_EQ(dump(file), before);
+TEST_F(Saves, OntoAFullDisk_LeavesTheFileAsItWasAndSaysSo) {
+  const std::string file = filledDatabase("it.db");
+  const std::string before = dump(file);
+  const auto size = static_cast<long>(std::filesystem::file_size(file));
+  // From a journal that cannot be written to a file that grows a good deal before it is full.
+  for (const long limit : {4096L, size, size + 32768, size + 40 * 32768}) {
+    const ProgramResult result =
+        run(file, {"unit=1", "bulk=20000", "limit=" + std::to_string(limit)});
+    EXPECT_EQ(result.exitCode, 1) << limit;
+    EXPECT_THAT(result.errors, HasSubstr(file));
+    EXPECT_THAT(result.errors, testing::ContainsRegex("disk I/O error|disk is full"));
+    EXPECT_LE(lineCount(result.errors), 4) << result.errors;
+    EXPECT_EQ(integrity(file), "ok\n") << limit;
+    EXPECT_EQ(dump(file), before) << limit;
+  }
+  expectSaved(run(file, {"unit=1"}));
 }
-
-TEST_P(TwoWriters, LockOfAKilledProcess_IsFree) {
-  holder->kill();
-  EXPECT_EQ(holder->wait().signal, SIGKILL);
-  expectSaved(run(file, {"unit=1", "timeout=50"}));
-}
-
-INSTANTIATE_TEST_SUITE_P(At, TwoWriters, testing::Bool(), [](const auto& test) {
-  return test.param ? std::string("TheQueueLock") : std::string("OneFile");
-});
 
 }  // namespace
 }  // namespace fe_db_tests
