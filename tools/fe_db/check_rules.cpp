@@ -9,8 +9,6 @@
 namespace fe_db_tools {
 namespace {
 
-/// The kinds of an external identifier tell the table of its entity; -1 is no entity.
-constexpr TableId kEntityTables[] = {TableId::variable, TableId::function};
 /// The bits of Identifier.Kind, from the lowest on, tell which tables have a row of the name.
 constexpr TableId kNameTables[] = {TableId::type,
                                    TableId::function,
@@ -163,7 +161,8 @@ void TableCheck::checkRows() {
     if (!file_.hasColumn(table_, column.name)) continue;
     sql = sql + ", " + column.name;
     columns.push_back(&column);
-    if (column.name == "Kind") kindCell_ = static_cast<int>(columns.size());
+    const auto isKind = [&](const Column& other) { return other.kindColumn == column.name; };
+    if (std::ranges::any_of(table_.columns, isKind)) kindCell_ = static_cast<int>(columns.size());
   }
   const Statement statement = file_.prepare(sql + " FROM " + table_.name + " NOT INDEXED");
   row_ = statement.get();
@@ -194,8 +193,11 @@ void TableCheck::checkCell(const Column& column, int cell) {
 void TableCheck::checkEntity(const Column& column, int cell) {
   if (kindCell_ == 0 || sqlite3_column_type(row_, kindCell_) != SQLITE_INTEGER) return;
   const sqlite3_int64 kind = sqlite3_column_int64(row_, kindCell_);
-  if (kind == 0 || kind == 1) {
-    checkReference(column, cell, kEntityTables[kind], /*required=*/true);
+  const auto entity = std::ranges::find(column.entities, kind, &EntityTable::kind);
+  if (entity != column.entities.end()) {
+    checkReference(column, cell, entity->table, /*required=*/true);
+  } else if (column.presence == Presence::required) {
+    add(id_, std::string(column.kindColumn) + " " + std::to_string(kind) + " stands for no table");
   } else if (kind != -1) {
     add(id_, "Kind " + std::to_string(kind) + " is not -1, 0 or 1",
         /*isNote=*/true);
@@ -222,11 +224,13 @@ void TableCheck::checkKeys() {
   // Uses of one macro may begin at the same place, ID(ID(x)) or several that expand to nothing, and
   // a preprocessing file has a row for each.
   if (table_.id == TableId::macroInvocation && !file_.isCompilation()) return;
-  std::string columns, condition;
-  for (const std::string_view column : table_.key) {
-    if (!file_.hasColumn(table_, column)) return;
-    columns = columns + (columns.empty() ? "" : ", ") + column;
-    condition = condition + (condition.empty() ? " WHERE " : " AND ") + column + " NOT NULL";
+  std::string names, columns, condition;
+  for (std::size_t part = 0; part < table_.key.size(); ++part) {
+    if (!file_.hasColumn(table_, table_.key[part])) return;
+    const std::string comma = columns.empty() ? "" : ", ", value = keyExpression(table_, part);
+    names += comma + std::string(table_.key[part]);
+    columns += comma + value;
+    condition += (part == 0 ? " WHERE (" : " AND (") + value + ") NOT NULL";
   }
   if (columns.empty()) return;
   const std::string rows = std::string(table_.name) + " NOT INDEXED" + condition;
@@ -241,7 +245,7 @@ void TableCheck::checkKeys() {
                     ") AS firstId FROM " + rows + ") WHERE id<>firstId");
   while (file_.step(equal)) {
     const std::string first = std::to_string(sqlite3_column_int64(equal.get(), 1));
-    add(sqlite3_column_int64(equal.get(), 0), "the same " + columns + " as row " + first);
+    add(sqlite3_column_int64(equal.get(), 0), "the same " + names + " as row " + first);
   }
 }
 
@@ -330,7 +334,9 @@ std::vector<Remark> checkWhole(const ReadOnlyFile& file) {
 void checkFile(const ReadOnlyFile& file, const Tell& tell) {
   tell(nullptr, checkWhole(file));
   IdsOfTables ids;
-  for (const Table& table : file.tables()) tell(&table, TableCheck(file, table, ids).run());
+  for (const Table& table : kTables) {
+    if (file.has(table)) tell(&table, TableCheck(file, table, ids).run());
+  }
 }
 
 }  // namespace fe_db_tools

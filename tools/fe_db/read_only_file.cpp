@@ -97,7 +97,7 @@ ReadOnlyFile::ReadOnlyFile(std::string path, int waitSeconds, Gaps gaps) : path_
   }
   readColumns();
   isCompilation_ = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
-    return table.onlyInCompilation && tableExists(table.name);
+    return table.onlyInCompilation && !table.isExtension && tableExists(table.name);
   });
   if (gaps == Gaps::accepted) return;
   if (const auto found = findGaps(); !found.empty()) fail(found.front() + kNotOurs);
@@ -124,7 +124,8 @@ bool ReadOnlyFile::begin() {
 
 std::vector<std::string> ReadOnlyFile::findGaps() const {
   std::vector<std::string> gaps;
-  for (const Table& table : tables()) {
+  for (const Table& table : kTables) {
+    if (!has(table)) continue;
     if (!tableExists(table.name)) {
       gaps.push_back(missing(table));
       continue;
@@ -175,20 +176,12 @@ std::string ReadOnlyFile::reasonNotToWrite(const Table& table) const {
 
 void ReadOnlyFile::requireWritable() const {
   requirePermission();
-  for (const Table& table : tables()) {
-    const std::string reason = reasonNotToWrite(table);
+  for (const Table& table : kTables) {
+    const std::string reason = has(table) ? reasonNotToWrite(table) : "";
     if (reason.empty()) continue;
     fail("its table " + std::string(table.name) + " cannot be rewritten without data loss: " +
          reason + "; merge the file into a new one instead");
   }
-}
-
-std::span<const Table> ReadOnlyFile::tables() const {
-  const auto end = isCompilation_
-                       ? kTables.end()
-                       : std::find_if(kTables.begin(), kTables.end(),
-                                      [](const Table& t) { return t.onlyInCompilation; });
-  return {kTables.begin(), end};
 }
 
 /// SQLite would find out at the first write, when all else is done. The journal lies in the real

@@ -6,7 +6,6 @@
 #include <map>
 #include <memory>
 #include <set>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -47,9 +46,11 @@ class ReadOnlyFile {
   const std::string& path() const { return path_; }
   sqlite3* connection() const { return connection_.get(); }
 
-  /// The tables that a file of this kind has.
-  std::span<const Table> tables() const;
-  bool has(const Table& table) const { return isCompilation_ || !table.onlyInCompilation; }
+  /// A file of this kind has the table; for one that it may lack: this file has it.
+  bool has(const Table& table) const {
+    return table.isExtension ? isCompilation_ && tableExists(table.name)
+                             : isCompilation_ || !table.onlyInCompilation;
+  }
   void require(const Table& table) const;
   bool isCompilation() const { return isCompilation_; }
   /// "rowid" is one, of every table that has row ids.
