@@ -243,13 +243,14 @@ void addCheck(CLI::App& program, Action& action) {
 void addIndex(CLI::App& program, Action& action) {
   auto options = std::make_shared<IndexOptions>();
   CLI::App* command = program.add_subcommand(
-      "index", "Create the search indexes of a compilation database if they are missing");
+      "index", "Create the search indexes and views of a compilation database if they are missing");
   command->footer(
-      "With the indexes, `fe_db find` and the searches of the library take as long in a large "
-      "file\n"
-      "as in a small one. They do not change any answer. They slow down saving.");
+      "With the indexes, `fe_db find` and the searches of the library take as long in a large\n"
+      "file as in a small one. They do not change any answer. They slow down saving. The views,\n"
+      "fe_functions, fe_calls and others, have names joined and kinds in words, for SQL by hand;\n"
+      "they take no space.");
   command->add_option("FILE", options->file, "The database file")->required();
-  command->add_flag("--drop", options->drop, "Drop the indexes instead");
+  command->add_flag("--drop", options->drop, "Drop the indexes and views instead");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
     action = namingFiles(options->file, [options] { return makeIndexes(*options); });

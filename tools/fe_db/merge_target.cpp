@@ -22,7 +22,8 @@ void rollBackIncompleteWrite(const std::string& path) {
 
 }  // namespace
 
-MergeTarget::MergeTarget(std::string file, int waitSeconds) : path(std::move(file)) {
+MergeTarget::MergeTarget(std::string file, int waitTime)
+    : path(std::move(file)), waitSeconds(waitTime) {
   if (!isTaken(path)) {
     newFile.emplace(path, waitSeconds);
     // Another run may have made the file while this one waited for the temporary name.
@@ -63,10 +64,13 @@ void MergeTarget::refuseLoss() const {
 }
 
 void MergeTarget::write(bool withIndexes) {
+  // Read while nobody else can write; a new file has nothing of its own yet.
+  const auto foreign = isNew() ? std::set<std::string>() : foreignViewNames(path, waitSeconds);
   dropSearchIndexes(*db);
   merger->truncateDataFromDB();
   merger->saveToDB();
   if (withIndexes) makeSearchIndexes(*db);
+  makeViews(*db, foreign);
   if (!db->commitTransaction()) {
     const std::string failure = failureOf(*db);
     merger->closeDB();

@@ -34,6 +34,7 @@ class MergeTarget {
   void refuseLoss() const;
 
   std::string path;
+  int waitSeconds;
   // In an order in which they can be destroyed: SQLite removes its journal, the names may be
   // another run's after that of the new file.
   std::optional<NewFile> newFile;
