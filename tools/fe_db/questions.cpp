@@ -134,10 +134,12 @@ std::string filterOf(const Request& request, IdentifierKind kind) {
 std::string entitySelect(const Request& request, IdentifierKind kind,
                          const std::string& condition) {
   const std::string identifier = kind == IdentifierKind::Function ? "identifier" : "''";
+  const std::string_view view = entityViewOf(kind).view;
   return "SELECT path, line, column, '" + std::string(wordOf(kind)) +
          "' AS kind, name, qualified(scope, name, " + identifier + ") AS qualified, " +
          jsonSql(attributesOf(kind)) + " AS attributes FROM " +
-         request.file.view(entityViewOf(kind).view) + condition;
+         (request.filter.minLength ? request.file.viewByName(view) : request.file.view(view)) +
+         condition;
 }
 
 template <IdentifierKind kKind>
