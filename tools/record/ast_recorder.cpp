@@ -374,7 +374,7 @@ bool AstRecorder::VisitCallExpr(clang::CallExpr* call) {
 
 bool AstRecorder::VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
   const clang::CXXConstructorDecl* callee = construction->getConstructor();
-  if (!callee->isUserProvided()) return true;
+  if (!callee->isUserProvided() || construction->isElidable()) return true;
   FactSink::refer(entities.function(*callee));
   recordCall(*callee, construction->getLocation(), !values.isDropped(*construction));
   return true;

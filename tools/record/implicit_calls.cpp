@@ -235,8 +235,11 @@ void ImplicitCalls::enterInitializers(const clang::InitListExpr& list,
     const clang::Expr* value = maker(values[i]);
     if (value == nullptr || written.count(value) != 0) continue;
     const auto* nested = llvm::dyn_cast<clang::InitListExpr>(value);
-    const bool isWithoutBraces = nested != nullptr && nested->isSyntacticForm();
-    if (isWithoutBraces) values.append(nested->inits().begin(), nested->inits().end());
+    const bool isVisited = nested != nullptr && nested->getSyntacticForm() != nullptr &&
+                           written.count(nested->getSyntacticForm()) != 0;
+    if (nested != nullptr && !isVisited) {
+      values.append(nested->inits().begin(), nested->inits().end());
+    }
     if (nested == nullptr) addConstruction(*value, {caller, {}});
   }
 }
@@ -293,6 +296,7 @@ void ImplicitCalls::enter(const clang::VarDecl& variable, const clang::FunctionD
   if (const auto* cleanup = variable.getAttr<clang::CleanupAttr>()) {
     add(cleanup->getFunctionDecl(), {caller, here.at, /*isReference=*/false});
   }
+  if (!variable.getASTContext().getLangOpts().CPlusPlus) return;
   owned.own(variable.getInit());
   if (const auto* bindings = llvm::dyn_cast<clang::DecompositionDecl>(&variable)) {
     for (const clang::BindingDecl* binding : bindings->bindings()) {
@@ -304,8 +308,9 @@ void ImplicitCalls::enter(const clang::VarDecl& variable, const clang::FunctionD
       variable.isThisDeclarationADefinition() == clang::VarDecl::DeclarationOnly) {
     return;
   }
-  destroy(variable.getType(), {variable.hasLocalStorage() ? caller : nullptr, here.at},
-          variable.getBeginLoc());
+  // Of a lambda's own variables the copies in the lambda are left.
+  const bool isLocal = variable.hasLocalStorage() && !variable.isInitCapture();
+  destroy(variable.getType(), {isLocal ? caller : nullptr, here.at}, variable.getBeginLoc());
 }
 
 void ImplicitCalls::enter(const clang::FunctionDecl& definition) {
