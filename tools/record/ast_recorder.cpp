@@ -259,7 +259,7 @@ bool AstRecorder::VisitCallExpr(clang::CallExpr* call) {
 bool AstRecorder::VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
   Base::VisitCXXConstructExpr(construction);
   const clang::CXXConstructorDecl* callee = construction->getConstructor();
-  if (!callee->isUserProvided()) return true;
+  if (!callee->isUserProvided() || construction->isElidable()) return true;
   recordCall(*callee, construction->getLocation(), !values.isDropped(*construction));
   return true;
 }

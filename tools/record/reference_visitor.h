@@ -58,7 +58,7 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
   }
   bool VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
     const clang::CXXConstructorDecl& constructor = *construction->getConstructor();
-    if (constructor.isUserProvided()) {
+    if (constructor.isUserProvided() && !construction->isElidable()) {
       references.toValue(constructor, construction->getLocation());
     }
     return true;
