@@ -27,6 +27,20 @@ const clang::NamedDecl* memberOf(clang::QualType type, clang::DeclarationName na
   return nullptr;
 }
 
+/// The class that all arguments lead to; null if some have a specialization of their own.
+const clang::CXXRecordDecl* onlyPattern(const clang::TemplateSpecializationType& type) {
+  auto* primary =
+      llvm::dyn_cast_or_null<clang::ClassTemplateDecl>(type.getTemplateName().getAsTemplateDecl());
+  if (primary == nullptr) return nullptr;
+  llvm::SmallVector<clang::ClassTemplatePartialSpecializationDecl*, 4> partial;
+  primary->getPartialSpecializations(partial);
+  const bool isAlone =
+      partial.empty() && llvm::none_of(primary->specializations(), [](const auto* special) {
+        return special->isExplicitSpecialization();
+      });
+  return isAlone ? primary->getTemplatedDecl() : nullptr;
+}
+
 /// Visits a part of a template with the arguments for its parameters.
 class DependentNames : public clang::RecursiveASTVisitor<DependentNames> {
  public:
@@ -101,6 +115,10 @@ clang::QualType DependentNames::resolve(clang::QualType type) const {
   if (const auto* name = type->getAs<clang::DependentNameType>()) {
     return memberType(resolve(name->getQualifier()), name->getIdentifier());
   }
+  if (const auto* special = type->getAs<clang::TemplateSpecializationType>()) {
+    const clang::CXXRecordDecl* pattern = onlyPattern(*special);
+    if (pattern != nullptr) return pattern->getASTContext().getTypeDeclType(pattern);
+  }
   return {};
 }
 
@@ -128,12 +146,33 @@ bool DependentNames::resolve(Arguments dependent,
   return true;
 }
 
+/// Of `typename Any<T>::name` as a whole Clang knows the result.
+void referFromResult(References& references, const clang::TemplateSpecializationType& alias) {
+  const auto* declaration = llvm::dyn_cast_or_null<clang::TypeAliasTemplateDecl>(
+      alias.getTemplateName().getAsTemplateDecl());
+  if (declaration == nullptr) return;
+  const auto written = declaration->getTemplatedDecl()
+                           ->getTypeSourceInfo()
+                           ->getTypeLoc()
+                           .getUnqualifiedLoc()
+                           .getAs<clang::DependentNameTypeLoc>();
+  if (written.isNull()) return;
+  const clang::TypeDecl* named = alias.getAliasedType()->getAsTagDecl();
+  if (const auto* type = alias.getAliasedType()->getAs<clang::TypedefType>()) {
+    named = type->getDecl();
+  }
+  if (named == nullptr || named->getIdentifier() != written.getTypePtr()->getIdentifier()) return;
+  const References::Instantiation instantiation(references, declaration->getLocation());
+  references.toTypeDeclaration(*named, written.getNameLoc());
+}
+
 // --- Templates within templates.
 
 void referFromAlias(References& references, const clang::TemplateName& name, Arguments arguments) {
   const auto* alias =
       llvm::dyn_cast_or_null<clang::TypeAliasTemplateDecl>(name.getAsTemplateDecl());
-  if (alias == nullptr || alias->getTemplateParameters()->hasParameterPack()) return;
+  if (alias == nullptr) return;
+  if (alias->getTemplateParameters()->hasParameterPack()) arguments = {};
   const References::Instantiation instantiation(references, alias->getLocation());
   DependentNames names(references, *alias->getTemplateParameters(), arguments);
   names.TraverseTypeLoc(alias->getTemplatedDecl()->getTypeSourceInfo()->getTypeLoc());
@@ -149,10 +188,10 @@ void referFromConcept(References& references, const clang::ConceptDecl& definiti
 
 bool DependentNames::VisitTemplateSpecializationTypeLoc(clang::TemplateSpecializationTypeLoc at) {
   const clang::TemplateSpecializationType& special = *at.getTypePtr();
+  if (!special.isTypeAlias()) return true;
   std::vector<clang::TemplateArgument> resolved;
-  if (special.isTypeAlias() && resolve(special.template_arguments(), resolved)) {
-    referFromAlias(references, special.getTemplateName(), resolved);
-  }
+  if (!resolve(special.template_arguments(), resolved)) resolved.clear();
+  referFromAlias(references, special.getTemplateName(), resolved);
   return true;
 }
 
@@ -169,6 +208,7 @@ bool DependentNames::VisitConceptSpecializationExpr(clang::ConceptSpecialization
 void referFromAlias(References& references, const clang::TemplateSpecializationType& alias) {
   if (!alias.isTypeAlias() || alias.isDependentType()) return;
   referFromAlias(references, alias.getTemplateName(), alias.template_arguments());
+  referFromResult(references, alias);
 }
 
 void referFromConcept(References& references, const clang::ConceptSpecializationExpr& check) {
