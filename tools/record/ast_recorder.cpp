@@ -308,7 +308,7 @@ void AstRecorder::recordEffects() {
 void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system) {
   TypeTable types(sink, files, context);
   EntityTable entities(sink, files, types, context);
-  References references(files, types, entities, context);
+  References references(files, types, entities, context, system);
   AstRecorder recorder(sink, files, types, entities, references, context, system);
   recorder.recordUnit();
   // Of a body with errors parts are missing.

@@ -1,5 +1,5 @@
 struct Guard { Guard(int) {} Guard(const Guard &) {} ~Guard() {} };
-//     ^^^^^ Type kind=64 refs=6 tagRefs=0
+//     ^^^^^ Type kind=64 refs=5 tagRefs=0
 //             ^^^^^ Function _ZN5GuardC1Ei defined special linkage=1 refs=0 external=_ZN5GuardC1Ei no effect
 //                           ^^^^^ Function _ZN5GuardC1ERKS_ defined special linkage=1 refs=1 external=_ZN5GuardC1ERKS_ no effect
 //                                                   ^^^^^^ Function _ZN5GuardD1Ev defined special linkage=1 refs=2 external=_ZN5GuardD1Ev no effect

@@ -340,7 +340,7 @@ struct Wait { bool await_ready(); void await_suspend(std::coroutine_handle<>); i
 struct Task {
 //     ^^^^ Type kind=64 refs=2 tagRefs=0
   struct promise_type {
-//       ^^^^^^^^^^^^ Type kind=64 refs=1 tagRefs=0
+//       ^^^^^^^^^^^^ Type kind=64 refs=2 tagRefs=0
     Task get_return_object();
 //       ^^^^^^^^^^^^^^^^^ Function _ZN4Task12promise_type17get_return_objectEv declared linkage=1 refs=1 external=_ZN4Task12promise_type17get_return_objectEv
     std::suspend_never initial_suspend();
