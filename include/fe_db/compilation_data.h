@@ -66,7 +66,8 @@ class FE_DB_EXPORT CompilationData {
   CompilationDatabase& getCompDb();
   PreprocessingDatabase& getPpDb();
 
-  /// Makes loadFromDB and saveToCompDB cover the tables from Type to CallPoint. Cannot be undone.
+  /// Makes loadFromDB and saveToCompDB cover the tables from Type to CallPoint and the
+  /// cross-reference. Cannot be undone.
   void setDataNeededForDbLink();
   /// Makes saveToCompDB write File, Identifier and Macro. Cannot be undone.
   void setPropagateMacroInfo();
@@ -141,6 +142,26 @@ class FE_DB_EXPORT CompilationData {
                                         std::string_view expandedCode, std::string_view macroCall,
                                         unsigned ppLine, unsigned ppColumn);
 
+  // --- The cross-reference, five tables that a compilation database may lack: then nothing of it
+  // is loaded or saved, silently. saveToCompDB writes it after setDataNeededForDbLink; an element
+  // whose entity, unit or file gets no row gets none either.
+  //
+  // A repeat is known by these arguments: unit, all four, but the command only where there is no
+  // object; include, all but the kind; reference, entity and position; property, the entity. It
+  // adds its roles or flags to what is known, and changes nothing else. REQUIRES: no null in
+  // these but the file of a position, whose reference is then not saved, and the owner.
+
+  /// The other members are the caller's to set. `output` is empty if there is no object.
+  Unit& emplaceUnit(File* mainFile, std::string_view directory, std::string_view output,
+                    std::string_view command);
+  UnitFile& emplaceUnitFile(Unit* unit, File* file);
+  Include& emplaceInclude(File* including, std::uint32_t line, File* included, IncludeKind kind);
+  /// An entity is a pointer to a type, function, variable, macro, enum constant, field or label.
+  Reference& emplaceReference(const EntityReference& entity, const Localization& localization,
+                              ReferenceRoles roles);
+  Property& emplaceProperty(const EntityReference& entity, PropertyFlags flags, Type* owner,
+                            std::string_view scope);
+
   // --- Emplacing a stored row: as an occurrence of what the row says. The row's id is not used.
   // Null for a variable without a file, and for an enum constant or label whose name is empty.
 
@@ -159,6 +180,11 @@ class FE_DB_EXPORT CompilationData {
   EnumConstant* emplaceFromDB(const EnumConstant& row, bool accumulate);
   Label* emplaceFromDB(const Label& row, bool accumulate);
   CallPoint* emplaceFromDB(const CallPoint& row, bool accumulate);
+  Unit* emplaceFromDB(const Unit& row, bool accumulate);
+  UnitFile* emplaceFromDB(const UnitFile& row, bool accumulate);
+  Include* emplaceFromDB(const Include& row, bool accumulate);
+  Reference* emplaceFromDB(const Reference& row, bool accumulate);
+  Property* emplaceFromDB(const Property& row, bool accumulate);
 
   // --- Looking up, in memory only. Null when nothing matches; nothing is made.
 
@@ -171,6 +197,7 @@ class FE_DB_EXPORT CompilationData {
   Variable* getVariable(const Localization& localization, Identifier* identifier) const;
   Function* getFunction(std::string_view name, const Localization& localization) const;
   TypeReference* getTypeReference(Type* declared) const;
+  Property* getProperty(const EntityReference& entity) const;
 
   /// The macro of the name that was inserted first.
   Macro* getMacro(Identifier* identifier) const;
@@ -201,6 +228,11 @@ class FE_DB_EXPORT CompilationData {
   const FieldSet& getFields() const;
   const EnumConstantSet& getEnumConstants() const;
   const LabelSet& getLabels() const;
+  const UnitSet& getUnits() const;
+  const UnitFileSet& getUnitFiles() const;
+  const IncludeSet& getIncludes() const;
+  const ReferenceSet& getReferences() const;
+  const PropertySet& getProperties() const;
 
   // --- Searching the compilation database, one element at a time, without loading its tables.
   // REQUIRES a connected database.
@@ -340,6 +372,8 @@ class FE_DB_EXPORT CompilationData {
   template <class T>
   FE_DB_HIDDEN T& emplaceNamed(Identifier* identifier, const Localization& localization,
                                bool accumulate, unsigned refCount);
+  template <class T, class Key, class... Values>
+  FE_DB_HIDDEN T& emplaceUnlessKnown(const Key& key, Values&&... values);
   template <class T, class Visit>
   FE_DB_HIDDEN void eachElement(Visit&& visit);
 
@@ -362,6 +396,11 @@ class FE_DB_EXPORT CompilationData {
   EnumConstantSet enumConstants;
   LabelSet labels;
   CallPointSet callPoints;
+  UnitSet units;
+  UnitFileSet unitFiles;
+  IncludeSet includes;
+  ReferenceSet references;
+  PropertySet properties;
   std::unique_ptr<CompilationDatabase> compDb;
   std::unique_ptr<PreprocessingDatabase> ppDb;
   MacroExpansionState macroExpansionState = MacroExpansionState::Pending;

@@ -39,6 +39,10 @@ class FrontendDatabase : public persistence::Database {
   /// The function of a row that has come into memory, or null. Never reads the file.
   FE_DB_EXPORT Function* getFunction(long long id);
 
+  /// Whether the connected file has a table of the name, as its schema is now. (Which of the five
+  /// that it may lack are loaded and saved was decided when it was connected.)
+  FE_DB_EXPORT bool hasTable(std::string_view name) const;
+
   // --- The searches that no find operation of the dataset reaches: row ids, one per call; cursors
   // as above. On a connected CompilationDatabase that is no merger's. A failure reads as the end.
 
@@ -107,6 +111,9 @@ class FrontendDatabase : public persistence::Database {
   /// also when the id has no row.
   template <class T>
   T* getFound(long long id);
+  /// The element of a row that has been read, or null: nothing is read and nothing reported.
+  template <class T>
+  T* getKnown(long long id);
   /// Fills the element from the row of its id, past the dataset.
   template <class T>
   void get(T& element);
@@ -170,6 +177,9 @@ class FrontendDatabase : public persistence::Database {
   const IdCache<T>& idCacheOf() const;
   void clearIdCaches();
 
+  template <class T>
+  bool has() const;
+  void findExtensions();
   template <class T>
   bool isReadyFor(const char* operation);
   template <class T>

@@ -14,6 +14,8 @@ namespace orvalesca::databases_merger {
 template <class T>
 using LocIdentifierSet = boost::unordered_set<T, hashLocIdentifier<T>, equalLocIdentifier<T>>;
 template <class T>
+using FieldsSet = boost::unordered_set<T, hashFields, equalFields>;
+template <class T>
 using PreprocessedLineSet =
     boost::unordered_multiset<T, hashPreprocessedLine<T>, equalPreprocessedLine<T>>;
 
@@ -42,5 +44,15 @@ using TypeReferenceSet = boost::unordered_set<TypeReference, hashDeclaredType, e
 using ExternalIdentifierSet = boost::unordered_set<ExternalIdentifier, hashEntity, equalEntity>;
 /// One per caller and position.
 using CallPointSet = boost::unordered_set<CallPoint, hashLocCaller, equalLocCaller>;
+/// One per main file, directory and object (command).
+using UnitSet = FieldsSet<Unit>;
+/// One per unit and file.
+using UnitFileSet = FieldsSet<UnitFile>;
+/// One per including file, line and included file.
+using IncludeSet = FieldsSet<Include>;
+/// One per entity and position.
+using ReferenceSet = FieldsSet<Reference>;
+/// One per entity.
+using PropertySet = FieldsSet<Property>;
 
 }  // namespace orvalesca::databases_merger

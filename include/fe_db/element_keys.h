@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "fe_db/elements.h"
 
@@ -223,6 +224,57 @@ struct equalLocCaller {
     const LocCallerKey& left = locCallerKey(a);
     const LocCallerKey& right = locCallerKey(b);
     return left.caller == right.caller && samePosition(left.at, right.at);
+  }
+};
+
+// --- Unit, UnitFile, Include, Reference, Property: these fields, and all of them.
+
+inline auto keyFields(const File* mainFile, std::string_view directory, std::string_view output,
+                      std::string_view command) {
+  return std::tuple(mainFile, directory, output, output.empty() ? command : std::string_view());
+}
+inline auto keyFields(const Unit& e) {
+  return keyFields(e.getMainFile(), e.getDirectory(), e.getOutput(), e.getCommand());
+}
+inline auto keyFields(const Unit* unit, const File* file) { return std::tuple(unit, file); }
+inline auto keyFields(const UnitFile& e) { return keyFields(e.getUnit(), e.getFile()); }
+inline auto keyFields(const Localization& at, const File* included) {
+  return std::tuple(static_cast<const File*>(at.file), at.line, included);
+}
+inline auto keyFields(const Include& e) { return keyFields(e.getLocalization(), e.getIncluded()); }
+inline auto keyFields(const EntityReference& entity, const Localization& at) {
+  return std::tuple(entity, static_cast<const File*>(at.file), at.line, at.column);
+}
+inline auto keyFields(const Reference& e) { return keyFields(e.getEntity(), e.getLocalization()); }
+inline auto keyFields(const EntityReference& entity) { return std::tuple(entity); }
+inline auto keyFields(const Property& e) { return keyFields(e.getEntity()); }
+template <class... Fields>
+const std::tuple<Fields...>& keyFields(const std::tuple<Fields...>& key) {
+  return key;
+}
+
+inline std::uint64_t hashField(const void* address) { return hashAddress(address); }
+inline std::uint64_t hashField(const EntityReference& e) { return hashAddress(e.entity); }
+inline std::uint64_t hashField(std::uint32_t number) { return number; }
+inline std::uint64_t hashField(std::string_view text) {
+  return std::hash<std::string_view>()(text);
+}
+
+struct hashFields {
+  template <class K>
+  std::size_t operator()(const K& e) const {
+    std::uint64_t hash = 0;
+    std::apply(
+        [&hash](const auto&... field) { ((hash = combineHash(hash, hashField(field))), ...); },
+        keyFields(e));
+    return hash;
+  }
+};
+
+struct equalFields {
+  template <class A, class B>
+  bool operator()(const A& a, const B& b) const {
+    return keyFields(a) == keyFields(b);
   }
 };
 

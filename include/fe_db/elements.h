@@ -10,13 +10,18 @@
 #include "fe_db/file.h"
 #include "fe_db/function.h"
 #include "fe_db/identifier.h"
+#include "fe_db/include.h"
 #include "fe_db/label.h"
 #include "fe_db/macro.h"
 #include "fe_db/macro_expansion.h"
 #include "fe_db/macro_invocation.h"
 #include "fe_db/macro_invocation_code_origin.h"
+#include "fe_db/property.h"
+#include "fe_db/reference.h"
 #include "fe_db/type.h"
 #include "fe_db/type_reference.h"
+#include "fe_db/unit.h"
+#include "fe_db/unit_file.h"
 #include "fe_db/variable.h"
 
 namespace orvalesca::databases_merger {
@@ -37,17 +42,20 @@ struct TypeList {
   }
 };
 
-/// The tables of both kinds of database, and those of a compilation database only. Whatever can
-/// follow from these two lists follows from them.
+/// The tables of both kinds of database, those of a compilation database only, and those that a
+/// compilation database may lack: the cross-reference. Whatever can follow from these three lists
+/// follows from them.
 using PreprocessingElements =
     TypeList<File, Identifier, Macro, MacroInvocation, MacroInvocationCodeOrigin, MacroExpansion>;
 using CompilationOnlyElements = TypeList<Type, TypeReference, Variable, Function,
                                          ExternalIdentifier, Field, EnumConstant, Label, CallPoint>;
+using ExtensionElements = TypeList<Unit, UnitFile, Include, Reference, Property>;
 
 template <class... First, class... Second>
 TypeList<First..., Second...> concatenate(TypeList<First...>, TypeList<Second...>);
 
-/// The fifteen element classes, in table order.
+/// The fifteen element classes of every compilation database, in table order.
 using Elements = decltype(concatenate(PreprocessingElements{}, CompilationOnlyElements{}));
+using AllElements = decltype(concatenate(Elements{}, ExtensionElements{}));
 
 }  // namespace orvalesca::databases_merger

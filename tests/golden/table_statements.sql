@@ -118,3 +118,43 @@ CallPoint list_id: SELECT CallPointId FROM CallPoint ORDER BY LineNum
 CallPoint list_all: SELECT CallPointId, FileId, LineNum, ColNum, IsValueUsed, CallerId, CalleeId FROM CallPoint
 CallPoint max_id: SELECT MAX(CallPointId) FROM CallPoint
 CallPoint delete_all: DELETE FROM CallPoint
+Unit add: INSERT INTO Unit (MainFileId, Directory, Output, Command, Name, Recorder, Options, Digest, IsFolded) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)
+Unit update: UPDATE Unit SET Command=?, Name=?, Recorder=?, Options=?, Digest=?, IsFolded=? WHERE UnitId=?
+Unit get_id: SELECT UnitId, Command, Name, Recorder, Options, Digest, IsFolded FROM Unit WHERE MainFileId=? AND Directory=? AND Output=?
+Unit get_from_id: SELECT MainFileId, Directory, Output, Command, Name, Recorder, Options, Digest, IsFolded FROM Unit WHERE UnitId=?
+Unit list_id: SELECT UnitId FROM Unit
+Unit list_all: SELECT UnitId, MainFileId, Directory, Output, Command, Name, Recorder, Options, Digest, IsFolded FROM Unit
+Unit max_id: SELECT MAX(UnitId) FROM Unit
+Unit delete_all: DELETE FROM Unit
+UnitFile add: INSERT INTO UnitFile (UnitId, FileId) VALUES (?, ?)
+UnitFile update: UPDATE UnitFile SET  WHERE rowid=?
+UnitFile get_id: SELECT rowid FROM UnitFile WHERE UnitId=? AND FileId=?
+UnitFile get_from_id: SELECT UnitId, FileId FROM UnitFile WHERE rowid=?
+UnitFile list_id: SELECT rowid FROM UnitFile
+UnitFile list_all: SELECT rowid, UnitId, FileId FROM UnitFile
+UnitFile max_id: SELECT MAX(rowid) FROM UnitFile
+UnitFile delete_all: DELETE FROM UnitFile
+Include add: INSERT INTO Include (IncludingFileId, LineNum, IncludedFileId, Kind) VALUES (?, ?, ?, ?)
+Include update: UPDATE Include SET Kind=? WHERE rowid=?
+Include get_id: SELECT rowid, Kind FROM Include WHERE IncludingFileId=? AND LineNum=? AND IncludedFileId=?
+Include get_from_id: SELECT IncludingFileId, LineNum, IncludedFileId, Kind FROM Include WHERE rowid=?
+Include list_id: SELECT rowid FROM Include
+Include list_all: SELECT rowid, IncludingFileId, LineNum, IncludedFileId, Kind FROM Include
+Include max_id: SELECT MAX(rowid) FROM Include
+Include delete_all: DELETE FROM Include
+Reference add: INSERT INTO Reference (EntityKind, EntityId, FileId, LineNum, ColNum, Roles) VALUES (?, ?, ?, ?, ?, ?)
+Reference update: UPDATE Reference SET Roles=? WHERE rowid=?
+Reference get_id: SELECT rowid, Roles FROM Reference WHERE EntityKind=? AND EntityId=? AND FileId=? AND LineNum=? AND ColNum=?
+Reference get_from_id: SELECT EntityKind, EntityId, FileId, LineNum, ColNum, Roles FROM Reference WHERE rowid=?
+Reference list_id: SELECT rowid FROM Reference
+Reference list_all: SELECT rowid, EntityKind, EntityId, FileId, LineNum, ColNum, Roles FROM Reference
+Reference max_id: SELECT MAX(rowid) FROM Reference
+Reference delete_all: DELETE FROM Reference
+Property add: INSERT INTO Property (EntityKind, EntityId, Flags, OwnerId, Scope) VALUES (?, ?, ?, ?, ?)
+Property update: UPDATE Property SET Flags=? WHERE rowid=?
+Property get_id: SELECT rowid, Flags, OwnerId, Scope FROM Property WHERE EntityKind=? AND EntityId=?
+Property get_from_id: SELECT EntityKind, EntityId, Flags, OwnerId, Scope FROM Property WHERE rowid=?
+Property list_id: SELECT rowid FROM Property
+Property list_all: SELECT rowid, EntityKind, EntityId, Flags, OwnerId, Scope FROM Property
+Property max_id: SELECT MAX(rowid) FROM Property
+Property delete_all: DELETE FROM Property

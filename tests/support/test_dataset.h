@@ -14,7 +14,7 @@ using namespace orvalesca::databases_merger;
 inline void resetProcessFlags() {
   CompilationData::deleteInstance();
   persistence::GenericElement::setOptimisticInsert(false);
-  Elements::each([]<class T>() { T::isLoaded = T::isPreLoaded = false; });
+  AllElements::each([]<class T>() { T::isLoaded = T::isPreLoaded = false; });
 }
 
 /// A fixture that owns a dataset without databases. The helpers make what they name unless it is

@@ -11,12 +11,12 @@ constexpr char kTables[] =
 
 struct Init : FeDbProgram {};
 
-TEST_F(Init, CompilationFile_HasFifteenTablesVersionOneAndLargePages) {
+TEST_F(Init, CompilationFile_HasAllTablesVersionOneAndLargePages) {
   outputOf({"init", path("x.db")});
   EXPECT_EQ(rows(path("x.db"), kTables),
             "File Identifier Macro MacroInvocation MacroInvocationCodeOrigin MacroExpansion Type "
             "TypeReference Variable Function ExternalIdentifier Field EnumConstant Label "
-            "CallPoint\n");
+            "CallPoint Unit UnitFile Include Reference Property\n");
   EXPECT_EQ(rows(path("x.db"), "PRAGMA page_size; PRAGMA user_version; PRAGMA integrity_check"),
             "32768\n1\nok\n");
   EXPECT_EQ(rows(path("x.db"),

@@ -91,6 +91,14 @@ void createPreprocessingDatabase(const std::string& path) {
   writeNewFile(path, builder.commit());
 }
 
+std::vector<std::string> extensionCreations() {
+  std::vector<std::string> texts;
+  for (const Table& table : kTables) {
+    if (table.isExtension) texts.push_back(creationOf(table));
+  }
+  return texts;
+}
+
 std::size_t countRows(const std::string& path) {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);

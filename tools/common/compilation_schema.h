@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace fe_db_tools {
 
@@ -9,7 +10,7 @@ namespace fe_db_tools {
 /// processes save into, not in one that is written once.
 enum class KeyIndexes { no, yes };
 
-/// The bytes of an empty compilation database with its fifteen tables.
+/// The bytes of an empty compilation database with all tables.
 std::string emptyCompilationDatabase(KeyIndexes indexes);
 
 /// Makes such a file at `path`, whole or not at all.
@@ -19,6 +20,9 @@ void createCompilationDatabase(const std::string& path, KeyIndexes indexes);
 
 /// The same for a preprocessing database, made at once.
 void createPreprocessingDatabase(const std::string& path);
+
+/// The texts that create the tables which a compilation database may lack, in table order.
+std::vector<std::string> extensionCreations();
 
 /// Rows of all tables together. Throws std::runtime_error if they cannot be read.
 std::size_t countRows(const std::string& path);

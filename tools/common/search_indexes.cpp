@@ -61,6 +61,11 @@ const std::vector<SearchIndex>& queryIndexes() {
     }
     // fe_db find, which asks for the names in the source, has a query of its own.
     add(queryIndexOn(tableOf(TableId::function).name, "SourceNameId"));
+    // Who uses an entity, who includes or reads a file, what a type has.
+    add(queryIndexOn(tableOf(TableId::reference).name, "EntityId"));
+    add(queryIndexOn(tableOf(TableId::include).name, "IncludedFileId"));
+    add(queryIndexOn(tableOf(TableId::unitFile).name, "FileId"));
+    add(queryIndexOn(tableOf(TableId::property).name, "OwnerId"));
     return all;
   }();
   return indexes;

@@ -28,9 +28,9 @@ struct SearchIndex {
 const std::vector<SearchIndex>& keyIndexes();
 
 /// The indexes that the named searches of the library filter on: by name, by the length of names,
-/// by count, by caller and callee; and by the name in the source, which fe_db find asks for. One
-/// column each, compared by equality (the length: from a least one on), so that the rows of one
-/// value come in row order, as they do without the index.
+/// by count, by caller and callee; and by the name in the source, which fe_db find asks for; and
+/// those of the cross-reference. One column each, compared by equality (the length: from a least
+/// one on), so that the rows of one value come in row order, as they do without the index.
 const std::vector<SearchIndex>& queryIndexes();
 
 /// Tells SQLite's planner of a small table of names. Knowing nothing, it takes the conditions on

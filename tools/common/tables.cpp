@@ -17,7 +17,7 @@ namespace library = orvalesca::databases_merger;
 using library::TableColumns;
 
 template <class E>
-constexpr bool isOnlyInCompilation = library::CompilationOnlyElements::has<E>;
+constexpr bool isOnlyInCompilation = !library::PreprocessingElements::has<E>;
 
 template <class... E>
 struct PositionIn {
@@ -30,7 +30,7 @@ struct PositionIn {
 
 template <class E>
 constexpr TableId idOf() {
-  return static_cast<TableId>(library::Elements::Apply<PositionIn>::of<E>() + 1);
+  return static_cast<TableId>(library::AllElements::Apply<PositionIn>::of<E>() + 1);
 }
 
 template <class Value>
@@ -39,6 +39,16 @@ constexpr std::string_view declaredTypeOf() {
   if constexpr (std::is_same_v<Value, std::string>) return "TEXT";
   return "INTEGER";
 }
+
+constexpr EntityTable kVariableOrFunction[] = {
+    {static_cast<long long>(library::EntityKind::Variable), idOf<library::Variable>()},
+    {static_cast<long long>(library::EntityKind::Function), idOf<library::Function>()}};
+
+template <class... E>
+struct NamedTables {
+  static constexpr EntityTable kAll[] = {
+      {static_cast<long long>(library::entityKindOf<E>), idOf<E>()}...};
+};
 
 template <class Described>
 constexpr Column asColumn(const Described& column) {
@@ -51,6 +61,10 @@ constexpr Column asColumn(const Described& column) {
     result.refersTo = idOf<std::remove_cv_t<std::remove_pointer_t<Value>>>();
   } else if constexpr (library::isReference<Value>) {
     result.kind = ColumnKind::entity;
+    const bool isDescription = std::is_same_v<Value, library::EntityDescription>;
+    result.kindColumn = isDescription ? "Kind" : "EntityKind";
+    result.entities = isDescription ? std::span<const EntityTable>(kVariableOrFunction)
+                                    : library::EntityElements::Apply<NamedTables>::kAll;
   } else if constexpr (std::is_same_v<Value, std::optional<std::int64_t>>) {
     result.presence = Presence::optional;
   }
@@ -92,14 +106,26 @@ constexpr auto columnsOf() {
   }
 }
 
+template <class Described>
+constexpr bool isInKey(const Described& column) {
+  return column.has(library::kKey) || column.has(library::kKeyIfLastEmpty);
+}
+
 /// Calls visit(name) for each column of the key: those of the position, then the others.
 template <class E, class Visit>
 constexpr void eachKeyColumn(Visit&& visit) {
   for (const bool isPlace : {true, false}) {
     library::eachColumn<E>([&](const auto& column) {
-      if (column.has(library::kKey) && column.has(library::kPlace) == isPlace) visit(column.name);
+      if (isInKey(column) && column.has(library::kPlace) == isPlace) visit(column.name);
     });
   }
+}
+
+template <class E>
+constexpr bool hasConditionalKey() {
+  bool has = false;
+  library::eachColumn<E>([&](const auto& column) { has |= column.has(library::kKeyIfLastEmpty); });
+  return has;
 }
 
 template <class E>
@@ -146,8 +172,10 @@ constexpr Table describe() {
           .rowId = library::idColumnOf<E>(),
           .columns = kColumnsOf<E>,
           .key = kKeyOf<E>,
+          .isLastForEmptyOnly = hasConditionalKey<E>(),
           .indexed = kIndexedOf<E>,
-          .onlyInCompilation = isOnlyInCompilation<E>};
+          .onlyInCompilation = isOnlyInCompilation<E>,
+          .isExtension = library::ExtensionElements::has<E>};
 }
 
 template <class... E>
@@ -155,7 +183,7 @@ struct Descriptions {
   static constexpr std::array<Table, sizeof...(E)> kAll = {describe<E>()...};
 };
 
-constexpr auto& kAll = library::Elements::Apply<Descriptions>::kAll;
+constexpr auto& kAll = library::AllElements::Apply<Descriptions>::kAll;
 
 static_assert([] {
   for (const Table& table : kAll) {
@@ -182,11 +210,23 @@ static_assert(
     idOf<library::EnumConstant>() == TableId::enumConstant &&
     idOf<library::Label>() == TableId::label &&
     idOf<library::CallPoint>() == TableId::callPoint &&
-    kAll.size() == static_cast<std::size_t>(TableId::callPoint));
+    idOf<library::Unit>() == TableId::unit &&
+    idOf<library::UnitFile>() == TableId::unitFile &&
+    idOf<library::Include>() == TableId::include &&
+    idOf<library::Reference>() == TableId::reference &&
+    idOf<library::Property>() == TableId::property &&
+    kAll.size() == static_cast<std::size_t>(TableId::property));
 // clang-format on
 
 }  // namespace
 
 constinit const std::span<const Table> kTables = kAll;
+
+std::string keyExpression(const Table& table, std::size_t part, const std::string& prefix) {
+  const std::string column = prefix + std::string(table.key[part]);
+  if (!table.isLastForEmptyOnly || part + 1 != table.key.size()) return column;
+  return "CASE " + prefix + std::string(table.key[part - 1]) + " WHEN '' THEN " + column +
+         " ELSE '' END";
+}
 
 }  // namespace fe_db_tools

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
 /// What the tables of a database file hold, column by column, and what their references lead to.
@@ -26,13 +27,18 @@ enum class TableId {
   enumConstant,
   label,
   callPoint,
+  unit,
+  unitFile,
+  include,
+  reference,
+  property,
 };
 
 enum class ColumnKind {
   number,
   text,
   reference,  ///< the id of a row of the table `refersTo`
-  entity,     ///< the id of a variable or of a function, as the column Kind of the row says
+  entity,     ///< the id of a row of one of the tables `entities`, as the column `kind` says
 };
 
 /// What a row may hold in place of a value.
@@ -42,12 +48,20 @@ enum class Presence {
   optional,  ///< NULL is a value
 };
 
+/// A value of the column that gives the kind of an entity, and the table that it stands for.
+struct EntityTable {
+  long long kind;
+  TableId table;
+};
+
 struct Column {
   std::string_view name;
   ColumnKind kind = ColumnKind::number;
   TableId refersTo = TableId::none;
   Presence presence = Presence::usual;
   std::string_view declaredType = {};  ///< in the tables that only a compilation database has
+  std::string_view kindColumn = {};    ///< of an entity
+  std::span<const EntityTable> entities = {};
 };
 
 struct Table {
@@ -57,13 +71,18 @@ struct Table {
   std::span<const Column> columns;  ///< all others, as the file declares them
   /// By what the library finds a row again, and what a reference to this table prints.
   std::span<const std::string_view> key;
+  bool isLastForEmptyOnly;  ///< the last part of the key counts where the one before is empty
   std::span<const std::string_view> indexed;  ///< the columns of the index for it, if it has one
   bool onlyInCompilation;
+  bool isExtension;  ///< a compilation database may lack it
 };
 
 extern const std::span<const Table> kTables;
 
 inline const Table& tableOf(TableId id) { return kTables[static_cast<std::size_t>(id) - 1]; }
+
+/// What a row has of the part of its key, as SQL; `prefix` comes before the names of columns.
+std::string keyExpression(const Table& table, std::size_t part, const std::string& prefix = "");
 
 constexpr const Column& columnOf(const Table& table, std::string_view name) {
   for (const Column& column : table.columns) {

@@ -9,8 +9,6 @@
 namespace fe_db_tools {
 namespace {
 
-/// The kind of an external identifier determines the table of its entity; -1 is no entity.
-constexpr TableId kEntityTables[] = {TableId::variable, TableId::function};
 /// The bits of Identifier.Kind, from the lowest on, say which tables have a row with the name.
 constexpr TableId kNameTables[] = {TableId::type,
                                    TableId::function,
@@ -163,7 +161,8 @@ void TableCheck::checkRows() {
     if (!file.hasColumn(checked, column.name)) continue;
     sql = sql + ", " + column.name;
     columns.push_back(&column);
-    if (column.name == "Kind") kindCell = static_cast<int>(columns.size());
+    const auto isKind = [&](const Column& other) { return other.kindColumn == column.name; };
+    if (std::ranges::any_of(checked.columns, isKind)) kindCell = static_cast<int>(columns.size());
   }
   const Statement statement = file.prepare(sql + " FROM " + checked.name + " NOT INDEXED");
   cells = statement.get();
@@ -195,8 +194,11 @@ void TableCheck::checkCell(const Column& column, int cell) {
 void TableCheck::checkEntity(const Column& column, int cell) {
   if (kindCell == 0 || sqlite3_column_type(cells, kindCell) != SQLITE_INTEGER) return;
   const sqlite3_int64 kind = sqlite3_column_int64(cells, kindCell);
-  if (kind == 0 || kind == 1) {
-    checkReference(column, cell, kEntityTables[kind], /*required=*/true);
+  const auto entity = std::ranges::find(column.entities, kind, &EntityTable::kind);
+  if (entity != column.entities.end()) {
+    checkReference(column, cell, entity->table, /*required=*/true);
+  } else if (column.presence == Presence::required) {
+    add(currentId, std::string(column.kindColumn) + " " + std::to_string(kind) + " is of no table");
   } else if (kind != -1) {
     add(currentId, "Kind " + std::to_string(kind) + " is not -1, 0 or 1",
         /*isNote=*/true);
@@ -224,11 +226,13 @@ void TableCheck::checkKeys() {
   // Uses of one macro may begin at the same place, ID(ID(x)) or several that expand to nothing, and
   // a preprocessing file has a row for each.
   if (checked.id == TableId::macroInvocation && !file.isCompilationDatabase()) return;
-  std::string columns, condition;
-  for (const std::string_view column : checked.key) {
-    if (!file.hasColumn(checked, column)) return;
-    columns = columns + (columns.empty() ? "" : ", ") + column;
-    condition = condition + (condition.empty() ? " WHERE " : " AND ") + column + " NOT NULL";
+  std::string names, columns, condition;
+  for (std::size_t part = 0; part < checked.key.size(); ++part) {
+    if (!file.hasColumn(checked, checked.key[part])) return;
+    const std::string comma = columns.empty() ? "" : ", ", value = keyExpression(checked, part);
+    names += comma + std::string(checked.key[part]);
+    columns += comma + value;
+    condition += (part == 0 ? " WHERE (" : " AND (") + value + ") NOT NULL";
   }
   if (columns.empty()) return;
   const std::string rows = std::string(checked.name) + " NOT INDEXED" + condition;
@@ -243,7 +247,7 @@ void TableCheck::checkKeys() {
                    ") AS firstId FROM " + rows + ") WHERE id<>firstId");
   while (file.step(equal)) {
     const std::string first = std::to_string(sqlite3_column_int64(equal.get(), 1));
-    add(sqlite3_column_int64(equal.get(), 0), "the same " + columns + " as row " + first);
+    add(sqlite3_column_int64(equal.get(), 0), "the same " + names + " as row " + first);
   }
 }
 
@@ -333,7 +337,9 @@ std::vector<Remark> checkWhole(const ReadOnlyFile& file) {
 void checkFile(const ReadOnlyFile& file, const Reporter& report) {
   report(nullptr, checkWhole(file));
   IdsOfTables ids;
-  for (const Table& table : file.tables()) report(&table, TableCheck(file, table, ids).run());
+  for (const Table& table : kTables) {
+    if (file.has(table)) report(&table, TableCheck(file, table, ids).run());
+  }
 }
 
 }  // namespace fe_db_tools

@@ -15,11 +15,13 @@ bool drop(CompilationDatabase& db, const SearchIndex& index) {
 }  // namespace
 
 void dropSearchIndexes(CompilationDatabase& db) {
-  everySearchIndex([&](const SearchIndex& index) { return drop(db, index); });
+  everySearchIndex(
+      [&](const SearchIndex& index) { return !db.hasTable(index.table) || drop(db, index); });
 }
 
 void makeSearchIndexes(CompilationDatabase& db, const std::set<std::string>& known) {
   const bool isDone = everySearchIndex([&](const SearchIndex& index) {
+    if (!db.hasTable(index.table)) return true;
     // A different index may have the name.
     return known.count(index.sql) != 0 || (drop(db, index) && db.execute(index.sql));
   });

@@ -84,19 +84,22 @@ std::string dotted(const std::string& alias, std::string_view column) {
 LineQuery::LineQuery(const Table& table) : table(table) {
   const std::string alias = "t0";
   tables = std::string(table.name) + " AS " + alias;
-  for (const Column& column : table.columns) items.push_back(addItem(table, alias, column));
+  for (const Column& column : table.columns) {
+    items.push_back(addItem(alias, column, dotted(alias, column.name)));
+  }
 }
 
-LineQuery::Item LineQuery::addItem(const Table& table, const std::string& alias,
-                                   const Column& column) {
-  const std::string expression = dotted(alias, column.name);
+/// `expression` is the value of the column in SQL.
+LineQuery::Item LineQuery::addItem(const std::string& alias, const Column& column,
+                                   const std::string& expression) {
   Item item{column.kind, addCell(expression), {}};
   if (column.kind == ColumnKind::reference) {
     item.targets.push_back(addTarget(column.refersTo, expression, ""));
   } else if (column.kind == ColumnKind::entity) {
-    const std::string kind = dotted(alias, columnOf(table, "Kind").name);
-    item.targets.push_back(addTarget(TableId::variable, expression, " AND " + kind + "=0"));
-    item.targets.push_back(addTarget(TableId::function, expression, " AND " + kind + "=1"));
+    const std::string isKind = " AND " + dotted(alias, column.kindColumn) + "=";
+    for (const auto& [kind, table] : column.entities) {
+      item.targets.push_back(addTarget(table, expression, isKind + std::to_string(kind)));
+    }
   }
   return item;
 }
@@ -109,8 +112,9 @@ LineQuery::Target LineQuery::addTarget(TableId id, const std::string& reference,
   tables += " LEFT JOIN " + std::string(table.name) + " AS " + alias + " ON " + rowId + "=" +
             reference + condition;
   Target target{addCell(rowId), {}};
-  for (const std::string_view name : table.key) {
-    target.key.push_back(addItem(table, alias, columnOf(table, name)));
+  for (std::size_t part = 0; part < table.key.size(); ++part) {
+    target.key.push_back(
+        addItem(alias, columnOf(table, table.key[part]), keyExpression(table, part, alias + ".")));
   }
   return target;
 }

@@ -48,7 +48,7 @@ class LineQuery {
   };
   enum class Place { column, key };
 
-  Item addItem(const Table& table, const std::string& alias, const Column& column);
+  Item addItem(const std::string& alias, const Column& column, const std::string& expression);
   Target addTarget(TableId id, const std::string& reference, const std::string& condition);
   int addCell(const std::string& expression);
 

@@ -98,7 +98,7 @@ ReadOnlyFile::ReadOnlyFile(std::string name, int waitSeconds, MissingSchema miss
   }
   readColumns();
   isCompilation = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
-    return table.onlyInCompilation && tableExists(table.name);
+    return table.onlyInCompilation && !table.isExtension && tableExists(table.name);
   });
   if (missing == MissingSchema::accepted) return;
   if (const auto found = findMissingSchema(); !found.empty()) fail(found.front() + kUseOurs);
@@ -125,7 +125,8 @@ bool ReadOnlyFile::begin() {
 
 std::vector<std::string> ReadOnlyFile::findMissingSchema() const {
   std::vector<std::string> lacking;
-  for (const Table& table : tables()) {
+  for (const Table& table : kTables) {
+    if (!has(table)) continue;
     if (!tableExists(table.name)) {
       lacking.push_back(missing(table));
       continue;
@@ -177,19 +178,12 @@ std::string ReadOnlyFile::reasonNotToWrite(const Table& table) const {
 
 void ReadOnlyFile::requireWritable() const {
   requirePermission();
-  for (const Table& table : tables()) {
-    const std::string reason = reasonNotToWrite(table);
+  for (const Table& table : kTables) {
+    const std::string reason = has(table) ? reasonNotToWrite(table) : "";
     if (reason.empty()) continue;
     fail("its table " + std::string(table.name) + " cannot be rewritten without data loss: " +
          reason + "; merge the file into a new one instead");
   }
-}
-
-std::span<const Table> ReadOnlyFile::tables() const {
-  const auto end = isCompilation ? kTables.end()
-                                 : std::find_if(kTables.begin(), kTables.end(),
-                                                [](const Table& t) { return t.onlyInCompilation; });
-  return {kTables.begin(), end};
 }
 
 /// SQLite would notice at the first write, when all else is done. The journal is in the real

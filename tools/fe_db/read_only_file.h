@@ -6,7 +6,6 @@
 #include <map>
 #include <memory>
 #include <set>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -47,9 +46,11 @@ class ReadOnlyFile {
   const std::string& getPath() const { return path; }
   sqlite3* getConnection() const { return connection.get(); }
 
-  /// The tables that a file of this kind has.
-  std::span<const Table> tables() const;
-  bool has(const Table& table) const { return isCompilation || !table.onlyInCompilation; }
+  /// A file of this kind has the table; for one that it may lack: this file has it.
+  bool has(const Table& table) const {
+    return table.isExtension ? isCompilation && tableExists(table.name)
+                             : isCompilation || !table.onlyInCompilation;
+  }
   void require(const Table& table) const;
   bool isCompilationDatabase() const { return isCompilation; }
   /// "rowid" is a column of every table that has row ids.

@@ -22,7 +22,8 @@ struct Stats {
 
 Stats gather(const ReadOnlyFile& file) {
   Stats stats;
-  for (const Table& table : file.tables()) {
+  for (const Table& table : kTables) {
+    if (!file.has(table)) continue;
     const std::string name(table.name);
     const sqlite3_int64 rows = file.number("SELECT count(*) FROM " + name);
     stats.rowsPerTable.emplace_back(name, rows);

@@ -29,7 +29,7 @@ std::string textOf(TableDescription<T>& table, StatementKind kind) {
 
 std::string generatedPage() {
   std::string page;
-  Elements::each([&]<class T>() {
+  AllElements::each([&]<class T>() {
     TableDescription<T> table;
     describe(table);
     for (const auto& [name, kind] : kKinds) {

@@ -43,9 +43,10 @@ class Load : public SaveLoadTest {
 TEST_F(Load, FromCompDb_ReadsAllButTypeReferencesAndMacroTexts) {
   saveBothAndOpenAgain();
   EXPECT_TRUE(loadAll());
-  EXPECT_THAT(tablesRead(), ElementsAre("File", "Identifier", "Macro", "MacroInvocation", "Type",
-                                        "Variable", "Function", "ExternalIdentifier", "Field",
-                                        "EnumConstant", "Label", "CallPoint"));
+  EXPECT_THAT(tablesRead(),
+              ElementsAre("File", "Identifier", "Macro", "MacroInvocation", "Type", "Variable",
+                          "Function", "ExternalIdentifier", "Field", "EnumConstant", "Label",
+                          "CallPoint", "Unit", "UnitFile", "Include", "Reference", "Property"));
   const Function* f = data->getFunction("f", {data->getFile("a.c"), 4, 1});
   ASSERT_NE(f, nullptr);
   EXPECT_EQ(db().getFunction(f->getId()), f);

@@ -56,7 +56,9 @@ bool mergerImpl::mayRewrite(const char* operation) {
 
 void mergerImpl::truncateDataFromDB() {
   if (!mayRewrite("truncateDataFromDB")) return;
-  MergedElements::each([this]<class T>() { database->truncate<T>(); });
+  MergedElements::each([this]<class T>() {
+    if (database->has<T>()) database->truncate<T>();
+  });
 }
 
 // --- The exported class.

@@ -15,9 +15,16 @@ T* mergerImpl::insertRow(T& row) {
   } else if constexpr (std::is_same_v<T, ExternalIdentifier>) {
     Identifier* identifier = row.getIdentifier();
     identifier->setKind(identifier->getKind() | IdentifierKind::External);
+  } else if constexpr (std::is_same_v<T, Unit>) {
+    row.setIsFolded(true);
   }
   if constexpr (std::is_same_v<T, Macro>) {
     return dataset->emplaceFromDB(row, /*accumulate=*/false);
+  } else if constexpr (requires { row.getEntity(); }) {
+    // Two rows of one key may have become the one entity of two rows here.
+    T& element = dataset->insertElement(row);
+    element.update(row);
+    return &element;
   } else {
     return &dataset->insertElement(row);
   }
@@ -27,6 +34,7 @@ T* mergerImpl::insertRow(T& row) {
 /// takes the id of the last; every one of their ids references it.
 template <class T>
 void mergerImpl::loadTable() {
+  if (!database->has<T>()) return;
   T row;
   bool first = true;
   RowTally leftOut, withoutReference, nameless;

@@ -22,6 +22,8 @@ auto withKeyInTarget(const T& source, const Translation& inTarget, Find&& find) 
     return find(std::string_view(source.getName()));
   } else if constexpr (std::is_same_v<T, TypeReference>) {
     return find(inTarget(source.getDeclaredType()));
+  } else if constexpr (ExtensionElements::has<T>) {
+    return find(inTarget(keyFields(source)));
   } else if constexpr (std::is_same_v<T, ExternalIdentifier>) {
     return find(entityKey(inTarget(source.getIdentifier()), inTarget(source.getDescription())));
   } else {
@@ -72,7 +74,7 @@ template <class T>
 void addCopy(T& known, const T& source) {
   if constexpr (std::is_same_v<T, Identifier>) {
     addUses(known, source.getKind(), source.getCount());
-  } else if constexpr (std::is_base_of_v<NamedElement, T>) {
+  } else if constexpr (requires { known.update(source); }) {
     const long long id = known.getId();
     known.update(source);
     known.setId(id);

@@ -13,8 +13,10 @@ class LookupPredictor;
 class Translation;
 
 /// What a merger reads, folds and writes, each table after those that it refers to.
-using MergedElements = TypeList<File, Identifier, Function, CallPoint, EnumConstant, Type, Field,
-                                Label, Macro, TypeReference, Variable, ExternalIdentifier>;
+using MergedElements =
+    decltype(concatenate(TypeList<File, Identifier, Function, CallPoint, EnumConstant, Type, Field,
+                                  Label, Macro, TypeReference, Variable, ExternalIdentifier>{},
+                         ExtensionElements{}));
 
 /// The private side of CompilationDataMerger. Its four topics stand in a file each: the connection
 /// and what may be rewritten (lifecycle.cpp), rows to elements (load_rows.cpp), elements of a

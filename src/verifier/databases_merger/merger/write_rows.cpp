@@ -30,7 +30,9 @@ template <> constexpr const char* kLabel<ExternalIdentifier> = "ExternalIdentifi
 /// refers to have got their new ids before it.
 template <class T>
 void mergerImpl::writeTable() {
-  if (debug) std::cout << kLabel<T> << dataset->elementsOf<T>().size() << '\n';
+  if (!database->has<T>()) return;
+  if (debug && kLabel<T> != nullptr)
+    std::cout << kLabel<T> << dataset->elementsOf<T>().size() << '\n';
   dataset->eachElement<T>([this](T& element) { database->add(element); });
 }
 
@@ -38,7 +40,8 @@ void mergerImpl::writeTable() {
 /// of the tables' own definitions. Found here, it is not committed.
 void mergerImpl::checkWhatWasWritten() {
   MergedElements::each([this]<class T>() {
-    if (!database->hasTransactionFailed()) database->holdsJust<T>(dataset->elementsOf<T>().size());
+    if (!database->has<T>() || database->hasTransactionFailed()) return;
+    database->holdsJust<T>(dataset->elementsOf<T>().size());
   });
 }
 

@@ -32,6 +32,7 @@ CompilationData::~CompilationData() {
 
 void CompilationData::clear() {
   insertionOrder->clear();
+  ExtensionElements::each([this]<class T>() { elementsOf<T>().clear(); });
   files.clear();
   macros.clear();
   macroGroups->clear();

@@ -28,6 +28,11 @@ auto& CompilationData::elementsOf() {
   if constexpr (std::is_same_v<T, EnumConstant>) return enumConstants;
   if constexpr (std::is_same_v<T, Label>) return labels;
   if constexpr (std::is_same_v<T, CallPoint>) return callPoints;
+  if constexpr (std::is_same_v<T, Unit>) return units;
+  if constexpr (std::is_same_v<T, UnitFile>) return unitFiles;
+  if constexpr (std::is_same_v<T, Include>) return includes;
+  if constexpr (std::is_same_v<T, Reference>) return references;
+  if constexpr (std::is_same_v<T, Property>) return properties;
 }
 
 /// A first occurrence: the key is known not to be there.

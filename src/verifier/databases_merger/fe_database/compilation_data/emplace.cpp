@@ -222,6 +222,50 @@ MacroExpansion* CompilationData::emplaceMacroExpansion(const Localization& local
   return &macroExpansions.emplace_back(localization, expandedCode, macroCall, ppLine, ppColumn);
 }
 
+// --- The cross-reference.
+
+template <class T, class Key, class... Values>
+T& CompilationData::emplaceUnlessKnown(const Key& key, Values&&... values) {
+  T* known = findElement(elementsOf<T>(), key);
+  return known != nullptr ? *known : addElement<T>(std::forward<Values>(values)...);
+}
+
+Unit& CompilationData::emplaceUnit(File* mainFile, std::string_view directory,
+                                   std::string_view output, std::string_view command) {
+  return emplaceUnlessKnown<Unit>(keyFields(mainFile, directory, output, command), mainFile,
+                                  directory, output, command);
+}
+
+UnitFile& CompilationData::emplaceUnitFile(Unit* unit, File* file) {
+  return emplaceUnlessKnown<UnitFile>(keyFields(unit, file), unit, file);
+}
+
+Include& CompilationData::emplaceInclude(File* including, std::uint32_t line, File* included,
+                                         IncludeKind kind) {
+  const Localization at{including, line};
+  return emplaceUnlessKnown<Include>(keyFields(at, included), at, included, kind);
+}
+
+Reference& CompilationData::emplaceReference(const EntityReference& entity,
+                                             const Localization& localization,
+                                             ReferenceRoles roles) {
+  Reference& reference =
+      emplaceUnlessKnown<Reference>(keyFields(entity, localization), entity, localization, roles);
+  if (!addsBits(roles, reference.getRoles())) return reference;
+  reference.setRoles(reference.getRoles() | roles);
+  reference.setId(0);
+  return reference;
+}
+
+Property& CompilationData::emplaceProperty(const EntityReference& entity, PropertyFlags flags,
+                                           Type* owner, std::string_view scope) {
+  Property& property = emplaceUnlessKnown<Property>(keyFields(entity), entity, flags, owner, scope);
+  if (!addsBits(flags, property.getFlags())) return property;
+  property.setFlags(property.getFlags() | flags);
+  property.setId(0);
+  return property;
+}
+
 // --- From stored rows: as an occurrence of what the row says. A row is copied as a whole, so that
 // no value that has a column can be forgotten here.
 
@@ -238,7 +282,7 @@ T& asNew(T& element) {
 /// What a repeated occurrence does to an element that is known.
 template <class T>
 void addOccurrence(T& known, const T& row) {
-  if constexpr (std::is_base_of_v<NamedElement, T>) known.update(row);
+  if constexpr (requires { known.update(row); }) known.update(row);
   known.setId(0);
 }
 /// The stored count is not taken over: counts of functions come from the front end alone.
@@ -342,6 +386,26 @@ Label* CompilationData::emplaceFromDB(const Label& row, bool accumulate) {
 
 CallPoint* CompilationData::emplaceFromDB(const CallPoint& row, bool accumulate) {
   return emplaceRow(row, locCallerKey(row), accumulate);
+}
+
+Unit* CompilationData::emplaceFromDB(const Unit& row, bool accumulate) {
+  return emplaceRow(row, keyFields(row), accumulate);
+}
+
+UnitFile* CompilationData::emplaceFromDB(const UnitFile& row, bool accumulate) {
+  return emplaceRow(row, keyFields(row), accumulate);
+}
+
+Include* CompilationData::emplaceFromDB(const Include& row, bool accumulate) {
+  return emplaceRow(row, keyFields(row), accumulate);
+}
+
+Reference* CompilationData::emplaceFromDB(const Reference& row, bool accumulate) {
+  return emplaceRow(row, keyFields(row), accumulate);
+}
+
+Property* CompilationData::emplaceFromDB(const Property& row, bool accumulate) {
+  return emplaceRow(row, keyFields(row), accumulate);
 }
 
 }  // namespace orvalesca::databases_merger

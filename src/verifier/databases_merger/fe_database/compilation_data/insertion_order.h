@@ -9,8 +9,9 @@
 namespace orvalesca::databases_merger {
 
 /// The classes whose elements are kept in order: all that a compilation database gets.
-using OrderedElements =
-    decltype(concatenate(TypeList<File, Identifier, Macro>{}, CompilationOnlyElements{}));
+using OrderedElements = decltype(concatenate(
+    concatenate(TypeList<File, Identifier, Macro>{}, CompilationOnlyElements{}),
+    ExtensionElements{}));
 
 /// The elements of a dataset in the order in which they came into it, class by class; the order in
 /// which they are saved and merged. What came in together lies together, in memory as in the files,

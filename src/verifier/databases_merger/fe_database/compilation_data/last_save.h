@@ -12,7 +12,7 @@
 namespace orvalesca::databases_merger {
 
 /// The tables whose stored rows a save folds into the dataset before it writes.
-using FoldedElements = TypeList<File, Identifier, Type>;
+using FoldedElements = TypeList<File, Identifier, Type, Unit>;
 
 /// The columns that a further occurrence of an element changes; the others are written once.
 inline auto countedColumns(const Identifier& e) { return std::tuple(e.getCount(), e.getKind()); }
@@ -24,6 +24,8 @@ inline auto countedColumns(const Type& e) {
 inline auto countedColumns(const Variable& e) { return std::tuple(e.getRefCount()); }
 inline auto countedColumns(const Function& e) { return std::tuple(e.getRefCount()); }
 inline auto countedColumns(const Field& e) { return std::tuple(e.getRefCount()); }
+inline auto countedColumns(const Reference& e) { return std::tuple(e.getRoles()); }
+inline auto countedColumns(const Property& e) { return std::tuple(e.getFlags()); }
 template <class T>
 std::tuple<> countedColumns(const T&) {
   return {};
@@ -101,7 +103,7 @@ class LastSave {
     return std::get<Table<T>>(tables);
   }
 
-  Elements::Apply<TableTuple> tables;
+  AllElements::Apply<TableTuple> tables;
 };
 
 }  // namespace orvalesca::databases_merger

@@ -42,6 +42,7 @@ bool CompilationData::loadFromDB(bool fromCompDb) {
     loadTable<EnumConstant>(*db);
     loadTable<Label>(*db);
     loadTable<CallPoint>(*db);
+    ExtensionElements::each([this, db]<class T>() { loadTable<T>(*db); });
   }
   loadMacroInfoFromDB(*db);
   return db->commitTransaction();

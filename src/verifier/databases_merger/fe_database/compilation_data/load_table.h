@@ -13,6 +13,10 @@ namespace orvalesca::databases_merger {
 template <class T>
 void CompilationData::loadTable(FrontendDatabase& db, const std::function<bool(T&)>& filter) {
   if (T::isLoaded) return;
+  if (!db.has<T>()) {
+    T::isLoaded = true;
+    return;
+  }
   T row;
   bool first = true;
   RowTally leftOut;

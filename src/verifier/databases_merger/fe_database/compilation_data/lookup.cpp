@@ -46,6 +46,10 @@ TypeReference* CompilationData::getTypeReference(Type* declared) const {
   return findElement(typeReferences, declared);
 }
 
+Property* CompilationData::getProperty(const EntityReference& entity) const {
+  return findElement(properties, keyFields(entity));
+}
+
 // --- Macros.
 
 Macro* CompilationData::getMacro(Identifier* identifier) const {
@@ -130,5 +134,10 @@ const FunctionSet& CompilationData::getFunctions() const { return functions; }
 const FieldSet& CompilationData::getFields() const { return fields; }
 const EnumConstantSet& CompilationData::getEnumConstants() const { return enumConstants; }
 const LabelSet& CompilationData::getLabels() const { return labels; }
+const UnitSet& CompilationData::getUnits() const { return units; }
+const UnitFileSet& CompilationData::getUnitFiles() const { return unitFiles; }
+const IncludeSet& CompilationData::getIncludes() const { return includes; }
+const ReferenceSet& CompilationData::getReferences() const { return references; }
+const PropertySet& CompilationData::getProperties() const { return properties; }
 
 }  // namespace orvalesca::databases_merger

@@ -1,6 +1,7 @@
 #include "fe_database/compilation_data/element_store.h"
 #include "fe_database/compilation_data/last_save.h"
 #include "fe_database/compilation_data/load_table.h"
+#include "fe_database/compilation_database/columns.h"
 #include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
@@ -24,7 +25,7 @@ using SavedElements = OrderedElements;
 class CompilationData::RestoredIds {
  public:
   explicit RestoredIds(CompilationData& data) : data(data) {
-    Elements::each([&]<class T>() {
+    AllElements::each([&]<class T>() {
       data.eachElement<T>([this](T& element) {
         if (element.getId() != 0) ids.emplace_back(&element, element.getId());
       });
@@ -34,7 +35,7 @@ class CompilationData::RestoredIds {
   RestoredIds& operator=(const RestoredIds&) = delete;
   ~RestoredIds() {
     if (isKept) return;
-    Elements::each(
+    AllElements::each(
         [this]<class T>() { data.eachElement<T>([](T& element) { element.setId(0); }); });
     for (const auto& [element, id] : ids) element->setId(id);
   }
@@ -116,7 +117,10 @@ bool CompilationData::saveCompilationTables(FrontendDatabase& db, LastSave& save
   failTransactionAfterFailedRead(db, failedReadsBefore);
   const auto save = [&]<class T>() { saveTableAndRemember<T>(db, saved); };
   PropagatedElements::each(save);
-  if (dataNeededForDbLink) CompilationOnlyElements::each(save);
+  if (dataNeededForDbLink) {
+    CompilationOnlyElements::each(save);
+    ExtensionElements::each(save);
+  }
   failTransactionAfterFailedRead(db, failedReadsBefore);
   if (!db.commitTransaction()) return false;
   SavedElements::each([&]<class T>() {
@@ -139,7 +143,13 @@ void CompilationData::failTransactionAfterFailedRead(FrontendDatabase& db,
 /// counted something since.
 template <class T>
 void CompilationData::saveTableAndRemember(FrontendDatabase& db, LastSave& saved) {
+  if (!db.has<T>()) return;
   eachElement<T>([&](T& element) {
+    if constexpr (ExtensionElements::has<T>) {
+      // What has no row of its own has none about it either.
+      const auto hasRow = [](const auto* referred) { return referred && referred->getId() != 0; };
+      if (!everyRequired(element, hasRow)) return;
+    }
     const RowState state = lastSave == nullptr ? RowState::unknown : lastSave->stateOf(element);
     // The count of a stored function is not loaded. It joins the element's own when a look-up
     // finds the row, or the row gets the element's.
@@ -169,6 +179,8 @@ void CompilationData::foldStoredRows() {
   Identifier::isLoaded = Identifier::isPreLoaded = false;
   preLoadTable<Identifier>(db);
   preLoadTable<Type>(db);
+  Unit::isLoaded = Unit::isPreLoaded = false;
+  preLoadTable<Unit>(db);
 }
 
 /// At a further save of this dataset the counts of most rows are in memory: those of the rows that
@@ -257,6 +269,8 @@ void CompilationData::resetIds(FrontendDatabase& db) {
   reset("clearing enumConstants", enumConstants);
   reset("clearing labels", labels);
   reset("clearing callPoints", callPoints);
+  ExtensionElements::each(
+      [this]<class T>() { eachElement<T>([](T& element) { element.forgetRow(); }); });
 }
 
 }  // namespace orvalesca::databases_merger

@@ -33,13 +33,14 @@ struct ColumnValue<std::uint32_t> {
   }
 };
 
-/// Enumerations pass as unsigned 32-bit numbers.
+/// Enumerations pass as unsigned 32-bit numbers, those of 64 bits as they are.
 template <class E>
 requires std::is_enum_v<E>
 struct ColumnValue<E> {
-  using Number = ColumnValue<std::uint32_t>;
+  using U = std::conditional_t<sizeof(E) == sizeof(long long), long long, std::uint32_t>;
+  using Number = ColumnValue<U>;
   static int bind(sqlite3_stmt* statement, int index, E value) {
-    return Number::bind(statement, index, static_cast<std::uint32_t>(value));
+    return Number::bind(statement, index, static_cast<U>(value));
   }
   static E column(FrontendDatabase& db, sqlite3_stmt* statement, int index) {
     return static_cast<E>(Number::column(db, statement, index));
@@ -91,6 +92,10 @@ struct ColumnValue<E*> {
   static E* column(FrontendDatabase& db, sqlite3_stmt* statement, int index) {
     return db.get<E>(sqlite3_column_int64(statement, index));
   }
+  /// The same, of an element that is there: a row of the cross-reference brings in no other.
+  static E* known(FrontendDatabase& db, sqlite3_stmt* statement, int index) {
+    return db.getKnown<E>(sqlite3_column_int64(statement, index));
+  }
 };
 
 /// The id of the entity; its kind has a column of its own, which is read before.
@@ -105,6 +110,24 @@ struct ColumnValue<EntityDescription> {
     const long long id = sqlite3_column_int64(statement, index);
     if (value.kind == EntityKind::Variable) value.entity = db.get<Variable>(id);
     if (value.kind == EntityKind::Function) value.entity = db.get<Function>(id);
+    return value;
+  }
+};
+
+/// The same, of an element that is there.
+template <>
+struct ColumnValue<EntityReference> {
+  static int bind(sqlite3_stmt* statement, int index, const EntityReference& value) {
+    return sqlite3_bind_int64(statement, index,
+                              value.entity != nullptr ? value.entity->getId() : 0);
+  }
+  static EntityReference column(FrontendDatabase& db, sqlite3_stmt* statement, int index,
+                                EntityReference value) {
+    value.entity = nullptr;
+    EntityElements::each([&]<class T>() {
+      if (value.kind != entityKindOf<T>) return;
+      value.entity = db.getKnown<T>(sqlite3_column_int64(statement, index));
+    });
     return value;
   }
 };

@@ -28,6 +28,8 @@ enum ColumnFlags : std::uint32_t {
   kKey = persistence::kUnique,     ///< belongs to the key that a row is found by; never rewritten
   kPlace = kKey | 1u << 16,        ///< the same, and to the source position
   kRequired = 1u << 17,            ///< a reference that always has a row
+  kFirstStays = 1u << 18,          ///< no key, and never rewritten all the same
+  kKeyIfLastEmpty = 1u << 19,      ///< belongs to the key where the text before it in it is empty
 };
 
 constexpr ColumnFlags operator|(ColumnFlags a, ColumnFlags b) {
@@ -307,6 +309,80 @@ struct TableColumns<CallPoint> {
   static constexpr const char* kOrderBy = "LineNum";
 };
 
+template <>
+struct TableColumns<Unit> {
+  using E = Unit;
+  static constexpr const char* kName = "Unit";
+  static constexpr auto kColumns = std::tuple(
+      column("UnitId",     kId,              &E::getId,        &E::setId),
+      column("MainFileId", kKey | kRequired, &E::getMainFile,  &E::setMainFile),
+      column("Directory",  kKey,             &E::getDirectory, &E::setDirectory),
+      column("Output",     kKey,             &E::getOutput,    &E::setOutput),
+      column("Command",    kKeyIfLastEmpty,  &E::getCommand,   &E::setCommand),
+      column("Name",       kNoFlags,         &E::getName,      &E::setName),
+      column("Recorder",   kNoFlags,         &E::getRecorder,  &E::setRecorder),
+      column("Options",    kNoFlags,         &E::getOptions,   &E::setOptions),
+      column("Digest",     kNoFlags,         &E::getDigest,    &E::setDigest),
+      column("IsFolded",   kNoFlags,         &E::getIsFolded,  &E::setIsFolded));
+  static constexpr std::array kDeclared{"Name",   "MainFileId", "Directory", "Command", "Output",
+                                        "Recorder", "Options",  "Digest",    "IsFolded"};
+  static constexpr std::array<const char*, 0> kIndexed{};  // a save reads the whole table first
+};
+
+template <>
+struct TableColumns<UnitFile> {
+  using E = UnitFile;
+  static constexpr const char* kName = "UnitFile";
+  static constexpr auto kColumns = std::tuple(
+      column("rowid",  kId,              &E::getId,   &E::setId),
+      column("UnitId", kKey | kRequired, &E::getUnit, &E::setUnit),
+      column("FileId", kKey | kRequired, &E::getFile, &E::setFile));
+  static constexpr std::array kIndexed{"UnitId"};
+};
+
+template <>
+struct TableColumns<Include> {
+  using E = Include;
+  static constexpr const char* kName = "Include";
+  static constexpr auto kColumns = std::tuple(
+      column("rowid",           kId,                &E::getId,       &E::setId),
+      column("IncludingFileId", kPlace | kRequired, &E::getFile,     &E::setFile),
+      column("LineNum",         kPlace,             &E::getLine,     &E::setLine),
+      column("IncludedFileId",  kKey | kRequired,   &E::getIncluded, &E::setIncluded),
+      column("Kind",            kNoFlags,           &E::getKind,     &E::setKind));
+  static constexpr std::array kIndexed{"IncludingFileId", "LineNum"};
+};
+
+template <>
+struct TableColumns<Reference> {
+  using E = Reference;
+  static constexpr const char* kName = "Reference";
+  static constexpr auto kColumns = std::tuple(
+      column("rowid",      kId,                &E::getId,         &E::setId),
+      // before EntityId, which needs it
+      column("EntityKind", kKey,               &E::getEntityKind, &E::setEntityKind),
+      column("EntityId",   kKey | kRequired,   &E::getEntity,     &E::setEntity),
+      column("FileId",     kPlace | kRequired, &E::getFile,       &E::setFile),
+      column("LineNum",    kPlace,             &E::getLine,       &E::setLine),
+      column("ColNum",     kPlace,             &E::getColumn,     &E::setColumn),
+      column("Roles",      kNoFlags,           &E::getRoles,      &E::setRoles));
+  static constexpr std::array kIndexed{"FileId", "LineNum", "ColNum"};
+};
+
+template <>
+struct TableColumns<Property> {
+  using E = Property;
+  static constexpr const char* kName = "Property";
+  static constexpr auto kColumns = std::tuple(
+      column("rowid",      kId,              &E::getId,         &E::setId),
+      column("EntityKind", kKey,             &E::getEntityKind, &E::setEntityKind),
+      column("EntityId",   kKey | kRequired, &E::getEntity,     &E::setEntity),
+      column("Flags",      kNoFlags,         &E::getFlags,      &E::setFlags),
+      column("OwnerId",    kFirstStays,      &E::getOwner,      &E::setOwner),
+      column("Scope",      kFirstStays,      &E::getScope,      &E::setScope));
+  static constexpr std::array kIndexed{"EntityId"};
+};
+
 // clang-format on
 
 template <class Column>
@@ -314,8 +390,16 @@ inline constexpr bool isMapped = requires(const Column& column) {
   column.get;
 };
 
+/// A reference to a row of a table that another column of the row names.
 template <class U>
-inline constexpr bool isReference = std::is_pointer_v<U> || std::is_same_v<U, EntityDescription>;
+inline constexpr bool isEntity =
+    std::is_same_v<U, EntityDescription> || std::is_same_v<U, EntityReference>;
+
+template <class U>
+inline constexpr bool isReference = std::is_pointer_v<U> || isEntity<U>;
+
+/// The classes that an EntityReference may denote.
+using EntityElements = TypeList<Type, Function, Variable, Macro, EnumConstant, Field, Label>;
 
 /// Calls visit(column) for each column that a member goes to.
 template <class T, class Visit>
@@ -342,6 +426,26 @@ void replaceReferences(T& element, Replacement&& replacement) {
       (element.*column.set)(replacement((element.*column.get)()));
     }
   });
+}
+
+/// The element that a reference denotes, or null.
+template <class T>
+const T* denoted(const T* element) {
+  return element;
+}
+inline const NamedElement* denoted(const EntityReference& reference) { return reference.entity; }
+
+/// Whether test(element) holds for what each required reference denotes.
+template <class T, class Test>
+bool everyRequired(const T& element, Test&& test) {
+  bool holds = true;
+  eachColumn<T>([&](const auto& column) {
+    using Value = typename std::decay_t<decltype(column)>::Value;
+    if constexpr (isReference<Value>) {
+      if (column.has(kRequired)) holds = holds && test(denoted((element.*column.get)()));
+    }
+  });
+  return holds;
 }
 
 }  // namespace orvalesca::databases_merger

@@ -4,6 +4,7 @@
 #include <string>
 #include <type_traits>
 
+#include "fe_database/compilation_database/columns.h"
 #include "fe_db/compilation_database.h"
 
 struct sqlite3_stmt;
@@ -57,13 +58,15 @@ class DataField : public GenericDataField<T> {
   }
 
   void column(T& element, FrontendDatabase& db, sqlite3_stmt* statement, int index) override {
-    if constexpr (std::is_same_v<U, EntityDescription>) {
+    if constexpr (isEntity<U>) {
       // Two columns make the description; this one completes what the element holds already.
       (element.*
        setReference)(ColumnValue<U>::column(db, statement, index, (element.*getReference)()));
     } else if constexpr (std::is_same_v<U, std::string>) {
       ColumnValue<U>::column(db, statement, index, text);
       (element.*setReference)(text);
+    } else if constexpr (ExtensionElements::has<T> && std::is_pointer_v<U>) {
+      (element.*setValue)(ColumnValue<U>::known(db, statement, index));
     } else if (setValue != nullptr) {
       (element.*setValue)(ColumnValue<U>::column(db, statement, index));
     } else {

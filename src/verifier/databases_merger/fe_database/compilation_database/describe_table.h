@@ -22,7 +22,7 @@ std::unique_ptr<GenericDataField<T>> fieldOf(const Column& column) {
 }
 
 /// What a DatabaseColumn knows of a column's flags.
-inline constexpr std::uint32_t kDescribedFlags = kId | kKey;
+inline constexpr std::uint32_t kDescribedFlags = kId | kKey | kFirstStays;
 
 /// Fills in the table of T from the list of columns.
 template <class T>

@@ -87,6 +87,15 @@ struct ElementSave {
     return saveRewritable(function, db);
   }
 
+  /// Its table has been folded, so whatever has no id has no row.
+  static long long save(Unit& unit, FrontendDatabase& db) { return saveAppended(unit, db); }
+  static long long save(Reference& reference, FrontendDatabase& db) {
+    return saveRewritable(reference, db);
+  }
+  static long long save(Property& property, FrontendDatabase& db) {
+    return saveRewritable(property, db);
+  }
+
   /// The others: an element with an id is never written again.
   template <class T>
   static long long save(T& element, FrontendDatabase& db) {
@@ -117,6 +126,11 @@ long long Field::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this
 long long EnumConstant::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
 long long Label::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
 long long CallPoint::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Unit::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long UnitFile::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Include::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Reference::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
+long long Property::saveToDB(FrontendDatabase& db) { return ElementSave::save(*this, db); }
 
 void File::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
 void Identifier::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
@@ -133,6 +147,11 @@ void Field::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
 void EnumConstant::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
 void Label::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
 void CallPoint::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Unit::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void UnitFile::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Include::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Reference::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
+void Property::loadFromDB(FrontendDatabase& db) { ElementSave::load(*this, db); }
 // clang-format on
 
 }  // namespace orvalesca::databases_merger

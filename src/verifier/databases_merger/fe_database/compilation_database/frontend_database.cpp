@@ -10,6 +10,7 @@
 #include "fe_database/compilation_database/rollback_guard.h"
 #include "fe_database/compilation_database/row_validity.h"
 #include "fe_database/compilation_database/tables.h"
+#include "fe_database/compilation_database/trace_level.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
 #include "persistence/debug.h"
@@ -31,13 +32,14 @@ constexpr char kQueueName[] = "ORVALESCA_TRANSACTIONS_QUEUE_NAME_FE";
 }  // namespace
 
 Tables::Tables(DatabaseKind kind) {
-  Elements::each([&]<class T>() {
+  AllElements::each([&]<class T>() {
     describe(of<T>().description);
     const bool hasTable = kind != DatabaseKind::Preprocessing || PreprocessingElements::has<T>;
     if (!hasTable) of<T>().description.columns.clear();
+    of<T>().isThere = hasTable && !ExtensionElements::has<T>;
   });
   for (std::uint32_t statementKind = 0; statementKind < kStatementKinds; ++statementKind) {
-    Elements::each([&]<class T>() {
+    AllElements::each([&]<class T>() {
       Table<T>& table = of<T>();
       if (table.description.columns.empty()) return;
       table.statements.emplace_back(table.description, static_cast<StatementKind>(statementKind));
@@ -55,7 +57,27 @@ FrontendDatabase::FrontendDatabase(std::string_view path, DatabaseKind kind,
 
 FrontendDatabase::~FrontendDatabase() = default;
 
+/// From the schema: to compile a statement and see it fail would be reported.
+bool FrontendDatabase::hasTable(std::string_view name) const {
+  return connection != nullptr &&
+         sqlite3_table_column_metadata(connection, "main", std::string(name).c_str(), nullptr,
+                                       nullptr, nullptr, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+void FrontendDatabase::findExtensions() {
+  ExtensionElements::each([this]<class T>() {
+    Table<T>& table = tables->of<T>();
+    table.isThere = !table.statements.empty() && hasTable(TableColumns<T>::kName);
+  });
+}
+
+template <class T>
+bool FrontendDatabase::has() const {
+  return tables->of<T>().isThere;
+}
+
 bool FrontendDatabase::prepareStatements() {
+  findExtensions();
   if (kind == DatabaseKind::Merge) return true;
   if (!beginReading()) return false;
   {
@@ -69,7 +91,7 @@ bool FrontendDatabase::prepareStatements() {
 
 void FrontendDatabase::finalizeStatements() {
   namedQueries->finalize(connection);
-  Elements::each([this]<class T>() {
+  AllElements::each([this]<class T>() {
     for (TableStatement<T>& statement : tables->of<T>().statements) statement.finalize(connection);
   });
 }
@@ -113,7 +135,7 @@ void FrontendDatabase::reportWrite(const TableStatement<T>& statement, int line)
 
 template <class T>
 long long FrontendDatabase::add(T& element) {
-  Debug debug(3, "FrontendDatabase::add()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::add()");
   element.setId(0);
   if (!isReadyFor<T>("FrontendDatabase::add()")) return 0;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::add);
@@ -136,7 +158,7 @@ long long FrontendDatabase::add(T& element) {
 
 template <class T>
 long long FrontendDatabase::addOrAdoptRow(T& element) {
-  Debug debug(3, "FrontendDatabase::add()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::add()");
   element.setId(0);
   if (!isReadyFor<T>("FrontendDatabase::add()")) return 0;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::add);
@@ -167,7 +189,7 @@ long long FrontendDatabase::addOrAdoptRow(T& element) {
 
 template <class T>
 void FrontendDatabase::update(T& element) {
-  Debug debug(3, "FrontendDatabase::update()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::update()");
   if (!isReadyFor<T>("FrontendDatabase::update()")) return;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::update);
   statement.bind(*this, connection, element);
@@ -218,7 +240,7 @@ bool FrontendDatabase::holdsJust(std::size_t rows) {
 
 template <class T>
 long long FrontendDatabase::getId(T& element) {
-  Debug debug(3, "FrontendDatabase::getId()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::getId()");
   if (!isReadyToRead<T>("FrontendDatabase::getId()")) return 0;
   TableStatement<T>& statement = tables->statement<T>(StatementKind::get_id);
   debug.print("calling bind");
@@ -272,7 +294,7 @@ template <class T>
 bool FrontendDatabase::mergeWithRow(T& element, const T& row) {
   if constexpr (std::is_same_v<T, Identifier>) {
     return element.updateFromRow(row);
-  } else if constexpr (std::is_base_of_v<NamedElement, T>) {
+  } else if constexpr (requires { element.update(row); }) {
     return element.update(row);
   } else {
     element.setId(row.getId());
@@ -282,7 +304,7 @@ bool FrontendDatabase::mergeWithRow(T& element, const T& row) {
 
 template <class T>
 long long FrontendDatabase::add_or_update(T& element) {
-  Debug debug(3, "FrontendDatabase::add_or_update()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::add_or_update()");
   if (!isReadyToRead<T>("FrontendDatabase::add_or_update()")) return 0;
   T row = element;
   row.forgetRow();
@@ -373,7 +395,7 @@ T* FrontendDatabase::getElement(long long id, bool isFound) {
     if (isLeftOut) ++leftOutReferences;
     return isLeftOut ? nullptr : *known;
   }
-  Debug debug(3, "FrontendDatabase::get()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::get()");
   if (!isReadyToRead<T>("FrontendDatabase::get()")) return nullptr;
   T row;
   row.setId(id);
@@ -401,8 +423,18 @@ T* FrontendDatabase::getElement(long long id, bool isFound) {
 }
 
 template <class T>
+T* FrontendDatabase::getKnown(long long id) {
+  if (id == 0) return nullptr;
+  const Table<T>& table = tables->of<T>();
+  T* element = table.idCache.find(id).value_or(nullptr);
+  if (element != nullptr && table.idsWithoutRow.count(id) == 0) return element;
+  ++leftOutReferences;
+  return nullptr;
+}
+
+template <class T>
 void FrontendDatabase::get(T& element) {
-  Debug debug(3, "FrontendDatabase::get()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::get()");
   if (!isReadyToRead<T>("FrontendDatabase::get()")) return;
   if (!readRow(element)) readEmptyRow(element);
 }
@@ -429,7 +461,7 @@ long long FrontendDatabase::nextRow(StatementKind statementKind, bool& first, T&
 
 template <class T>
 long long FrontendDatabase::listId(bool& first) {
-  Debug debug(3, "FrontendDatabase::listId()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::listId()");
   if (!isReadyToRead<T>("FrontendDatabase::listId()")) return 0;
   T row;
   return nextRow(StatementKind::list_id, first, row);
@@ -437,7 +469,7 @@ long long FrontendDatabase::listId(bool& first) {
 
 template <class T>
 long long FrontendDatabase::listALL(bool& first, T& row) {
-  Debug debug(3, "FrontendDatabase::listALL()");
+  Debug debug(kTraceLevel<T>, "FrontendDatabase::listALL()");
   if (!isReadyToRead<T>("FrontendDatabase::listALL()")) return 0;
   const long long id = nextRow(StatementKind::list_all, first, row);
   if (id != 0) ++rowsListed;
@@ -492,7 +524,7 @@ const IdCache<T>& FrontendDatabase::idCacheOf() const {
 }
 
 void FrontendDatabase::clearIdCaches() {
-  Elements::each([this]<class T>() {
+  AllElements::each([this]<class T>() {
     tables->of<T>().idCache.clear();
     tables->of<T>().idsWithoutRow.clear();
   });
@@ -513,7 +545,8 @@ struct FrontendDatabase::Operations {
         static_cast<void (Database::*)(T&)>(&Database::get<T>), &Database::listId<T>,
         &Database::listALL<T>, &Database::truncate<T>, &Database::enterInIdCache<T>,
         &Database::isInIdCache<T>, &Database::guessRowCount<T>, &Database::holdsJust<T>,
-        &Database::idCacheOf<T>, &Database::reserveIdCache<T>);
+        &Database::idCacheOf<T>, &Database::reserveIdCache<T>, &Database::getKnown<T>,
+        &Database::has<T>);
   }
 
   template <class... T>
@@ -524,7 +557,7 @@ struct FrontendDatabase::Operations {
 };
 
 const void* FrontendDatabase::Operations::emit() {
-  static const auto kAddresses = Elements::Apply<All>::addresses();
+  static const auto kAddresses = AllElements::Apply<All>::addresses();
   return &kAddresses;
 }
 

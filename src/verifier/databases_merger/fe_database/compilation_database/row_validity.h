@@ -22,6 +22,8 @@ bool canBecomeElement(const T& row, bool refersToLeftOut) {
     return row.getFile() != nullptr;
   } else if constexpr (std::is_same_v<T, CallPoint>) {
     return !refersToLeftOut || (row.getCaller() != nullptr && row.getCallee() != nullptr);
+  } else if constexpr (ExtensionElements::has<T>) {
+    return everyRequired(row, [](const auto* referred) { return referred != nullptr; });
   } else if constexpr (std::is_same_v<T, ExternalIdentifier>) {
     const EntityDescription& description = row.getDescription();
     return !refersToLeftOut || !description.hasEntity() || description.entity != nullptr;
@@ -54,7 +56,8 @@ class RowTally {
 
   template <class T>
   void report(const FrontendDatabase& db, const char* fate) const {
-    if (count == 0) return;
+    // Mostly what goes without saying: the entity was skipped.
+    if (count == 0 || ExtensionElements::has<T>) return;
     persistence::reportMessage("%s: table %s: %lld rows %s, the first with id %lld",
                                db.getPath().c_str(), TableColumns<T>::kName, count, fate, firstId);
   }

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include "fe_database/compilation_database/columns.h"
+#include "fe_database/compilation_database/trace_level.h"
 #include "persistence/debug.h"
 #include "persistence/sqlite_report.h"
 
@@ -45,7 +47,7 @@ bool isNotPrimary(const DatabaseColumn& column) { return !column.isPrimaryKey();
 bool isNotFixed(const DatabaseColumn& column) { return !isFixed(column); }
 bool isAny(const DatabaseColumn&) { return true; }
 bool isRewritten(const DatabaseColumn& column) {
-  return !column.isPrimaryKey() && !isFixed(column);
+  return !column.isPrimaryKey() && !isFixed(column) && (column.flags & kFirstStays) == 0;
 }
 
 template <class T>
@@ -126,7 +128,8 @@ void TableStatement<T>::prepare(sqlite3* connection) {
 template <class T>
 void TableStatement<T>::build() {
   if (built) return;
-  Debug debug(3, "TableStatement::build()", "building kind=%d ...", static_cast<int>(kind));
+  Debug debug(kTraceLevel<T>, "TableStatement::build()", "building kind=%d ...",
+              static_cast<int>(kind));
   const auto is = [this, &debug](const char* trace, std::string sql) {
     text = std::move(sql);
     if (trace != nullptr) debug.print(trace, text.c_str());
@@ -169,7 +172,8 @@ void TableStatement<T>::build() {
 template <class T>
 void TableStatement<T>::bind(FrontendDatabase& db, sqlite3* connection, T& element) {
   if (!prepared) prepare(connection);
-  Debug debug(3, "TableStatement::bind()", "binding kind=%d ...", static_cast<int>(kind));
+  Debug debug(kTraceLevel<T>, "TableStatement::bind()", "binding kind=%d ...",
+              static_cast<int>(kind));
   if (!isUsable()) return;
   int index = 0;
   switch (kind) {
@@ -217,7 +221,7 @@ void TableStatement<T>::bindPrimaryKey(FrontendDatabase& db, T& element, int ind
 
 template <class T>
 void TableStatement<T>::column(FrontendDatabase& db, sqlite3*, T& element) {
-  Debug debug(3, "TableStatement::column()", "fetching column for kind=%d ...",
+  Debug debug(kTraceLevel<T>, "TableStatement::column()", "fetching column for kind=%d ...",
               static_cast<int>(kind));
   int index = 0;
   for (GenericDataField<T>* field : selected) field->column(element, db, handle, index++);
@@ -257,5 +261,10 @@ template class TableStatement<Field>;
 template class TableStatement<EnumConstant>;
 template class TableStatement<Label>;
 template class TableStatement<CallPoint>;
+template class TableStatement<Unit>;
+template class TableStatement<UnitFile>;
+template class TableStatement<Include>;
+template class TableStatement<Reference>;
+template class TableStatement<Property>;
 
 }  // namespace orvalesca::databases_merger

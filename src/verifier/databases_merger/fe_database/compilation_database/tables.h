@@ -15,18 +15,23 @@ struct Table {
   TableDescription<T> description;
   std::vector<TableStatement<T>> statements;  ///< indexed by StatementKind; empty without columns
   IdCache<T> idCache;
+  bool isThere = true;                ///< in the file; known once it is connected
   std::set<long long> idsWithoutRow;  ///< of idCache, those whose element stands for no row
 };
 
 template <class... T>
 using TableTuple = std::tuple<Table<T>...>;
 
-/// The tables of a database. All fifteen are named; those of its kind have columns and statements.
-struct Tables : Elements::Apply<TableTuple> {
+/// The tables of a database. All are named; those of its kind have columns and statements.
+struct Tables : AllElements::Apply<TableTuple> {
   explicit Tables(DatabaseKind kind);
 
   template <class T>
   Table<T>& of() {
+    return std::get<Table<T>>(*this);
+  }
+  template <class T>
+  const Table<T>& of() const {
     return std::get<Table<T>>(*this);
   }
   template <class T>

@@ -34,5 +34,15 @@ bool Label::isLoaded = false;
 bool Label::isPreLoaded = false;
 bool CallPoint::isLoaded = false;
 bool CallPoint::isPreLoaded = false;
+bool Unit::isLoaded = false;
+bool Unit::isPreLoaded = false;
+bool UnitFile::isLoaded = false;
+bool UnitFile::isPreLoaded = false;
+bool Include::isLoaded = false;
+bool Include::isPreLoaded = false;
+bool Reference::isLoaded = false;
+bool Reference::isPreLoaded = false;
+bool Property::isLoaded = false;
+bool Property::isPreLoaded = false;
 
 }  // namespace orvalesca::databases_merger
