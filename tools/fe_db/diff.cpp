@@ -63,7 +63,8 @@ void addDiff(CLI::App& program, Action& action) {
       program.add_subcommand("diff", "Compare the content of two files, ignoring row ids");
   command->footer(
       "Prints the rows that only A has with '-' and those that only B has with '+', in the format\n"
-      "of `fe_db dump`. Exits with 1 if there are any.");
+      "of `fe_db dump`. Exits with 1 if there are any. `--table Unit` compares the units of two\n"
+      "merged files: those that only one has, and those that were recorded anew.");
   command->add_option("A", options->left, "The first database file")->required();
   command->add_option("B", options->right, "The second database file")->required();
   addTableOption(*command, options->table);

@@ -17,6 +17,7 @@ using orvalesca::databases_merger::CompilationDatabase;
 struct IndexOptions {
   std::string file;
   bool drop = false;
+  bool extensions = false;
   int waitSeconds = kDefaultWaitSeconds;
 };
 
@@ -43,6 +44,7 @@ int makeIndexes(const IndexOptions& options) {
                              ": cannot be locked for writing; check that it is writable and that "
                              "no other program is writing it, or increase --wait");
   }
+  if (options.extensions) addExtensions(db);
   options.drop ? dropSearchIndexes(db) : makeSearchIndexes(db, known);
   if (!db.lastFailure().reason.empty() || !db.commitTransaction()) {
     throw std::runtime_error(options.file + ": the file is unchanged: " + failureOf(db));
@@ -62,6 +64,8 @@ void addIndex(CLI::App& program, Action& action) {
       "as in a small one. They do not change any answer. They slow down saving.");
   command->add_option("FILE", options->file, "The database file")->required();
   command->add_flag("--drop", options->drop, "Drop the indexes instead");
+  command->add_flag("--extensions", options->extensions,
+                    "Also add the empty tables of the cross-reference that the file lacks");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
     action = namingFiles(options->file, [options] { return makeIndexes(*options); });

@@ -22,7 +22,8 @@ void takeBackHalfDoneWrite(const std::string& path) {
 
 }  // namespace
 
-MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(path)) {
+MergeTarget::MergeTarget(std::string path, Content content, int waitSeconds)
+    : path_(std::move(path)), content_(content) {
   if (!isTaken(path_)) {
     newFile_.emplace(path_, waitSeconds);
     // Another run may have made the file while this one waited for the temporary name.
@@ -46,6 +47,10 @@ MergeTarget::MergeTarget(std::string path, int waitSeconds) : path_(std::move(pa
                              ": cannot be locked for writing; check that it is writable and that "
                              "no other program is writing it, or increase --wait");
   }
+  if (content_ == Content::kept) load();
+}
+
+void MergeTarget::load() {
   loadMergeInput(*merger_, *db_, path_);
   factsBefore_ = db_->countRowsListed();
   refuseLoss();
@@ -62,8 +67,19 @@ void MergeTarget::refuseLoss() const {
                            tables + "); remove them, or merge into a new file");
 }
 
+/// In place, inside the transaction: another name for the file still means the same file, and who
+/// waits for its lock waits for the right one. Failures fail the transaction.
+void MergeTarget::makeAnew() {
+  for (const char* table : {"MacroInvocation", "MacroInvocationCodeOrigin", "MacroExpansion"}) {
+    (void)db_->execute(std::string("DELETE FROM ") + table);
+  }
+  if (db_->hasTable("sqlite_sequence")) (void)db_->execute("DELETE FROM sqlite_sequence");
+  addExtensions(*db_);
+}
+
 void MergeTarget::write(bool withIndexes) {
   dropSearchIndexes(*db_);
+  if (content_ == Content::replaced && !isNew()) makeAnew();
   merger_->truncateDataFromDB();
   merger_->saveToDB();
   if (withIndexes) makeSearchIndexes(*db_);
