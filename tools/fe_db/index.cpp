@@ -38,6 +38,7 @@ int makeIndexes(const IndexOptions& options) {
                              ": cannot be locked for writing; check that it is writable and that "
                              "no other program is writing it, or increase --wait");
   }
+  if (options.extensions) addExtensions(db);
   options.drop ? dropSearchIndexes(db) : makeSearchIndexes(db, known);
   if (!db.lastFailure().reason.empty() || !db.commitTransaction()) {
     throw std::runtime_error(options.file + ": the file is unchanged: " + failureOf(db));

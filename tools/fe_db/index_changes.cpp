@@ -1,5 +1,6 @@
 #include "index_changes.h"
 
+#include "compilation_schema.h"
 #include "search_indexes.h"
 
 namespace fe_db_tools {
@@ -27,6 +28,12 @@ void makeSearchIndexes(CompilationDatabase& db, const std::set<std::string>& kno
   });
   // What fails fails the transaction.
   if (isDone) (void)db.execute(kLengthIndexHint);
+}
+
+void addExtensions(CompilationDatabase& db) {
+  for (const ExtensionTable& table : extensionTables()) {
+    if (!db.hasTable(table.name) && !db.execute(table.sql)) return;
+  }
 }
 
 }  // namespace fe_db_tools

@@ -15,4 +15,7 @@ void dropSearchIndexes(orvalesca::databases_merger::CompilationDatabase& db);
 void makeSearchIndexes(orvalesca::databases_merger::CompilationDatabase& db,
                        const std::set<std::string>& known = {});
 
+/// Makes those of the tables that a compilation database may lack which this one lacks. As above.
+void addExtensions(orvalesca::databases_merger::CompilationDatabase& db);
+
 }  // namespace fe_db_tools
