@@ -87,7 +87,8 @@ void ImplicitCalls::destroy(clang::QualType type, const Site& site,
 }
 
 /// The call that the statement is, below conversions of its value.
-void ImplicitCalls::addOutermost(const clang::Stmt* statement, const Site& site) {
+void ImplicitCalls::addOutermost(const clang::Stmt* statement, const Site& site,
+                                 clang::SourceLocation otherwise) {
   const auto* value = llvm::dyn_cast_or_null<clang::Expr>(statement);
   while (value != nullptr) {
     value = maker(value);
@@ -95,10 +96,10 @@ void ImplicitCalls::addOutermost(const clang::Stmt* statement, const Site& site)
     const auto* rewritten = llvm::dyn_cast<clang::CXXRewrittenBinaryOperator>(value);
     const auto* construction = llvm::dyn_cast<clang::CXXConstructExpr>(value);
     if (const auto* call = llvm::dyn_cast<clang::CallExpr>(value)) {
-      return add(call->getDirectCallee(), site);
+      return add(call->getDirectCallee(), site, otherwise);
     }
     if (construction != nullptr && construction->getConstructor()->isUserProvided()) {
-      return add(construction->getConstructor(), site);
+      return add(construction->getConstructor(), site, otherwise);
     }
     value = nullptr;
     if (negation != nullptr && negation->getOpcode() == clang::UO_LNot) {
@@ -246,7 +247,8 @@ void ImplicitCalls::enterInitializers(const clang::InitListExpr& list,
 
 void ImplicitCalls::enterRangeFor(const clang::CXXForRangeStmt& loop,
                                   const clang::FunctionDecl* caller) {
-  addOutermost(initOf(loop.getBeginStmt()), {caller, loop.getRangeInit()->getBeginLoc()});
+  const clang::Expr& range = *loop.getRangeInit();
+  addOutermost(initOf(loop.getBeginStmt()), {caller, range.getBeginLoc()}, range.getEndLoc());
   addOutermost(initOf(loop.getEndStmt()), {caller, loop.getRParenLoc()});
   addOutermost(loop.getCond(), {caller, loop.getColonLoc()});
   addOutermost(loop.getInc(), {caller, loop.getForLoc()});

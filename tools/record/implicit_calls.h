@@ -64,7 +64,8 @@ class ImplicitCalls {
   void add(const clang::FunctionDecl* callee, const Site& site,
            clang::SourceLocation otherwise = {});
   void destroy(clang::QualType type, const Site& site, clang::SourceLocation otherwise = {});
-  void addOutermost(const clang::Stmt* statement, const Site& site);
+  void addOutermost(const clang::Stmt* statement, const Site& site,
+                    clang::SourceLocation otherwise = {});
   void addWithin(const clang::Stmt* statement, const Site& site);
   void addConstruction(const clang::Expr& value, Site site);
   void addAllocation(const clang::FunctionDecl* function, const Site& site);

@@ -258,7 +258,7 @@ void loops(Range &each, int (&numbers)[2]) {
 //         ^^^^^^^^^ Call of operator* by loops, used
 //           ^^^^^^^^^^ Call of operator== by loops, used
 //             ^^^^^ Call of range by loops, used
-//                   ^^^^^^ Call of ~Range by loops, used
+//                   ^^^^^ Call of begin by loops, used
 //                    ^^^ Call of end by loops, used
   for (Copied copied : each) ;
 //@3 ^^^^^^^^^^ Call of operator++ by loops, used
