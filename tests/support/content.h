@@ -34,9 +34,9 @@ inline std::string cell(const std::string& alias, const fe_db_tools::Column& col
          " WHEN 1 THEN " + keyOf(TableId::function, inner, value) + " ELSE " + value + " END";
 }
 
-/// What the fifteen tables of a compilation database hold, whatever the ids of their rows: each reference
-/// replaced by the key of its row, rows sorted. The columns come from the list that the programs
-/// have; what they are is no concern of the tests that compare contents.
+/// What the fifteen tables of a compilation database hold, whatever the ids of their rows: each
+/// reference replaced by the key of its row, rows sorted. The columns come from the list that the
+/// programs have; what they are is no concern of the tests that compare contents.
 inline std::string content(const std::string& path) {
   const RawConnection connection(path);
   std::string text;
