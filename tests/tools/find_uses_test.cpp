@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, FindUses, testing::Values(
              "/p/main.cc\n  /p/round.h  /p/main.cc:1\n"},
     UsesCase{"Units", {"units"}, "/p/main.cc: unit main.cc [directory=/p output=/p/main.o]\n"},
     UsesCase{"UnitsOfAFile", {"units", "shape.h", "--count"}, "1\n"}),
-    [](const auto& info) { return std::string(info.param.rule); });
+    kRuleName);
 // clang-format on
 
 TEST_F(FindUses, CandidatesAreListed) {

@@ -63,6 +63,8 @@ void addStats(CLI::App& program, Action& action) {
   CLI::App* command =
       program.add_subcommand("stats", "Show rows per table, file size and bytes per row");
   command->add_option("FILE", options->file, "The database file")->required();
+  command->add_flag("--units", options->units,
+                    "List the units instead: main file, object (or command), recorder, options");
   command->add_flag("--json", options->json, "One JSON object per line");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
@@ -97,7 +99,8 @@ void addDiff(CLI::App& program, Action& action) {
       program.add_subcommand("diff", "Compare the content of two files, ignoring row ids");
   command->footer(
       "Prints the rows that only A has with '-' and those that only B has with '+', in the format\n"
-      "of `fe_db dump`. Exits with 1 if there are any.");
+      "of `fe_db dump`. Exits with 1 if there are any. `--table Unit` compares the units of two\n"
+      "merged files: those that only one has, and those that were recorded anew.");
   command->add_option("A", options->left, "The first database file")->required();
   command->add_option("B", options->right, "The second database file")->required();
   addTableOption(*command, options->table);
@@ -117,7 +120,9 @@ void addMerge(CLI::App& program, Action& action) {
       "standard input. Sources are merged in the order given; where two disagree, the first value\n"
       "is kept, and counts add up. TARGET is created if it does not exist; otherwise its content\n"
       "comes first, and its triggers do not run. On any failure TARGET either has the result of\n"
-      "the whole merge or is unchanged.");
+      "the whole merge or is unchanged.\n"
+      "A source with a unit that TARGET or an earlier source already has would count it twice and\n"
+      "is refused; --replace, --skip-known and --again are the ways out.");
   command->add_option("TARGET", options->target, "The file to merge into")->required();
   command->add_option("SOURCE", options->sources, "The files to merge, or lists of them")
       ->required();
@@ -127,7 +132,13 @@ void addMerge(CLI::App& program, Action& action) {
   command->add_flag("--index,!--no-index", options->index,
                     "Create the search indexes in the merged file, or omit them (default: create)");
   command->add_flag("--keep-going", options->keepGoing,
-                    "Skip sources that cannot be read; the exit code is still 1");
+                    "Skip sources that cannot be merged; the exit code is still 1");
+  command->add_flag("--replace", options->replace,
+                    "Make TARGET anew from the sources; its old content goes");
+  auto* skipKnown = command->add_flag("--skip-known", options->skipKnown,
+                                      "Skip sources whose units TARGET or an earlier source has");
+  command->add_flag("--again", options->again, "Merge units again that TARGET has already")
+      ->excludes(skipKnown);
   command->add_flag("--strict", options->strict,
                     "Exit with 1 if rows or references of a source had to be skipped");
   command->add_flag("--debug", options->debug, "Print the number of rows of each table");
@@ -251,6 +262,8 @@ void addIndex(CLI::App& program, Action& action) {
       "they take no space.");
   command->add_option("FILE", options->file, "The database file")->required();
   command->add_flag("--drop", options->drop, "Drop the indexes and views instead");
+  command->add_flag("--extensions", options->extensions,
+                    "Also add the empty tables of the cross-reference that the file lacks");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
     action = namingFiles(options->file, [options] { return makeIndexes(*options); });

@@ -26,6 +26,7 @@ int makeIndexes(const IndexOptions& options) {
                              ": cannot be locked for writing; check that it is writable and that "
                              "no other program is writing it, or increase --wait");
   }
+  if (options.extensions) addExtensions(db);
   const std::set<std::string> foreign = foreignViewNames(options.file, options.waitSeconds);
   if (options.drop) {
     dropSearchIndexes(db);

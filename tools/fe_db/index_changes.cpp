@@ -1,6 +1,7 @@
 #include "index_changes.h"
 
 #include "canonical_text.h"
+#include "compilation_schema.h"
 #include "output.h"
 #include "read_only_file.h"
 #include "search_indexes.h"
@@ -73,6 +74,7 @@ void dropViews(CompilationDatabase& db, const std::set<std::string>& foreign) {
 }
 
 void makeViews(CompilationDatabase& db, const std::set<std::string>& foreign) {
+  if (!db.lastFailure().reason.empty()) return;
   for (const View& view : viewsOf(db)) {
     if (foreign.count(view.name) != 0) {
       report("the view " + view.name + " is not made: the file has something else of this name");
@@ -80,6 +82,12 @@ void makeViews(CompilationDatabase& db, const std::set<std::string>& foreign) {
                !db.execute("CREATE VIEW " + view.name + " AS " + kMark + view.select)) {
       return;
     }
+  }
+}
+
+void addExtensions(CompilationDatabase& db) {
+  for (const ExtensionTable& table : extensionTables()) {
+    if (!db.hasTable(table.name) && !db.execute(table.sql)) return;
   }
 }
 

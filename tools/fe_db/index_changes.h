@@ -27,4 +27,7 @@ void dropViews(orvalesca::databases_merger::CompilationDatabase& db,
 void makeViews(orvalesca::databases_merger::CompilationDatabase& db,
                const std::set<std::string>& foreign);
 
+/// Makes those of the tables that a compilation database may lack which this one lacks. As above.
+void addExtensions(orvalesca::databases_merger::CompilationDatabase& db);
+
 }  // namespace fe_db_tools

@@ -38,6 +38,7 @@ int init(const InitOptions& options);
 struct IndexOptions {
   std::string file;
   bool drop = false;
+  bool extensions = false;
   int waitSeconds = kDefaultWaitSeconds;
 };
 int makeIndexes(const IndexOptions& options);
@@ -45,6 +46,7 @@ int makeIndexes(const IndexOptions& options);
 struct StatsOptions {
   std::string file;
   bool json = false;
+  bool units = false;
   int waitSeconds = kDefaultWaitSeconds;
 };
 int showStats(const StatsOptions& options);
@@ -71,6 +73,9 @@ struct MergeOptions {
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
   bool index = true;
   bool keepGoing = false;
+  bool replace = false;
+  bool skipKnown = false;
+  bool again = false;
   bool strict = false;
   bool debug = false;
   int waitSeconds = kDefaultWaitSeconds;

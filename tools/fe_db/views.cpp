@@ -69,7 +69,8 @@ class Views {
         has("Property") ? ", p.Scope AS scope, o.Name AS owner" : ", NULL AS scope, NULL AS owner";
     sql += columns;
     if (has("Property")) {
-      sql += ", nullif(" + words("Property", "Flags", "p.") + ", '') AS flags, p.OwnerId AS owner_id";
+      sql +=
+          ", nullif(" + words("Property", "Flags", "p.") + ", '') AS flags, p.OwnerId AS owner_id";
     } else {
       sql += ", NULL AS flags, NULL AS owner_id";
     }

@@ -259,7 +259,7 @@ bool AstRecorder::VisitCallExpr(clang::CallExpr* call) {
 bool AstRecorder::VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
   Base::VisitCXXConstructExpr(construction);
   const clang::CXXConstructorDecl* callee = construction->getConstructor();
-  if (!callee->isUserProvided()) return true;
+  if (!callee->isUserProvided() || construction->isElidable()) return true;
   recordCall(*callee, construction->getLocation(), !values.isDropped(*construction));
   return true;
 }
@@ -308,7 +308,7 @@ void AstRecorder::recordEffects() {
 void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system) {
   TypeTable types(sink, files, context);
   EntityTable entities(sink, files, types, context);
-  References references(files, types, entities, context);
+  References references(files, types, entities, context, system);
   AstRecorder recorder(sink, files, types, entities, references, context, system);
   recorder.recordUnit();
   // Of a body with errors parts are missing.
