@@ -46,10 +46,12 @@ class ReadOnlyFile {
   const std::string& path() const { return path_; }
   sqlite3* connection() const { return connection_.get(); }
 
-  /// A file of this kind has the table; for one that it may lack: this file has it.
+  /// A file of this kind has the table; for one that it may lack: this file has it, and what its
+  /// rows mean nothing without.
   bool has(const Table& table) const {
-    return table.isExtension ? isCompilation_ && tableExists(table.name)
-                             : isCompilation_ || !table.onlyInCompilation;
+    if (!table.isExtension) return isCompilation_ || !table.onlyInCompilation;
+    return isCompilation_ && tableExists(table.name) &&
+           (table.id != TableId::unitFile || tableExists(tableOf(TableId::unit).name));
   }
   void require(const Table& table) const;
   bool isCompilation() const { return isCompilation_; }
