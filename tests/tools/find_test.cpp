@@ -164,12 +164,12 @@ TEST_F(Find, Json_HasTheAttributesAsMembers) {
             R"x("qualified":"work()",)x"
             R"("id":"_Z4workv","linkage":"external","defined":true,"special":false,"effect":"9"}
 )");
-  EXPECT_EQ(find(x, {"callers", "__builtin", "--json"}),
-            R"({"version":1,"path":"src/a.c","line":14,"column":1,"kind":"call","name":"main -> __builtin",)"
-            R"("caller":"main","callee":"__builtin","value":"dropped"}
+  EXPECT_EQ(
+      find(x, {"callers", "__builtin", "--json"}),
+      R"({"version":1,"path":"src/a.c","line":14,"column":1,"kind":"call","name":"main -> __builtin",)"
+      R"("caller":"main","callee":"__builtin","value":"dropped"}
 )");
-  EXPECT_THAT(find(x, {"types", "--name", "int", "--json"}),
-              HasSubstr(R"("path":null,"line":0,)"));
+  EXPECT_THAT(find(x, {"types", "--name", "int", "--json"}), HasSubstr(R"("path":null,"line":0,)"));
 }
 
 TEST_F(Find, BytesThatAreNoText_StayInTheirLine) {
@@ -261,10 +261,10 @@ TEST_F(Find, WhatTheFileDoesNotHave_Is1AndNamesWhatIsNear) {
   const FindCase cases[] = {
       {"NoSuchName", {"callers", "helpr"}, R"(nothing is named "helpr"; did you mean "helper"?)"},
       {"NoSuchNameOfAKind", {"functions", "--name", "nothing"}, R"(nothing is named "nothing")"},
-      {"OfAnotherKind", {"macros", "--name", "main"},
+      {"OfAnotherKind",
+       {"macros", "--name", "main"},
        R"(nothing of this kind is named "main"; there is the function main)"},
-      {"InAnotherScope", {"callers", "other::work"},
-       "there is work()"},
+      {"InAnotherScope", {"callers", "other::work"}, "there is work()"},
       {"OtherParameters", {"callers", "work(int)"}, "there is work()"},
       {"NoSuchFile", {"macros", "--file", "b.c"}, R"(no file of it is "b.c"; did you mean "a.c")"},
       {"NoReferences", {"uses", "main"}, "uses needs the table Reference, which is empty here"},

@@ -151,6 +151,26 @@ TEST_F(Units, IndexExtensions_AddsTheTablesThatInitMakes_Once) {
   EXPECT_EQ(rows(path("l"), schema), rows(path("new"), schema));
 }
 
+/// A foreign file may lack any one of the tables; every program does without it.
+TEST_F(Units, OfAFileThatLacksOneTable_EveryProgramTakesTheRest) {
+  unit("a", {"a"}), unit("b", {"b"});
+  for (unsigned i = 0; i < 5; ++i) {
+    const std::string file = "lacks" + std::to_string(i), all = outputOf({"dump", path("b")});
+    std::filesystem::copy_file(path("b"), path(file));
+    keepExtensions(path(file), ~(1U << i));
+    const std::string dumped = outputOf({"dump", path(file)});
+    EXPECT_EQ(dumped.substr(0, dumped.find("Unit\t")), all.substr(0, all.find("Unit\t")));
+    EXPECT_EQ(outputOf({"check", path(file)}), "");
+    EXPECT_EQ(outputOf({"stats", path(file)}).find(std::string("\n") + kExtensions[i] + ' '),
+              std::string::npos);
+    EXPECT_EQ(outputOf({"diff", path(file), path(file)}), "");
+    EXPECT_EQ(outputOf({"index", path(file)}), "");
+    merged("from" + std::to_string(i) + " " + file + " a");
+    EXPECT_EQ(merge(file + " a").exitCode, 0);
+    EXPECT_EQ(count(file), "2\n");
+  }
+}
+
 TEST_F(Units, AreListedAndCompared) {
   unit("a", {"a"}), unit("ab", {"a", "b"}), legacy("l", "l");
   EXPECT_EQ(outputOf({"stats", "--units", path("ab")}), "a\t/b/a.o\ttest\t\nb\t/b/b.o\ttest\t\n");

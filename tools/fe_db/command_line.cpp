@@ -121,8 +121,8 @@ void addMerge(CLI::App& program, Action& action) {
       "is kept, and counts add up. TARGET is created if it does not exist; otherwise its content\n"
       "comes first, and its triggers do not run. On any failure TARGET either has the result of\n"
       "the whole merge or is unchanged.\n"
-      "A source with a unit that TARGET or an earlier source already has would count it twice and\n"
-      "is refused; --replace, --skip-known and --again are the ways out.");
+      "A source with a unit that TARGET or an earlier source already has would count it twice: it\n"
+      "is refused unless --replace, --skip-known or --again is given.");
   command->add_option("TARGET", options->target, "The file to merge into")->required();
   command->add_option("SOURCE", options->sources, "The files to merge, or lists of them")
       ->required();

@@ -42,7 +42,7 @@ class Views {
     if (has("Include")) views.push_back(includes());
     if (has("Reference")) views.push_back(references());
     if (has("Unit")) views.push_back(units());
-    if (has("UnitFile")) views.push_back(unitFiles());
+    if (has("UnitFile") && has("Unit")) views.push_back(unitFiles());
     views.push_back(numbers());
     return views;
   }
