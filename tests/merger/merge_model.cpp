@@ -2,7 +2,6 @@
 
 #include <sstream>
 
-#include "compilation_schema.h"
 #include "support/sql_rows.h"
 
 namespace fe_db_tests::merge_model {
@@ -87,14 +86,6 @@ void foldRow(const Table& table, Row& target, const Row& source) {
   }
 }
 
-std::string literal(const Column& c, const Row& row, const std::map<std::string, int>& ids) {
-  const auto& value = row.at(c.name);
-  if (!value) return c.name == "EntityId" ? "0" : "NULL";
-  if (c.has('\'')) return "'" + *value + "'";
-  if (!c.referred.empty()) return std::to_string(ids.at(*value));
-  return c.name == "Value" ? *value : std::to_string(static_cast<int>(number(value)));
-}
-
 }  // namespace
 
 // A list of its own on purpose: a mistake in the library's must not be in the model too.
@@ -158,21 +149,6 @@ void fold(Content& target, const Content& source) {
       if (!isNew) foldRow(table, it->second, row);
     }
   }
-}
-
-void write(const Content& content, const std::string& path) {
-  fe_db_tools::createCompilationDatabase(path, fe_db_tools::KeyIndexes::no);
-  std::string sql = "PRAGMA synchronous=OFF; BEGIN;";
-  std::map<std::string, int> ids;
-  for (const Table& table : tables()) {
-    for (const auto& [key, row] : content.rows.at(table.name)) {
-      const int id = ids[key] = static_cast<int>(ids.size()) + 1;
-      sql += "INSERT INTO " + table.name + "(" + listed(table) + ")VALUES(" + std::to_string(id);
-      for (const Column& c : table.columns) sql += "," + literal(c, row, ids);
-      sql += ");";
-    }
-  }
-  execute(path, sql + "COMMIT");
 }
 
 }  // namespace fe_db_tests::merge_model

@@ -43,7 +43,5 @@ Content read(const std::string& path);
 Content load(const std::string& path);
 /// Adds one source.
 void fold(Content& target, const Content& source);
-/// Makes a compilation database of it.
-void write(const Content& content, const std::string& path);
 
 }  // namespace fe_db_tests::merge_model

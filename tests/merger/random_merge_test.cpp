@@ -115,8 +115,8 @@ struct RandomMerge : MergeTest {
   bool isRefused = false;  ///< the target has rows that would be lost
   Content content;         ///< of the target, and then as it is to become
 
-  void play(int seed) {
-    Generator random(static_cast<unsigned>(seed));
+  void play(unsigned seed) {
+    Generator random(seed);
     const bool isForProgram = seed % 10 == 0, isNew = random.one(4);
     const std::string sql = isNew ? "" : random.database(random.one(8), false);
     const std::string target = file("target.db", sql), before = dump(target);
@@ -131,11 +131,12 @@ struct RandomMerge : MergeTest {
       reports += source.reports.size();
       fold(content, source);
     }
-    if (isForProgram) runProgram(isNew ? path("none.db") : target, sources);
+    std::filesystem::copy_file(target, path("original.db"), kOverwrite);
     takeReports();
     EXPECT_EQ(merge(target, sources), !isRefused);
     const std::string said = takeReports();
     EXPECT_TRUE(!isRefused || dump(target) == before);
+    if (isForProgram) runProgram(isNew, sources, outputOf({"dump", target}));
     if (isRefused) return;
     EXPECT_EQ(lineCount(said), static_cast<long>(reports)) << said;
     Content actual = read(target);
@@ -146,14 +147,13 @@ struct RandomMerge : MergeTest {
     EXPECT_FALSE(actual.hasDuplicates || !actual.reports.empty()) << "nothing is left to say";
   }
 
-  void runProgram(const std::string& target, const std::vector<std::string>& sources) {
-    std::filesystem::remove(path("model.db"));
-    if (!isRefused) write(content, path("model.db"));
-    const std::string expected = outputOf({"dump", isRefused ? target : path("model.db")});
+  /// The program makes what the library has made of the same files.
+  void runProgram(bool isNew, const std::vector<std::string>& sources,
+                  const std::string& expected) {
     for (const std::string jobs : {"3", "1"}) {
       std::filesystem::remove(path("result.db"));
-      if (std::filesystem::exists(target)) std::filesystem::copy_file(target, path("result.db"));
-      std::vector<std::string> arguments = {"merge", "--jobs", jobs, path("result.db")};
+      if (!isNew) std::filesystem::copy_file(path("original.db"), path("result.db"));
+      Words arguments = {"merge", "--jobs", jobs, path("result.db")};
       arguments.insert(arguments.end(), sources.begin(), sources.end());
       const ProgramResult result = feDb(arguments);
       EXPECT_EQ(result.exitCode, isRefused ? 1 : 0) << result.errors;
@@ -161,18 +161,19 @@ struct RandomMerge : MergeTest {
       EXPECT_TRUE(dumped == expected) << jobs << " jobs:\n" << difference(expected, dumped);
     }
   }
+
+  static constexpr auto kOverwrite = std::filesystem::copy_options::overwrite_existing;
 };
 
 // FE_DB_MODEL_SEED is the first seed, FE_DB_MODEL_SEEDS how many run.
 TEST_F(RandomMerge, GivesWhatTheModelGives) {
-  const char *seed = std::getenv("FE_DB_MODEL_SEED"), *count = std::getenv("FE_DB_MODEL_SEEDS");
-  const int first = seed != nullptr ? std::stoi(seed) : 1;
-  const int seeds = count != nullptr ? std::stoi(count) : 200;
-  int refused = 0;
-  for (int n = first; n < first + seeds && !HasFailure(); ++n) {
+  const unsigned first = fromEnvironment("FE_DB_MODEL_SEED", 1);
+  const unsigned seeds = fromEnvironment("FE_DB_MODEL_SEEDS", 200);
+  unsigned refused = 0;
+  for (unsigned n = first; n < first + seeds && !HasFailure(); ++n) {
     SCOPED_TRACE("to repeat: FE_DB_MODEL_SEEDS=1 FE_DB_MODEL_SEED=" + std::to_string(n));
     play(n);
-    refused += isRefused ? 1 : 0;
+    refused += isRefused;
   }
   EXPECT_LE(refused, 1 + seeds / 4) << "too few merges";
 }

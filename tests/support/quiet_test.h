@@ -60,6 +60,12 @@ class StderrCapture {
   off_t position = 0;
 };
 
+/// A number that who runs the tests may set.
+inline unsigned fromEnvironment(const char* name, unsigned otherwise) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+}
+
 inline long lineCount(const std::string& text) {
   return std::count(text.begin(), text.end(), '\n');
 }

@@ -108,10 +108,10 @@ TEST_F(NewTarget, LeftoverOfAKilledRun_GoesWithTheNext) {
   EXPECT_EQ(rows(path("unit"), "SELECT Count FROM Identifier"), "1\n");
 }
 
-/// A killed run may leave the temporary name, one that a user interrupts removes it.
+/// A killed run may leave the temporary name, one that is told to end removes it.
 TEST_F(NewTarget, EndedAtAnyCall_LeavesAllOrNothingAndTheNextRunNothingElse) {
   const std::pair<std::string, int> ends[] = {
-      {"merge", SIGKILL}, {"init", SIGKILL}, {"merge", SIGINT}};
+      {"merge", SIGKILL}, {"init", SIGKILL}, {"merge", SIGTERM}};
   for (const auto& [subcommand, signal] : ends) {
     SCOPED_TRACE(subcommand + " " + strsignal(signal));
     int calls = 0;

@@ -6,6 +6,7 @@
 #include "effect_analysis.h"
 #include "entity_table.h"
 #include "file_table.h"
+#include "implicit_calls.h"
 #include "instantiation_walk.h"
 #include "reference_visitor.h"
 #include "references.h"
@@ -48,6 +49,7 @@ class AstRecorder : public ReferenceVisitor<AstRecorder> {
         types(types),
         entities(entities),
         unevaluated(context),
+        implicitCalls(sink, files, entities, context),
         system(system),
         context(context) {}
 
@@ -95,6 +97,7 @@ class AstRecorder : public ReferenceVisitor<AstRecorder> {
   EntityTable& entities;
   ValueUse values;
   Unevaluated unevaluated;
+  ImplicitCalls implicitCalls;
   SystemFacts system;
   clang::ASTContext& context;
   /// Null outside of functions and where nothing is evaluated.
@@ -196,6 +199,7 @@ bool AstRecorder::VisitVarDecl(clang::VarDecl* declaration) {
     if (function == nullptr || !function->doesThisDeclarationHaveABody()) return true;
   }
   entities.variable(*declaration);
+  implicitCalls.enter(*declaration, callers.back());
   return true;
 }
 
@@ -205,7 +209,9 @@ bool AstRecorder::VisitBindingDecl(clang::BindingDecl* declaration) {
 }
 
 bool AstRecorder::VisitFunctionDecl(clang::FunctionDecl* declaration) {
-  if (!declaration->isImplicit()) entities.function(*declaration);
+  if (declaration->isImplicit()) return true;
+  entities.function(*declaration);
+  implicitCalls.enter(*declaration);
   return true;
 }
 
@@ -230,6 +236,7 @@ bool AstRecorder::VisitLabelStmt(clang::LabelStmt* label) {
 bool AstRecorder::VisitStmt(clang::Stmt* statement) {
   values.enter(*statement);
   unevaluated.enter(*statement);
+  if (context.getLangOpts().CPlusPlus) implicitCalls.enter(*statement, callers.back());
   return true;
 }
 
@@ -271,6 +278,7 @@ void AstRecorder::recordUnit() {
   if (context.getLangOpts().CPlusPlus) {
     walkInstantiations(references, files, context, system, genericLambdas);
   }
+  implicitCalls.record();
   references.resolveLinkerNames();
 }
 

@@ -112,6 +112,12 @@ void FactSink::call(dm::Function* caller, dm::Function* callee, const dm::Locali
   data.emplaceCallPoint(caller, callee, at, isValueUsed, kAccumulate);
 }
 
+bool FactSink::isOtherCall(dm::Function* caller, const dm::Function* callee,
+                           const dm::Localization& at) const {
+  const dm::CallPoint* known = data.getCallPoint(at, caller);
+  return known != nullptr && known->getCallee() != callee;
+}
+
 void FactSink::refer(dm::Macro* macro) { count(macro); }
 void FactSink::refer(dm::Type* type) { count(type); }
 void FactSink::refer(dm::Variable* variable) { count(variable); }

@@ -99,6 +99,9 @@ class FactSink {
   void label(std::string_view name, const dm::Localization& at);
   void call(dm::Function* caller, dm::Function* callee, const dm::Localization& at,
             bool isValueUsed);
+  /// Whether the caller calls another function there.
+  bool isOtherCall(dm::Function* caller, const dm::Function* callee,
+                   const dm::Localization& at) const;
 
   static void refer(dm::Macro* macro);
   static void refer(dm::Type* type);

@@ -56,6 +56,32 @@ TEST(Element, KindOfAMacroIsInFileOrTheColumnOrUnplaced) {
   EXPECT_EQ(kind(nullptr, 9), Macro::MacroKind{9});
 }
 
+// A bit that only the other has is no change, so a row that has it is not written and a repeat that
+// has it leaves dirty alone. No save reaches the row: it has loaded all names before.
+TEST(Element, OfANameCountsAsAChangeWhatTheRepeatOrTheRowLacks) {
+  constexpr auto kOne = IdentifierKind::Type, kOther = IdentifierKind::Label;
+  const struct {
+    unsigned count;
+    IdentifierKind kind, otherKind;
+    bool changed;
+  } cases[] = {{1, kOne, kOne, true},
+               {0, kOne, kOne, false},
+               {0, kOne | kOther, kOne, true},
+               {0, kOne, kOne | kOther, false},
+               {0, kOne, kOther, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    Identifier seen("x", c.kind, c.count), stored = seen, row("x", c.otherKind, 3);
+    seen.addOccurrence(c.otherKind, 3);
+    EXPECT_EQ(stored.updateFromRow(row), c.changed);
+    for (const Identifier& identifier : {seen, stored}) {
+      EXPECT_EQ(identifier.getCount(), c.count + 3);
+      EXPECT_EQ(identifier.getKind(), c.kind | c.otherKind);
+      EXPECT_EQ(identifier.dirty, c.changed);
+    }
+  }
+}
+
 // --- Containers. Later phases hold iterators of these exact types.
 
 template <class T>
@@ -115,6 +141,24 @@ TEST_F(Dataset, AMacroThatMovesThroughItsBaseIsFoundWhereItIs) {
   moved->setFile(file("a.c"));
   EXPECT_EQ(data->getMacro(name("M"), at("a.c", 6, 7)), moved);
   EXPECT_EQ(data->getMacro(name("M"), at("a.c", 5, 1)), nullptr);
+}
+
+// In the order 1 N N-1 ... 2, a wildcard at 3 matches whatever is not met at 1 or from N to 4. Long
+// groups are searched another way than short ones, which must not show.
+TEST_F(Dataset, AStoredWildcardMatchesWhereTheWalkMeetsItBeforeAnExactMatch) {
+  for (const std::uint32_t size : {4u, 100u}) {
+    const std::string text = "M" + std::to_string(size);
+    for (std::uint32_t n = 1; n <= size; ++n) macro(text, at("a.c", n, 1));
+    const auto find = [&](std::uint32_t n) { return data->getMacro(name(text), at("a.c", n, 1)); };
+    Macro *const first = find(1), *const last = find(size), *const stored = find(3);
+    EXPECT_EQ(find(99999), nullptr);
+    stored->setLocalization({file("a.c"), 3, 1, /*wildcard=*/true});
+    for (const std::uint32_t n : {2u, 3u, 99999u}) EXPECT_EQ(find(n), stored) << size;
+    EXPECT_TRUE(find(1) == first && find(size) == last);
+    EXPECT_EQ(macro(text, at("a.c", 99999, 1)), stored) << "no element of its own";
+    stored->setLocalization(at("a.c", 3, 1));
+    EXPECT_NE(find(2), stored);
+  }
 }
 
 TEST_F(Dataset, ACopyOfAMacroOutlivesItAndChangesNothingInIt) {

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
 #include <random>
 #include <set>
 
@@ -191,16 +187,10 @@ class Play {
     const bool isMoved = hasLargeGroups && one(2);
     fact.wildcard = !isMoved && one(3);
     if (isMoved) fact.line = 100 + below(1000);
-    const unsigned way = below(3);
-    if (way == 0) macro.setLine(fact.line);
-    if (way == 1) {
-      Macro other = macro;
-      other.setLocalization(library.place(fact));
-      macro = other;
-    }
-    if (way == 2 || fact.wildcard != macro.getLocalization().wildcard) {
-      static_cast<LocatedElement&>(macro).setLocalization(library.place(fact));
-    }
+    Macro moved = macro;
+    moved.setLocalization(library.place(fact));
+    if (one(2)) return static_cast<LocatedElement&>(macro).setLocalization(library.place(fact));
+    macro = moved;
   }
 
   Store& store(bool isCompilation) { return isCompilation ? model.comp : model.pp; }
@@ -441,9 +431,9 @@ class Play {
     std::set<const Macro*> listed, expected;
     bool first = true;
     while (const Macro* const m = library.data->listTranslationUnitMacro(first)) listed.insert(m);
-    for (int i = 0; i < library.known.count(kMacro); ++i) {
-      if (model.facts[kMacro][i].file) expected.insert(library.known.get<Macro>({kMacro, i}));
-    }
+    library.data->eachMacro([&](const Macro& m) {
+      if (m.getFile() != nullptr) expected.insert(&m);
+    });
     EXPECT_EQ(listed, expected) << "macros of the unit";
   }
 
@@ -490,12 +480,7 @@ class Play {
   bool isAmbiguous = false;
 };
 
-unsigned fromEnvironment(const char* name, unsigned otherwise) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
-}
-
-class DatasetModel : public QuietTest {};
+using DatasetModel = QuietTest;
 
 // FE_DB_MODEL_SEED is the first seed, FE_DB_MODEL_SEEDS how many run.
 TEST_F(DatasetModel, RandomSightings) {

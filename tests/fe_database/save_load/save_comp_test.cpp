@@ -46,6 +46,7 @@ TEST_F(SaveToCompDb, Rows_StandInTheOrderOfFirstSights_MacrosOfANameTogether_Var
 }
 
 TEST_F(SaveToCompDb, TransactionThatCannotBegin_ChangesNothing) {
+  const std::string expected = contentOfASave();
   fill();
   db().setBusyTimeout(0);
   const RawConnection other(compFile);
@@ -57,7 +58,7 @@ TEST_F(SaveToCompDb, TransactionThatCannotBegin_ChangesNothing) {
   EXPECT_FALSE(Identifier::isPreLoaded || Type::isPreLoaded || File::isLoaded);
   other.rows("COMMIT");
   EXPECT_TRUE(saveToCompDb());
-  EXPECT_EQ(content(compFile), kFilledContent);
+  EXPECT_EQ(content(compFile), expected);
 }
 
 TEST_F(SaveToCompDb, Repeated_LeavesTheRowsThatTheFirstSaveLeft) {
@@ -191,6 +192,7 @@ struct FailedSave : SaveToCompDb, testing::WithParamInterface<bool> {};
 
 // A new file: nothing stored has joined what is in memory, so a second try gives the whole.
 TEST_P(FailedSave, OfANewFile_CanBeTriedAgain) {
+  const std::string expected = contentOfASave();
   failJournalAt("INSERT INTO File", compFile, /*once=*/GetParam());
   fill();
   EXPECT_FALSE(saveToCompDb());
@@ -199,7 +201,7 @@ TEST_P(FailedSave, OfANewFile_CanBeTriedAgain) {
   EXPECT_EQ(content(compFile), "");
   EXPECT_FALSE(Identifier::isPreLoaded || Type::isPreLoaded || File::isLoaded);
   EXPECT_TRUE(data->saveToCompDB());
-  EXPECT_EQ(content(compFile), kFilledContent);
+  EXPECT_EQ(content(compFile), expected);
 }
 
 TEST_P(FailedSave, OfAFilledFile_IsRefusedFromThenOnWithOneReport) {

@@ -22,6 +22,17 @@ class SaveLoadTest : public CompilationTest {
     return data->saveToCompDB();
   }
 
+  /// What `fill` and an undisturbed save leave in the file, which is empty again afterwards.
+  std::string contentOfASave() {
+    fill();
+    EXPECT_TRUE(saveToCompDb());
+    const std::string saved = content(compFile);
+    std::filesystem::remove(compFile);
+    fe_db_tools::createCompilationDatabase(compFile, fe_db_tools::KeyIndexes::no);
+    openAgain();
+    return saved;
+  }
+
   /// From the first statement that begins so on: SQLite cannot make the journal of the file, and
   /// rolls nothing back for it. `once`: the next statement finds that it can.
   void failJournalAt(const std::string& beginning, const std::string& file, bool once) {
@@ -67,35 +78,5 @@ class SaveLoadTest : public CompilationTest {
     data->emplaceMacroExpansion({a, 11, 2}, "7u", "M", 110, 4);
   }
 };
-
-/// The content of a compilation database that `fill` was saved to, both flags or the last set.
-inline constexpr char kFilledContent[] =
-    "File|a.c|1|0|0\n"
-    "File|a.h|2|0|0\n"
-    "Identifier|ENUM|1|32\n"
-    "Identifier|M|1|8\n"
-    "Identifier|PREDEFINED|1|8\n"
-    "Identifier|alias|1|1\n"
-    "Identifier|base|1|1\n"
-    "Identifier|field|1|64\n"
-    "Identifier|f|3|18\n"
-    "Identifier|g_source|1|2\n"
-    "Identifier|g|1|2\n"
-    "Identifier|label|1|128\n"
-    "Identifier|var|2|20\n"
-    "Macro|M|a.c|10|9|5|7|0|1|0|0|0|7u\n"
-    "Macro|PREDEFINED|NULL|0|3|0|NULL|0|1|0|0|0|\n"
-    "Type|alias|0|0|0|a.h|2|9|512|3|0\n"
-    "Type|base|0|0|0|a.h|1|8|4|1|2\n"
-    "TypeReference|a.h:2:9:alias:512|a.h:1:8:base:4\n"
-    "Variable|var|a.c|3|1|a.h:1:8:base:4|1|1|0\n"
-    "Function|f|f|a.c|4|1|1|0|0|1|0\n"
-    "Function|g|g_source|a.c|5|1|0|1|2|0|2\n"
-    "ExternalIdentifier|f|1|a.c:4:1:f\n"
-    "ExternalIdentifier|var|0|a.c:3:1:var\n"
-    "Field|field|a.h|1|20|4\n"
-    "EnumConstant|ENUM|a.h|7|3\n"
-    "Label|label|a.c|8|1\n"
-    "CallPoint|a.c|9|5|1|a.c:4:1:f|a.c:5:1:g\n";
 
 }  // namespace fe_db_tests

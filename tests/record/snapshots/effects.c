@@ -113,9 +113,11 @@ static void ends(int *p) { (void)p; }
 static void cleans(void) { int x __attribute__((cleanup(through))) = 0; (void)x; }
 //          ^^^^^^ Function cleans@/effects.c defined linkage=2 refs=0 has effects
 //                             ^ Variable of int defined linkage=0 refs=1
+//                             ^^^^^^^ Call of through by cleans, used
 static void harmless(void) { int x __attribute__((cleanup(ends))) = 0; (void)x; }
 //          ^^^^^^^^ Function harmless@/effects.c defined linkage=2 refs=0 no effect
 //                               ^ Variable of int defined linkage=0 refs=1
+//                               ^^^^ Call of ends by harmless, used
 
 static int unknown_call(int n) { return opaque(n); }
 //         ^^^^^^^^^^^^ Function unknown_call@/effects.c defined linkage=2 refs=0

@@ -1,5 +1,5 @@
 int shared;
-//  ^^^^^^ Variable of int defined linkage=1 refs=11 external=shared
+//  ^^^^^^ Variable of int defined linkage=1 refs=12 external=shared
 int opaque();
 //  ^^^^^^ Function _Z6opaquev declared linkage=1 refs=3 external=_Z6opaquev
 struct Plain { int a = 0; int get() const { return a; } void set(int v) { a = v; } };
@@ -11,16 +11,17 @@ struct Plain { int a = 0; int get() const { return a; } void set(int v) { a = v;
 struct Loud { Loud() { ++shared; } ~Loud() {} };
 //     ^^^^ Type kind=64 refs=1 tagRefs=0
 //            ^^^^ Function _ZN4LoudC1Ev defined special linkage=1 refs=1 external=_ZN4LoudC1Ev has effects
-//                                 ^^^^^ Function _ZN4LoudD1Ev defined special linkage=1 refs=0 external=_ZN4LoudD1Ev no effect
+//                                 ^^^^^ Function _ZN4LoudD1Ev defined special linkage=1 refs=1 external=_ZN4LoudD1Ev no effect
 struct Guard { Guard() {} ~Guard() { --shared; } };
 //     ^^^^^ Type kind=64 refs=3 tagRefs=0
-//             ^^^^^ Function _ZN5GuardC1Ev defined special linkage=1 refs=2 external=_ZN5GuardC1Ev has effects
-//                        ^^^^^^ Function _ZN5GuardD1Ev defined special linkage=1 refs=0 external=_ZN5GuardD1Ev has effects
+//             ^^^^^ Function _ZN5GuardC1Ev defined special linkage=1 refs=3 external=_ZN5GuardC1Ev has effects
+//                        ^^^^^^ Function _ZN5GuardD1Ev defined special linkage=1 refs=3 external=_ZN5GuardD1Ev has effects
 struct Holds { int n; Guard guard; ~Holds() {} };
 //     ^^^^^ Type kind=64 refs=2 tagRefs=0
 //                 ^ Field refs=0
 //                          ^^^^^ Field refs=0
-//                                 ^^^^^^ Function _ZN5HoldsD1Ev defined special linkage=1 refs=0 external=_ZN5HoldsD1Ev has effects
+//                          ^^^^^^ Call of ~Guard by ~Holds, used
+//                                 ^^^^^^ Function _ZN5HoldsD1Ev defined special linkage=1 refs=1 external=_ZN5HoldsD1Ev has effects
 struct Base { virtual int f() { return 1; } virtual ~Base() = default; };
 //     ^^^^ Type kind=64 refs=5 tagRefs=0
 //                        ^ Function _ZN4Base1fEv defined linkage=1 refs=2 external=_ZN4Base1fEv
@@ -29,7 +30,7 @@ struct Quiet { Quiet(int v) : value(v) {} ~Quiet() {} int value; };
 //     ^^^^^ Type kind=64 refs=2 tagRefs=0
 //             ^^^^^ Function _ZN5QuietC1Ei defined special linkage=1 refs=2 external=_ZN5QuietC1Ei no effect
 //                       ^ Variable of int defined linkage=0 refs=1
-//                                        ^^^^^^ Function _ZN5QuietD1Ev defined special linkage=1 refs=0 external=_ZN5QuietD1Ev no effect
+//                                        ^^^^^^ Function _ZN5QuietD1Ev defined special linkage=1 refs=2 external=_ZN5QuietD1Ev no effect
 //                                                        ^^^^^ Field refs=3
 struct Text { Text(const char *) { shared = 2; } };
 //     ^^^^ Type kind=64 refs=1 tagRefs=0
@@ -43,10 +44,11 @@ struct Number { int n; operator int() const { return ++shared; } bool operator==
 struct Lazy { int n = opaque(); };
 //     ^^^^ Type kind=64 refs=1 tagRefs=0
 //                ^ Field refs=1
+//                ^^^^^^ Call of opaque by member_default, used
 struct Range { int *begin() const { return nullptr; } int *end() const { ++shared; return nullptr; } };
 //     ^^^^^ Type kind=64 refs=1 tagRefs=0
-//                  ^^^^^ Function _ZNK5Range5beginEv defined linkage=1 refs=0 external=_ZNK5Range5beginEv no effect
-//                                                         ^^^ Function _ZNK5Range3endEv defined linkage=1 refs=0 external=_ZNK5Range3endEv has effects
+//                  ^^^^^ Function _ZNK5Range5beginEv defined linkage=1 refs=1 external=_ZNK5Range5beginEv no effect
+//                                                         ^^^ Function _ZNK5Range3endEv defined linkage=1 refs=1 external=_ZNK5Range3endEv has effects
 struct Assigned { int n; Assigned &operator=(const Assigned &) = default; };
 //     ^^^^^^^^ Type kind=64 refs=5 tagRefs=0
 //                    ^ Field refs=1
@@ -64,6 +66,7 @@ int reads(const Plain &p) { return p.get(); }
 int makes() { Plain p{3}; Quiet q(p.a); return q.value; }
 //  ^^^^^ Function _Z5makesv defined linkage=1 refs=0 external=_Z5makesv no effect
 //                  ^ Variable of Plain defined linkage=0 refs=1
+//                        ^^^^^^ Call of ~Quiet by makes, used
 //                              ^ Variable of Quiet defined linkage=0 refs=1
 //                              ^^^^^ Call of Quiet by makes, used
 int assigns() { Assigned a{1}, b{2}; a = b; return a.n; }
@@ -95,19 +98,31 @@ void by_capture(int n) { [&n] { n = 2; }(); }
 //                                      ^^^^^^^^^^ Call of operator() by by_capture, dropped
 void constructs() { Loud l; }
 //   ^^^^^^^^^^ Function _Z10constructsv defined linkage=1 refs=0 external=_Z10constructsv has effects
+//                  ^^^^^ Call of ~Loud by constructs, used
 //                       ^ Variable of Loud defined linkage=0 refs=0
 //                       ^^^^ Call of Loud by constructs, used
 void destroys() { Guard g; }
 //   ^^^^^^^^ Function _Z8destroysv defined linkage=1 refs=0 external=_Z8destroysv has effects
+//                ^^^^^^ Call of ~Guard by destroys, used
 //                      ^ Variable of Guard defined linkage=0 refs=0
 //                      ^^^^^ Call of Guard by destroys, used
+struct Ends { ~Ends() { --shared; } };
+//     ^^^^ Type kind=64 refs=1 tagRefs=0
+//            ^^^^^ Function _ZN4EndsD1Ev defined special linkage=1 refs=1 external=_ZN4EndsD1Ev has effects
+void only_destroys() { Ends ends; }
+//   ^^^^^^^^^^^^^ Function _Z13only_destroysv defined linkage=1 refs=0 external=_Z13only_destroysv has effects
+//                          ^^^^ Variable of Ends defined linkage=0 refs=0
+//                          ^^^^^ Call of ~Ends by only_destroys, used
 void destroys_part(Holds *p) { Holds h{1, {}}; }
 //   ^^^^^^^^^^^^^ Function _Z13destroys_partP5Holds defined linkage=1 refs=0 external=_Z13destroys_partP5Holds has effects
 //                        ^ Variable of Holds defined linkage=0 refs=0
 //                                   ^ Variable of Holds defined linkage=0 refs=0
+//                                   ^^^^^^ Call of ~Holds by destroys_part, used
+//                                        ^^^^^ Call of Guard by destroys_part, used
 void temporary() { Guard(); }
 //   ^^^^^^^^^ Function _Z9temporaryv defined linkage=1 refs=0 external=_Z9temporaryv has effects
 //                 ^^^^^ Call of Guard by temporary, dropped
+//                       ^^^^^^ Call of ~Guard by temporary, used
 int converts(Number n) { return n; }
 //  ^^^^^^^^ Function _Z8converts6Number defined linkage=1 refs=0 external=_Z8converts6Number has effects
 //                  ^ Variable of Number defined linkage=0 refs=1
@@ -123,6 +138,8 @@ void iterates(Range r) { for (int n : r) (void)n; }
 //   ^^^^^^^^ Function _Z8iterates5Range defined linkage=1 refs=0 external=_Z8iterates5Range has effects
 //                  ^ Variable of Range defined linkage=0 refs=1
 //                                ^ Variable of int defined linkage=0 refs=1
+//                                    ^^^^^ Call of begin by iterates, used
+//                                     ^^^ Call of end by iterates, used
 void assigns_to(Assigned &a) { a = Assigned{1}; }
 //   ^^^^^^^^^^ Function _Z10assigns_toR8Assigned defined linkage=1 refs=0 external=_Z10assigns_toR8Assigned has effects
 //                        ^ Variable of Assigned defined linkage=0 refs=1

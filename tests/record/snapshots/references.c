@@ -6,6 +6,7 @@ int held(int *p) {
 //            ^ Variable of int defined linkage=0 refs=2
   int *__attribute__((cleanup(release))) guard = p, *plain = p;
 //                                       ^^^^^ Variable of int defined linkage=0 refs=0
+//                                       ^^^^^^^ Call of release by held, used
 //                                                   ^^^^^ Variable of int defined linkage=0 refs=1
   return *plain;
 }

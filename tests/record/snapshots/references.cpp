@@ -42,7 +42,9 @@ int both(const Twin& twin) {
 //  ^^^^ Function _Z4bothRK4Twin defined linkage=1 refs=0 external=_Z4bothRK4Twin no effect
 //                   ^^^^ Variable of Twin defined linkage=0 refs=1
   auto [one, two] = twin;
+//      ^^^ Call of get by both, used
 //      ^^^ Variable of type defined linkage=0 refs=1
+//           ^^^ Call of get by both, used
 //           ^^^ Variable of type defined linkage=0 refs=1
   return one + two;
 }
