@@ -88,6 +88,7 @@ void addOptions(CLI::App& app, CommandLine& result) {
   // What the files of one unit are called, for the processes that this program starts.
   app.add_option("--name", result.record.name)->group("");
   app.add_option("--compiler-answer", result.compilerAnswer)->group("");
+  app.add_option("--object", result.object)->group("");
 }
 
 /// Parses options as a shell has split them. The parser takes a word that begins with a hyphen for

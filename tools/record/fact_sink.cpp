@@ -1,5 +1,7 @@
 #include "fact_sink.h"
 
+#include <algorithm>
+
 #include "fe_db/compilation_data.h"
 #include "fe_db/elements.h"
 
@@ -18,7 +20,9 @@ void count(T* element) {
 
 dm::File* FactSink::file(std::string_view path, dm::FileKind kind,
                          results_api::LanguageKind language) {
-  return &data.emplaceFile(path, kind, language);
+  dm::File* file = &data.emplaceFile(path, kind, language);
+  if (std::find(files.begin(), files.end(), file) == files.end()) files.push_back(file);
+  return file;
 }
 
 dm::Macro* FactSink::macroDefined(const MacroFacts& facts) {
@@ -116,6 +120,21 @@ bool FactSink::isOtherCall(dm::Function* caller, const dm::Function* callee,
                            const dm::Localization& at) const {
   const dm::CallPoint* known = data.getCallPoint(at, caller);
   return known != nullptr && known->getCallee() != callee;
+}
+
+void FactSink::unit(const UnitFacts& facts) {
+  dm::File* mainFile = data.getFile(facts.source);
+  if (mainFile == nullptr) return;
+  dm::Unit& unit = data.emplaceUnit(mainFile, facts.directory, facts.object, facts.command);
+  unit.setName(facts.name);
+  unit.setRecorder(facts.recorder);
+  unit.setOptions(facts.options);
+  unit.setDigest(facts.digest);
+  for (dm::File* file : files) data.emplaceUnitFile(&unit, file);
+}
+
+void FactSink::include(const dm::Localization& at, dm::File* included, dm::IncludeKind kind) {
+  data.emplaceInclude(at.file, at.line, included, kind);
 }
 
 void FactSink::refer(dm::Macro* macro) { count(macro); }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "fe_db/function.h"
 #include "fe_db/localization.h"
@@ -67,6 +68,18 @@ struct ExpansionFacts {
   unsigned ppEnd = 0;
 };
 
+/// The unit as a whole. `source`: the path of its main file.
+struct UnitFacts {
+  std::string source;
+  std::string directory;
+  std::string command;
+  std::string object;  ///< empty if there is none
+  std::string name;
+  std::string recorder;
+  std::string options;
+  std::string digest;
+};
+
 /// Where facts go: the dataset, under this front end's conventions. Clang is unknown here.
 ///
 /// Sights:   every declaration seen is an accumulating sight, so names are counted once for each.
@@ -103,6 +116,11 @@ class FactSink {
   bool isOtherCall(dm::Function* caller, const dm::Function* callee,
                    const dm::Localization& at) const;
 
+  /// With all files so far as those that it has read.
+  void unit(const UnitFacts& facts);
+  /// The column takes no part.
+  void include(const dm::Localization& at, dm::File* included, dm::IncludeKind kind);
+
   static void refer(dm::Macro* macro);
   static void refer(dm::Type* type);
   static void referByTag(dm::Type* type);
@@ -112,6 +130,7 @@ class FactSink {
 
  private:
   dm::CompilationData& data;
+  std::vector<dm::File*> files;  ///< each once
 };
 
 }  // namespace fe_db_tools

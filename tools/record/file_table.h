@@ -24,6 +24,8 @@ class FileTable {
 
   /// Null for what is no file: predefined macros, the command line, pasted tokens.
   dm::File* file(clang::FileID id);
+  /// Null for one that has not been entered.
+  dm::File* known(const clang::FileEntry& entry) const { return byEntry.lookup(&entry); }
   /// `directive`: where the include is.
   void included(clang::SourceLocation directive, const clang::FileEntry& header,
                 bool isFoundInSystemDirectory);

@@ -10,6 +10,7 @@
 #include "clang/Lex/PPCallbacks.h"
 #include "clang/Lex/Preprocessor.h"
 #include "file_table.h"
+#include "include_table.h"
 #include "llvm/Support/Path.h"
 #include "macro_table.h"
 #include "macro_tracker.h"
@@ -20,7 +21,8 @@ namespace fe_db_tools {
 class PpRecorder::Impl {
  public:
   Impl(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
-      : files(files),
+      : sink(sink),
+        files(files),
         preprocessor(preprocessor),
         sources(preprocessor.getSourceManager()),
         printer(preprocessor),
@@ -31,9 +33,11 @@ class PpRecorder::Impl {
   bool isFromPredefines(const clang::Token& token);
   bool isNextToIncluder(clang::SourceLocation directive, llvm::StringRef directory) const;
 
+  FactSink& sink;
   FileTable& files;
   const clang::Preprocessor& preprocessor;
   const clang::SourceManager& sources;
+  IncludeTable includes;
   PpPrinter printer;
   MacroTable macros;
   MacroTracker tracker;
@@ -109,19 +113,22 @@ class Callbacks : public clang::PPCallbacks {
   }
 
 #if CLANG_VERSION_MAJOR >= 19
-  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
-                          bool isAngled, clang::CharSourceRange, clang::OptionalFileEntryRef header,
-                          llvm::StringRef directory, llvm::StringRef, const clang::Module*, bool,
+  void InclusionDirective(clang::SourceLocation at, const clang::Token& word, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange range,
+                          clang::OptionalFileEntryRef header, llvm::StringRef directory,
+                          llvm::StringRef, const clang::Module*, bool,
                           clang::SrcMgr::CharacteristicKind) override {
 #elif CLANG_VERSION_MAJOR >= 15
-  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
-                          bool isAngled, clang::CharSourceRange, clang::OptionalFileEntryRef header,
-                          llvm::StringRef directory, llvm::StringRef, const clang::Module*,
+  void InclusionDirective(clang::SourceLocation at, const clang::Token& word, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange range,
+                          clang::OptionalFileEntryRef header, llvm::StringRef directory,
+                          llvm::StringRef, const clang::Module*,
                           clang::SrcMgr::CharacteristicKind) override {
 #else
-  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
-                          bool isAngled, clang::CharSourceRange, const clang::FileEntry* header,
-                          llvm::StringRef directory, llvm::StringRef, const clang::Module*,
+  void InclusionDirective(clang::SourceLocation at, const clang::Token& word, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange range,
+                          const clang::FileEntry* header, llvm::StringRef directory,
+                          llvm::StringRef, const clang::Module*,
                           clang::SrcMgr::CharacteristicKind) override {
 #endif
     const clang::FileEntry* file = fileOf(header);
@@ -129,6 +136,7 @@ class Callbacks : public clang::PPCallbacks {
     const bool isByDirectory =
         !llvm::sys::path::is_absolute(name) && (isAngled || !impl.isNextToIncluder(at, directory));
     impl.files.included(at, *file, isByDirectory && wasFoundInSystemDirectory(header));
+    impl.includes.add(at, word, range.getBegin(), isAngled, *file);
   }
 
   void PragmaDirective(clang::SourceLocation at, clang::PragmaIntroducerKind introducer) override {
@@ -229,6 +237,7 @@ void PpRecorder::finish() {
   impl->tracker.flush();
   impl->printer.finish();
   impl->files.settleKinds();
+  impl->includes.record(impl->sink, impl->files, impl->files.file(impl->sources.getMainFileID()));
   impl->isFinished = true;
 }
 

@@ -46,6 +46,7 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
     arguments.push_back("--remove-arg=" + glob);
   }
   arguments.push_back("--compiler-answer=" + (unit.answer ? unit.answer->text() : ""));
+  if (!unit.object.empty()) arguments.push_back("--object=" + unit.object);
   arguments.push_back("--");
   const CompileCommand command = unit.command();
   arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
