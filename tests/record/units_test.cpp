@@ -124,20 +124,24 @@ TEST_P(UnitRow, NamesSourceObjectAndOptions) {
 
 INSTANTIATE_TEST_SUITE_P(
     Ways, UnitRow,
-    testing::Values(
-        Recorded{"FromADatabase", {"-p", "."}, "a.c|a.c||objects/a.o|system=referenced\n"},
-        Recorded{"NamedByOption",
-                 {"--system=all", "--", "gcc", "-c", "a.c", "-oa.obj"},
-                 "a.c|a.c||a.obj|system=all\n"},
-        Recorded{"NamedAfterTheSource",
-                 {"--", "gcc", "-c", "first/../a.c"},
-                 "first/../a.c|a.c||a.o|system=referenced\n"},
-        Recorded{"OfItsOwnProcess",
-                 {"--timeout=500", "--", "gcc", "-c", "a.c"},
-                 "a.c|a.c||a.o|system=referenced\n"},
-        Recorded{"Linked", {"--", "gcc", "a.c", "-o", "a"}, "a.c|a.c|||system=referenced\n"},
-        Recorded{
-            "OnlyChecked", {"--", "gcc", "-fsyntax-only", "a.c"}, "a.c|a.c|||system=referenced\n"}),
+    testing::Values(Recorded{"FromADatabase",
+                             {"-p", "."},
+                             "a.c|a.c||objects/a.o|references=all system=referenced\n"},
+                    Recorded{"NamedByOption",
+                             {"--system=all", "--", "gcc", "-c", "a.c", "-oa.obj"},
+                             "a.c|a.c||a.obj|references=all system=all\n"},
+                    Recorded{"NamedAfterTheSource",
+                             {"--", "gcc", "-c", "first/../a.c"},
+                             "first/../a.c|a.c||a.o|references=all system=referenced\n"},
+                    Recorded{"OfItsOwnProcess",
+                             {"--timeout=500", "--", "gcc", "-c", "a.c"},
+                             "a.c|a.c||a.o|references=all system=referenced\n"},
+                    Recorded{"Linked",
+                             {"--", "gcc", "a.c", "-o", "a"},
+                             "a.c|a.c|||references=all system=referenced\n"},
+                    Recorded{"OnlyChecked",
+                             {"--", "gcc", "-fsyntax-only", "a.c"},
+                             "a.c|a.c|||references=all system=referenced\n"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 /// The same contents, wherever they are, and nothing else.

@@ -16,7 +16,11 @@ enum class SystemFacts {
   all,
 };
 
+/// Whether the places of references are recorded, or only their number.
+enum class ReferenceFacts { none, all };
+
 /// Records what the syntax tree of a whole unit shows: declarations, references, calls.
-void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system);
+void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system,
+               ReferenceFacts references);
 
 }  // namespace fe_db_tools

@@ -50,7 +50,7 @@ class RecordConsumer : public clang::ASTConsumer {
     parse.diagnostics.settle();
     if (parse.diagnostics.getNumErrors() != 0 && !parse.options.keepGoing) return;
     parse.preprocessing->finish();
-    recordAst(parse.sink, *parse.files, context, parse.options.system);
+    recordAst(parse.sink, *parse.files, context, parse.options.system, parse.options.references);
     parse.preprocessing->recordMacroValues(context);
     parse.isDone = true;
   }
@@ -100,7 +100,8 @@ class RecordAction : public clang::ASTFrontendAction {
     }
     const auto language = compiler.getLangOpts().CPlusPlus ? kinds::kCpp : kinds::kC;
     parse.files.emplace(parse.sink, compiler.getSourceManager(), language);
-    parse.preprocessing.emplace(parse.sink, *parse.files, compiler.getPreprocessor());
+    parse.preprocessing.emplace(parse.sink, *parse.files, compiler.getPreprocessor(),
+                                parse.options.system, parse.options.references);
     return std::make_unique<RecordConsumer>(parse);
   }
 

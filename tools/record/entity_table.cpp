@@ -123,11 +123,29 @@ dm::Field* EntityTable::field(const clang::FieldDecl& declaration) {
   return known->second = at.file == nullptr ? nullptr : sink.field(name, at);
 }
 
-void EntityTable::enumConstant(const clang::EnumConstantDecl& declaration) {
+dm::EnumConstant* EntityTable::enumConstant(const clang::EnumConstantDecl& declaration) {
   const clang::SourceLocation at = declaration.getLocation();
-  if (enumConstants.insert(at.getRawEncoding()).second) {
-    sink.enumConstant(nameOf(declaration), files.locate(at));
+  const auto [known, isNew] = enumConstants.try_emplace(at.getRawEncoding());
+  if (isNew) known->second = sink.enumConstant(nameOf(declaration), files.locate(at));
+  return known->second;
+}
+
+void EntityTable::label(const clang::LabelDecl& declaration) {
+  labels[&declaration] =
+      sink.label(nameOf(declaration), files.locate(declaration.getStmt()->getIdentLoc()));
+}
+
+dm::EntityReference EntityTable::known(const clang::NamedDecl& declaration) {
+  if (const auto* function = llvm::dyn_cast<clang::FunctionDecl>(&declaration)) {
+    return functions.lookup(&writtenFunction(*function));
   }
+  if (const auto* field = llvm::dyn_cast<clang::FieldDecl>(&declaration)) {
+    return fields.lookup({field->getLocation().getRawEncoding(), field->getIdentifier()});
+  }
+  if (const auto* label = llvm::dyn_cast<clang::LabelDecl>(&declaration)) {
+    return labels.lookup(label);
+  }
+  return {};
 }
 
 const clang::ValueDecl* EntityTable::withLinkerName(std::string_view name) {

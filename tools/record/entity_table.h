@@ -5,7 +5,6 @@
 
 #include "fact_sink.h"
 #include "llvm/ADT/DenseMap.h"
-#include "llvm/ADT/DenseSet.h"
 #include "type_table.h"
 #include "unique_name.h"
 
@@ -14,15 +13,17 @@ class EnumConstantDecl;
 class FieldDecl;
 class FunctionDecl;
 class IdentifierInfo;
+class LabelDecl;
+class NamedDecl;
 class ValueDecl;
 class VarDecl;
 }  // namespace clang
 
 namespace fe_db_tools {
 
-/// Functions, variables and fields of the unit: Clang's declarations to elements of the dataset,
-/// recorded on first sight. A declaration and a definition are two elements. What is instantiated
-/// from a template counts as the template.
+/// Functions, variables, fields, enum constants and labels of the unit: Clang's declarations to
+/// elements of the dataset, recorded on first sight. A declaration and a definition are two
+/// elements. What is instantiated from a template counts as the template.
 class EntityTable {
  public:
   EntityTable(FactSink& sink, FileTable& files, TypeTable& types, clang::ASTContext& context)
@@ -34,7 +35,11 @@ class EntityTable {
   dm::Variable* variable(const clang::ValueDecl& declaration);
   /// Null without a name.
   dm::Field* field(const clang::FieldDecl& declaration);
-  void enumConstant(const clang::EnumConstantDecl& declaration);
+  dm::EnumConstant* enumConstant(const clang::EnumConstantDecl& declaration);
+  void label(const clang::LabelDecl& declaration);
+
+  /// The element of a function, field or label, if one of these operations has recorded it.
+  dm::EntityReference known(const clang::NamedDecl& declaration);
 
   /// Its definition, if there is one; null for what no function() or variable() was.
   const clang::ValueDecl* withLinkerName(std::string_view name);
@@ -56,7 +61,8 @@ class EntityTable {
   llvm::DenseMap<const clang::ValueDecl*, dm::Variable*> variables;
   // An instantiation has the place of its template.
   llvm::DenseMap<std::pair<unsigned, const clang::IdentifierInfo*>, dm::Field*> fields;
-  llvm::DenseSet<unsigned> enumConstants;
+  llvm::DenseMap<unsigned, dm::EnumConstant*> enumConstants;
+  llvm::DenseMap<const clang::LabelDecl*, dm::Label*> labels;
   llvm::DenseMap<unsigned, const clang::FunctionDecl*> lambdas;  ///< first call operators
 };
 

@@ -103,12 +103,12 @@ dm::Field* FactSink::field(std::string_view name, const dm::Localization& at) {
   return &data.emplaceField(name, at, kAccumulate, /*refCount=*/0);
 }
 
-void FactSink::enumConstant(std::string_view name, const dm::Localization& at) {
-  data.emplaceEnumConstant(name, at, kAccumulate);
+dm::EnumConstant* FactSink::enumConstant(std::string_view name, const dm::Localization& at) {
+  return data.emplaceEnumConstant(name, at, kAccumulate);
 }
 
-void FactSink::label(std::string_view name, const dm::Localization& at) {
-  data.emplaceLabel(name, at, kAccumulate);
+dm::Label* FactSink::label(std::string_view name, const dm::Localization& at) {
+  return data.emplaceLabel(name, at, kAccumulate);
 }
 
 void FactSink::call(dm::Function* caller, dm::Function* callee, const dm::Localization& at,
@@ -135,6 +135,11 @@ void FactSink::unit(const UnitFacts& facts) {
 
 void FactSink::include(const dm::Localization& at, dm::File* included, dm::IncludeKind kind) {
   data.emplaceInclude(at.file, at.line, included, kind);
+}
+
+void FactSink::reference(const dm::EntityReference& entity, const dm::Localization& at,
+                         dm::ReferenceRoles roles) {
+  if (at.file != nullptr) data.emplaceReference(entity, at, roles);
 }
 
 void FactSink::refer(dm::Macro* macro) { count(macro); }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fe_db/entity_reference.h"
 #include "fe_db/function.h"
 #include "fe_db/localization.h"
 #include "fe_db/macro.h"
@@ -108,8 +109,8 @@ class FactSink {
   void externalName(std::string_view name, dm::Variable* variable);
   void externalName(std::string_view name, dm::Function* function);
   dm::Field* field(std::string_view name, const dm::Localization& at);
-  void enumConstant(std::string_view name, const dm::Localization& at);
-  void label(std::string_view name, const dm::Localization& at);
+  dm::EnumConstant* enumConstant(std::string_view name, const dm::Localization& at);
+  dm::Label* label(std::string_view name, const dm::Localization& at);
   void call(dm::Function* caller, dm::Function* callee, const dm::Localization& at,
             bool isValueUsed);
   /// Whether the caller calls another function there.
@@ -120,6 +121,10 @@ class FactSink {
   void unit(const UnitFacts& facts);
   /// The column takes no part.
   void include(const dm::Localization& at, dm::File* included, dm::IncludeKind kind);
+
+  /// Roles of repeats are united. Ignored without a file.
+  void reference(const dm::EntityReference& entity, const dm::Localization& at,
+                 dm::ReferenceRoles roles);
 
   static void refer(dm::Macro* macro);
   static void refer(dm::Type* type);

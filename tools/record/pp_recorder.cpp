@@ -12,6 +12,7 @@
 #include "file_table.h"
 #include "include_table.h"
 #include "llvm/Support/Path.h"
+#include "macro_references.h"
 #include "macro_table.h"
 #include "macro_tracker.h"
 #include "pp_printer.h"
@@ -20,9 +21,12 @@ namespace fe_db_tools {
 
 class PpRecorder::Impl {
  public:
-  Impl(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
+  Impl(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor, SystemFacts system,
+       ReferenceFacts referenceFacts)
       : sink(sink),
         files(files),
+        system(system),
+        hasReferences(referenceFacts == ReferenceFacts::all),
         preprocessor(preprocessor),
         sources(preprocessor.getSourceManager()),
         printer(preprocessor),
@@ -35,9 +39,12 @@ class PpRecorder::Impl {
 
   FactSink& sink;
   FileTable& files;
+  const SystemFacts system;
+  const bool hasReferences;
   const clang::Preprocessor& preprocessor;
   const clang::SourceManager& sources;
   IncludeTable includes;
+  MacroReferences references;
   PpPrinter printer;
   MacroTable macros;
   MacroTracker tracker;
@@ -161,6 +168,7 @@ class Callbacks : public clang::PPCallbacks {
                       const clang::MacroDirective*) override {
     if (const clang::MacroInfo* known = definition.getMacroInfo()) {
       impl.macros.undefined(*name.getIdentifierInfo(), *known);
+      note(name, *known, Roles::Conditional);
     }
   }
 
@@ -169,41 +177,54 @@ class Callbacks : public clang::PPCallbacks {
     if (impl.isFinished) return;
     // An operator, whatever Clang makes of it.
     if (name.getIdentifierInfo()->isStr("_Pragma")) return;
-    if (dm::Macro* macro = refer(name, definition)) {
+    const bool isAsked = impl.preprocessor.isParsingIfOrElifDirective();
+    if (dm::Macro* macro =
+            refer(name, definition, isAsked ? Roles::Conditional : Roles::Expansion)) {
       impl.tracker.expands(macro, name.getLocation(), range);
     }
   }
 
   void Defined(const clang::Token& name, const clang::MacroDefinition& definition,
                clang::SourceRange) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   void Ifdef(clang::SourceLocation, const clang::Token& name,
              const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   void Ifndef(clang::SourceLocation, const clang::Token& name,
               const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   using clang::PPCallbacks::Elifdef;
   void Elifdef(clang::SourceLocation, const clang::Token& name,
                const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   using clang::PPCallbacks::Elifndef;
   void Elifndef(clang::SourceLocation, const clang::Token& name,
                 const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
 
  private:
+  using Roles = dm::ReferenceRoles;
+
   /// Null for a name that is no macro there.
-  dm::Macro* refer(const clang::Token& name, const clang::MacroDefinition& definition) {
+  dm::Macro* refer(const clang::Token& name, const clang::MacroDefinition& definition, Roles role) {
     const clang::MacroInfo* known = definition.getMacroInfo();
     if (known == nullptr) return nullptr;
-    dm::Macro* macro = impl.macros.macro(*name.getIdentifierInfo(), *known);
+    dm::Macro* macro = note(name, *known, role);
     FactSink::refer(macro);
+    return macro;
+  }
+
+  /// Without counting it.
+  dm::Macro* note(const clang::Token& name, const clang::MacroInfo& definition, Roles role) {
+    dm::Macro* macro = impl.macros.macro(*name.getIdentifierInfo(), definition);
+    if (impl.hasReferences) {
+      impl.references.add(macro, definition.getDefinitionLoc(), name.getLocation(), role);
+    }
     return macro;
   }
 
@@ -223,8 +244,9 @@ class Callbacks : public clang::PPCallbacks {
 
 }  // namespace
 
-PpRecorder::PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
-    : impl(std::make_unique<Impl>(sink, files, preprocessor)) {
+PpRecorder::PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor,
+                       SystemFacts system, ReferenceFacts references)
+    : impl(std::make_unique<Impl>(sink, files, preprocessor, system, references)) {
   preprocessor.addPPCallbacks(std::make_unique<Callbacks<Impl>>(*impl));
   preprocessor.setTokenWatcher([this](const clang::Token& token) {
     if (!impl->isFinished) impl->token(token);
@@ -238,6 +260,7 @@ void PpRecorder::finish() {
   impl->printer.finish();
   impl->files.settleKinds();
   impl->includes.record(impl->sink, impl->files, impl->files.file(impl->sources.getMainFileID()));
+  impl->references.record(impl->sink, impl->files, impl->system);
   impl->isFinished = true;
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "ast_recorder.h"
 #include "fact_sink.h"
 
 namespace clang {
@@ -18,7 +19,8 @@ class FileTable;
 /// REQUIRES: made before the main file is entered; lives as long as the preprocessor works.
 class PpRecorder {
  public:
-  PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor);
+  PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor,
+             SystemFacts system, ReferenceFacts references);
   ~PpRecorder();
 
   /// At the end of the unit: what still waits for a token gets none.

@@ -9,7 +9,9 @@
 namespace fe_db_tools {
 
 std::string optionsText(const ParseOptions& options) {
-  return options.system == SystemFacts::all ? "system=all" : "system=referenced";
+  const std::string references =
+      options.references == ReferenceFacts::all ? "references=all" : "references=none";
+  return references + (options.system == SystemFacts::all ? " system=all" : " system=referenced");
 }
 
 void recordUnitFacts(FactSink& sink, const Unit& unit, const ParseOptions& options,

@@ -32,6 +32,8 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
   std::vector<std::string> arguments{"fe_db_record", "--output", options.outputDirectory};
   arguments.push_back(options.parse.system == SystemFacts::all ? "--system=all"
                                                                : "--system=referenced");
+  arguments.push_back(options.parse.references == ReferenceFacts::all ? "--references=all"
+                                                                      : "--references=none");
   if (options.keepPreprocessed) arguments.push_back("--keep-preprocessed");
   if (options.parse.keepGoing) arguments.push_back("--keep-going");
   if (!options.name.empty()) arguments.push_back("--name=" + options.name);
