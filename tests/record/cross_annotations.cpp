@@ -48,11 +48,10 @@ constexpr char kReferences[] =
     " (f.FileId IS NOT NULL OR EKind <> 1)";
 
 constexpr char kProperties[] =
-    "SELECT Line, Col, length(EName), Flags, EName || iif(Scope = '', '', ' in ' ||"
-    " Scope) || ifnull(' of ' || o.EName, '') FROM Property JOIN Entity ON EKind = EntityKind AND"
-    " Id = EntityId JOIN File ON FileId = EFile LEFT JOIN Entity o ON o.EKind = 1 AND o.Id = "
-    "OwnerId"
-    " WHERE Path = ?1";
+    "SELECT e.Line, e.Col, length(e.EName), Flags, e.EName || iif(Scope = '', '', ' in ' || Scope)"
+    " || ifnull(' of ' || o.EName, '') FROM Property JOIN Entity e ON e.EKind = EntityKind AND"
+    " e.Id = EntityId JOIN File ON FileId = e.EFile LEFT JOIN Entity o ON o.EKind = 1 AND"
+    " o.Id = OwnerId WHERE Path = ?1";
 
 template <std::size_t count>
 std::string words(std::uint64_t mask, const char* const (&names)[count]) {

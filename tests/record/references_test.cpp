@@ -82,6 +82,29 @@ INSTANTIATE_TEST_SUITE_P(System, WithAndWithout,
                            return std::string(test.param).substr(sizeof "--system=" - 1);
                          });
 
+/// Flags that need headers: 256 an include guard, 2147483648 named in excluded text.
+TEST_F(References, HeadersAreReadEachTimeForWhatTheyLeaveOut) {
+  write("guarded.h", "#ifndef GUARDED\n#define GUARDED\nint in_guarded;\n#endif\n");
+  write("part.h",
+        "#ifdef FIRST\nint first(int always);\n#else\nint second;\n#endif\n"
+        "#if 0\nint always;\n#endif\n");
+  write("late.h", ";\n#ifndef LATE\n#define LATE\nint late();\n#endif\n");
+  write("sys/sys.h", "#if 0\nint late_too;\n#endif\n");
+  write("unit.cpp",
+        "#include \"guarded.h\"\n#include \"guarded.h\"\n#include \"late.h\"\n"
+        "#include \"late.h\"\n#define FIRST\n#include \"part.h\"\n#undef FIRST\n"
+        "#include \"part.h\"\n#include <sys.h>\nint always, late_too;\n");
+  recordWith({});
+  EXPECT_EQ(rows(outputEnding(".comp.db"),
+                 "SELECT Name, Flags FROM Property JOIN Variable ON EntityKind = 4 AND EntityId ="
+                 " VariableId JOIN Identifier USING (IdentifierId) ORDER BY 1"),
+            "always|2147483648\nin_guarded|0\nlate_too|0\nsecond|0\n");
+  EXPECT_EQ(rows(outputEnding(".comp.db"),
+                 "SELECT Name, Flags FROM Property JOIN Macro ON EntityKind = 8 AND EntityId ="
+                 " MacroId JOIN Identifier USING (IdentifierId) WHERE Flags <> 0 ORDER BY 1"),
+            "FIRST|536870912\nGUARDED|256\n");
+}
+
 }  // namespace
 
 }  // namespace fe_db_tests

@@ -8,6 +8,7 @@
 #include "file_table.h"
 #include "implicit_calls.h"
 #include "instantiation_walk.h"
+#include "properties.h"
 #include "reference_visitor.h"
 #include "references.h"
 #include "type_table.h"
@@ -292,13 +293,14 @@ void AstRecorder::recordEffects() {
 
 }  // namespace
 
-void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system,
-               ReferenceFacts referenceFacts) {
-  TypeTable types(sink, files, context);
-  EntityTable entities(sink, files, types, context);
+void recordAst(FactSink& sink, FileTable& files, Properties& properties, clang::ASTContext& context,
+               SystemFacts system, ReferenceFacts referenceFacts) {
+  TypeTable types(sink, files, properties, context);
+  EntityTable entities(sink, files, types, properties, context);
   References references(sink, files, types, entities, context, referenceFacts);
   AstRecorder recorder(sink, files, types, entities, references, context, system);
   recorder.recordUnit();
+  properties.record(types, entities);
   // Of a body with errors parts are missing.
   if (!context.getDiagnostics().hasErrorOccurred()) recorder.recordEffects();
 }

@@ -9,6 +9,7 @@ class ASTContext;
 namespace fe_db_tools {
 
 class FileTable;
+class Properties;
 
 /// Of which declarations facts are recorded.
 enum class SystemFacts {
@@ -20,7 +21,8 @@ enum class SystemFacts {
 enum class ReferenceFacts { none, all };
 
 /// Records what the syntax tree of a whole unit shows: declarations, references, calls.
-void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system,
-               ReferenceFacts references);
+/// REQUIRES: preprocessing is recorded.
+void recordAst(FactSink& sink, FileTable& files, Properties& properties, clang::ASTContext& context,
+               SystemFacts system, ReferenceFacts references);
 
 }  // namespace fe_db_tools

@@ -21,13 +21,16 @@ class VarDecl;
 
 namespace fe_db_tools {
 
+class Properties;
+
 /// Functions, variables, fields, enum constants and labels of the unit: Clang's declarations to
 /// elements of the dataset, recorded on first sight. A declaration and a definition are two
 /// elements. What is instantiated from a template counts as the template.
 class EntityTable {
  public:
-  EntityTable(FactSink& sink, FileTable& files, TypeTable& types, clang::ASTContext& context)
-      : sink(sink), files(files), types(types), names(context, files) {}
+  EntityTable(FactSink& sink, FileTable& files, TypeTable& types, Properties& properties,
+              clang::ASTContext& context)
+      : sink(sink), files(files), types(types), properties(properties), names(context, files) {}
 
   /// Null for what the compiler made without a place in the source.
   dm::Function* function(const clang::FunctionDecl& declaration);
@@ -56,6 +59,7 @@ class EntityTable {
   FactSink& sink;
   FileTable& files;
   TypeTable& types;
+  Properties& properties;
   UniqueNames names;
   Functions functions;
   llvm::DenseMap<const clang::ValueDecl*, dm::Variable*> variables;

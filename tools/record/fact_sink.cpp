@@ -142,6 +142,11 @@ void FactSink::reference(const dm::EntityReference& entity, const dm::Localizati
   if (at.file != nullptr) data.emplaceReference(entity, at, roles);
 }
 
+void FactSink::property(const dm::EntityReference& entity, dm::PropertyFlags flags, dm::Type* owner,
+                        std::string_view scope) {
+  data.emplaceProperty(entity, flags, owner, scope);
+}
+
 void FactSink::refer(dm::Macro* macro) { count(macro); }
 void FactSink::refer(dm::Type* type) { count(type); }
 void FactSink::refer(dm::Variable* variable) { count(variable); }

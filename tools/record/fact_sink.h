@@ -126,6 +126,10 @@ class FactSink {
   void reference(const dm::EntityReference& entity, const dm::Localization& at,
                  dm::ReferenceRoles roles);
 
+  /// Once for each entity.
+  void property(const dm::EntityReference& entity, dm::PropertyFlags flags, dm::Type* owner,
+                std::string_view scope);
+
   static void refer(dm::Macro* macro);
   static void refer(dm::Type* type);
   static void referByTag(dm::Type* type);

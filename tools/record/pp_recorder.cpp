@@ -16,15 +16,17 @@
 #include "macro_table.h"
 #include "macro_tracker.h"
 #include "pp_printer.h"
+#include "properties.h"
 
 namespace fe_db_tools {
 
 class PpRecorder::Impl {
  public:
-  Impl(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor, SystemFacts system,
-       ReferenceFacts referenceFacts)
+  Impl(FactSink& sink, FileTable& files, Properties& properties, clang::Preprocessor& preprocessor,
+       SystemFacts system, ReferenceFacts referenceFacts)
       : sink(sink),
         files(files),
+        properties(properties),
         system(system),
         hasReferences(referenceFacts == ReferenceFacts::all),
         preprocessor(preprocessor),
@@ -39,6 +41,7 @@ class PpRecorder::Impl {
 
   FactSink& sink;
   FileTable& files;
+  Properties& properties;
   const SystemFacts system;
   const bool hasReferences;
   const clang::Preprocessor& preprocessor;
@@ -115,7 +118,7 @@ class Callbacks : public clang::PPCallbacks {
                    clang::SrcMgr::CharacteristicKind kind, clang::FileID) override {
     impl.tracker.flush();
     const clang::FileID file = impl.sources.getFileID(impl.sources.getFileLoc(at));
-    if (reason == EnterFile) impl.files.file(file);
+    if (reason == EnterFile) entered(file);
     impl.printer.fileChanged(at, reason, kind);
   }
 
@@ -144,6 +147,10 @@ class Callbacks : public clang::PPCallbacks {
         !llvm::sys::path::is_absolute(name) && (isAngled || !impl.isNextToIncluder(at, directory));
     impl.files.included(at, *file, isByDirectory && wasFoundInSystemDirectory(header));
     impl.includes.add(at, word, range.getBegin(), isAngled, *file);
+  }
+
+  void SourceRangeSkipped(clang::SourceRange range, clang::SourceLocation end) override {
+    impl.properties.excludedText().skipped(impl.sources, range.getBegin(), end);
   }
 
   void PragmaDirective(clang::SourceLocation at, clang::PragmaIntroducerKind introducer) override {
@@ -210,6 +217,13 @@ class Callbacks : public clang::PPCallbacks {
  private:
   using Roles = dm::ReferenceRoles;
 
+  void entered(clang::FileID file) {
+    impl.files.file(file);
+    if (const auto entry = impl.sources.getFileEntryRefForID(file)) {
+      impl.properties.excludedText().entered(entry->getFileEntry(), file);
+    }
+  }
+
   /// Null for a name that is no macro there.
   dm::Macro* refer(const clang::Token& name, const clang::MacroDefinition& definition, Roles role) {
     const clang::MacroInfo* known = definition.getMacroInfo();
@@ -244,9 +258,10 @@ class Callbacks : public clang::PPCallbacks {
 
 }  // namespace
 
-PpRecorder::PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor,
-                       SystemFacts system, ReferenceFacts references)
-    : impl(std::make_unique<Impl>(sink, files, preprocessor, system, references)) {
+PpRecorder::PpRecorder(FactSink& sink, FileTable& files, Properties& properties,
+                       clang::Preprocessor& preprocessor, SystemFacts system,
+                       ReferenceFacts references)
+    : impl(std::make_unique<Impl>(sink, files, properties, preprocessor, system, references)) {
   preprocessor.addPPCallbacks(std::make_unique<Callbacks<Impl>>(*impl));
   preprocessor.setTokenWatcher([this](const clang::Token& token) {
     if (!impl->isFinished) impl->token(token);
@@ -260,6 +275,9 @@ void PpRecorder::finish() {
   impl->printer.finish();
   impl->files.settleKinds();
   impl->includes.record(impl->sink, impl->files, impl->files.file(impl->sources.getMainFileID()));
+  impl->properties.excludedText().read(impl->sources, impl->preprocessor.getLangOpts(), impl->files,
+                                       impl->system);
+  impl->macros.recordProperties(impl->properties);
   impl->references.record(impl->sink, impl->files, impl->system);
   impl->isFinished = true;
 }
