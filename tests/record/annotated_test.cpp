@@ -1,4 +1,5 @@
 #include "record/annotations.h"
+#include "record/cross_annotations.h"
 #include "record/record_fixture.h"
 
 namespace fe_db_tests {
@@ -7,7 +8,22 @@ namespace {
 
 /// Each source in snapshots/ carries what is recorded of it. With FE_DB_UPDATE_SNAPSHOTS set, the
 /// sources are rewritten; read the difference as code.
-class AnnotatedSource : public RecordTest, public testing::WithParamInterface<std::string> {};
+class AnnotatedSource : public RecordTest, public testing::WithParamInterface<std::string> {
+ protected:
+  /// Of a source that begins with `// References` or `// Properties` only these.
+  std::vector<Annotation> annotations(const std::string& source) const {
+    const std::string facts = outputEnding(".comp.db");
+    const std::string path = (sources() / GetParam()).string();
+    if (source.starts_with("// References")) {
+      return readCrossAnnotations(facts, path, CrossFacts::references);
+    }
+    if (source.starts_with("// Properties")) {
+      return readCrossAnnotations(facts, path, CrossFacts::properties);
+    }
+    return readAnnotations(outputEnding(".pp.db"), facts, path, sources().string(),
+                           readFile(outputEnding(".i")));
+  }
+};
 
 std::vector<std::string> snapshotNames() {
   std::vector<std::string> names;
@@ -30,10 +46,7 @@ TEST_P(AnnotatedSource, IsRecordedAsItsAnnotationsSay) {
   command.insert(command.end(), {"-DFROM_COMMAND_LINE=7", "-c", GetParam()});
   recordQuietly(command);
 
-  const std::string actual =
-      annotate(source, readAnnotations(outputEnding(".pp.db"), outputEnding(".comp.db"),
-                                       (sources() / GetParam()).string(), sources().string(),
-                                       readFile(outputEnding(".i"))));
+  const std::string actual = annotate(source, annotations(source));
   if (std::getenv("FE_DB_UPDATE_SNAPSHOTS") != nullptr) {
     std::ofstream(snapshot, std::ios::binary) << actual;
   } else {

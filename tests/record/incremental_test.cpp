@@ -79,6 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Change{"HalfAManifest", "sed -i '/^missing/d; /^end/d' ../out/*.manifest",
                            true},
                     Change{"Option", "true", true, {"--system=all"}},
+                    Change{"References", "true", true, {"--references=none"}},
                     Change{"MoreFiles", "true", true, {"--keep-preprocessed"}},
                     Change{"Force", "true", true, {"--force"}}),
     caseName);

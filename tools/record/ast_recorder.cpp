@@ -8,6 +8,7 @@
 #include "file_table.h"
 #include "implicit_calls.h"
 #include "instantiation_walk.h"
+#include "properties.h"
 #include "reference_visitor.h"
 #include "references.h"
 #include "type_table.h"
@@ -43,13 +44,12 @@ class AstRecorder : public ReferenceVisitor<AstRecorder> {
  public:
   AstRecorder(FactSink& sink, FileTable& files, TypeTable& types, EntityTable& entities,
               References& references, clang::ASTContext& context, SystemFacts system)
-      : Base(references),
+      : Base(references, context),
         sink(sink),
         files(files),
         types(types),
         entities(entities),
-        unevaluated(context),
-        implicitCalls(sink, files, entities, context),
+        implicitCalls(sink, files, entities, references, context),
         system(system),
         context(context) {}
 
@@ -67,8 +67,6 @@ class AstRecorder : public ReferenceVisitor<AstRecorder> {
   bool TraverseAttr(clang::Attr* attribute);
   bool dataTraverseStmtPre(clang::Stmt* statement);
   bool dataTraverseStmtPost(clang::Stmt* statement);
-  bool VisitDecltypeTypeLoc(clang::DecltypeTypeLoc at);
-  bool VisitTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at);
 
   // --- Declarations.
 
@@ -96,7 +94,6 @@ class AstRecorder : public ReferenceVisitor<AstRecorder> {
   TypeTable& types;
   EntityTable& entities;
   ValueUse values;
-  Unevaluated unevaluated;
   ImplicitCalls implicitCalls;
   SystemFacts system;
   clang::ASTContext& context;
@@ -161,22 +158,12 @@ bool AstRecorder::TraverseAttr(clang::Attr* attribute) {
 
 bool AstRecorder::dataTraverseStmtPre(clang::Stmt* statement) {
   if (unevaluated.contains(statement)) callers.push_back(nullptr);
-  return true;
+  return Base::dataTraverseStmtPre(statement);
 }
 
 bool AstRecorder::dataTraverseStmtPost(clang::Stmt* statement) {
   if (unevaluated.contains(statement)) callers.pop_back();
-  return true;
-}
-
-bool AstRecorder::VisitDecltypeTypeLoc(clang::DecltypeTypeLoc at) {
-  unevaluated.add(at.getUnderlyingExpr());
-  return true;
-}
-
-bool AstRecorder::VisitTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at) {
-  if (!at.getType()->isVariablyModifiedType()) unevaluated.add(at.getUnderlyingExpr());
-  return true;
+  return Base::dataTraverseStmtPost(statement);
 }
 
 // --- Declarations.
@@ -192,6 +179,7 @@ bool AstRecorder::VisitTypedefNameDecl(clang::TypedefNameDecl* declaration) {
 }
 
 bool AstRecorder::VisitVarDecl(clang::VarDecl* declaration) {
+  Base::VisitVarDecl(declaration);
   if (declaration->isImplicit()) return true;
   if (llvm::isa<clang::ParmVarDecl>(declaration)) {
     // Parameters of a mere declaration are documentation.
@@ -226,8 +214,7 @@ bool AstRecorder::VisitEnumConstantDecl(clang::EnumConstantDecl* declaration) {
 }
 
 bool AstRecorder::VisitLabelStmt(clang::LabelStmt* label) {
-  const llvm::StringRef name = label->getDecl()->getName();
-  sink.label({name.data(), name.size()}, files.locate(label->getIdentLoc()));
+  entities.label(*label->getDecl());
   return true;
 }
 
@@ -235,7 +222,7 @@ bool AstRecorder::VisitLabelStmt(clang::LabelStmt* label) {
 
 bool AstRecorder::VisitStmt(clang::Stmt* statement) {
   values.enter(*statement);
-  unevaluated.enter(*statement);
+  Base::VisitStmt(statement);
   if (context.getLangOpts().CPlusPlus) implicitCalls.enter(*statement, callers.back());
   return true;
 }
@@ -280,6 +267,7 @@ void AstRecorder::recordUnit() {
   }
   implicitCalls.record();
   references.resolveLinkerNames();
+  references.record();
 }
 
 void AstRecorder::recordEffects() {
@@ -305,12 +293,14 @@ void AstRecorder::recordEffects() {
 
 }  // namespace
 
-void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system) {
-  TypeTable types(sink, files, context);
-  EntityTable entities(sink, files, types, context);
-  References references(files, types, entities, context, system);
+void recordAst(FactSink& sink, FileTable& files, Properties& properties, clang::ASTContext& context,
+               SystemFacts system, ReferenceFacts referenceFacts) {
+  TypeTable types(sink, files, properties, context);
+  EntityTable entities(sink, files, types, properties, context);
+  References references(sink, files, types, entities, context, system, referenceFacts);
   AstRecorder recorder(sink, files, types, entities, references, context, system);
   recorder.recordUnit();
+  properties.record(types, entities);
   // Of a body with errors parts are missing.
   if (!context.getDiagnostics().hasErrorOccurred()) recorder.recordEffects();
 }

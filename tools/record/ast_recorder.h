@@ -9,6 +9,7 @@ class ASTContext;
 namespace fe_db_tools {
 
 class FileTable;
+class Properties;
 
 /// Of which declarations facts are recorded.
 enum class SystemFacts {
@@ -16,7 +17,12 @@ enum class SystemFacts {
   all,
 };
 
+/// Whether the places of references are recorded, or only their number.
+enum class ReferenceFacts { none, all };
+
 /// Records what the syntax tree of a whole unit shows: declarations, references, calls.
-void recordAst(FactSink& sink, FileTable& files, clang::ASTContext& context, SystemFacts system);
+/// REQUIRES: preprocessing is recorded.
+void recordAst(FactSink& sink, FileTable& files, Properties& properties, clang::ASTContext& context,
+               SystemFacts system, ReferenceFacts references);
 
 }  // namespace fe_db_tools

@@ -13,6 +13,7 @@
 #include "compiler_answer.h"
 #include "file_table.h"
 #include "pp_recorder.h"
+#include "properties.h"
 #include "unit.h"
 #include "unit_diagnostics.h"
 #include "watched_files.h"
@@ -28,6 +29,7 @@ struct Parse {
   const ParseOptions& options;
   UnitDiagnostics diagnostics = {};
   std::optional<FileTable> files = {};
+  std::optional<Properties> properties = {};
   std::optional<PpRecorder> preprocessing = {};
   std::string problem = {};
   bool isDone = false;
@@ -50,7 +52,8 @@ class RecordConsumer : public clang::ASTConsumer {
     parse.diagnostics.settle();
     if (parse.diagnostics.getNumErrors() != 0 && !parse.options.keepGoing) return;
     parse.preprocessing->finish();
-    recordAst(parse.sink, *parse.files, context, parse.options.system);
+    recordAst(parse.sink, *parse.files, *parse.properties, context, parse.options.system,
+              parse.options.references);
     parse.preprocessing->recordMacroValues(context);
     parse.isDone = true;
   }
@@ -100,7 +103,11 @@ class RecordAction : public clang::ASTFrontendAction {
     }
     const auto language = compiler.getLangOpts().CPlusPlus ? kinds::kCpp : kinds::kC;
     parse.files.emplace(parse.sink, compiler.getSourceManager(), language);
-    parse.preprocessing.emplace(parse.sink, *parse.files, compiler.getPreprocessor());
+    parse.properties.emplace(parse.sink, *parse.files, compiler.getSourceManager(),
+                             compiler.getLangOpts().CPlusPlus != 0);
+    parse.preprocessing.emplace(parse.sink, *parse.files, *parse.properties,
+                                compiler.getPreprocessor(), parse.options.system,
+                                parse.options.references);
     return std::make_unique<RecordConsumer>(parse);
   }
 

@@ -13,6 +13,7 @@ struct Unit;
 
 struct ParseOptions {
   SystemFacts system = SystemFacts::referenced;
+  ReferenceFacts references = ReferenceFacts::all;
   std::string resourceDirectory;              ///< with the compiler's own headers; empty: as built
   bool keepGoing = false;                     ///< record what can be had of a source with errors
   std::vector<std::string> extraArguments;    ///< for Clang alone, after all others

@@ -61,6 +61,15 @@ void addOptions(CLI::App& app, CommandLine& result) {
          "Declarations in system headers: those that user code refers to (so unless set), or all")
       ->type_name("WHICH")
       ->check(CLI::IsMember({"referenced", "all"}));
+  app.add_option_function<std::string>(
+         "--references",
+         [&result](const std::string& which) {
+           result.record.parse.references =
+               which == "all" ? ReferenceFacts::all : ReferenceFacts::none;
+         },
+         "The place of each reference: all of them, so unless set, or none")
+      ->type_name("WHICH")
+      ->check(CLI::IsMember({"all", "none"}));
   app.add_flag(
       "--keep-preprocessed", result.record.keepPreprocessed,
       "Also write DIR/<unit>.i, the text that the preprocessed lines and columns refer to");
@@ -88,6 +97,7 @@ void addOptions(CLI::App& app, CommandLine& result) {
   // What the files of one unit are called, for the processes that this program starts.
   app.add_option("--name", result.record.name)->group("");
   app.add_option("--compiler-answer", result.compilerAnswer)->group("");
+  app.add_option("--object", result.object)->group("");
 }
 
 /// Parses options as a shell has split them. The parser takes a word that begins with a hyphen for

@@ -17,6 +17,8 @@ struct CommandLine {
   std::vector<std::string> command;  ///< after --, or all of a launcher's
   /// For the processes that this program starts: what the compiler has answered. Unset: ask it.
   std::optional<std::string> compilerAnswer;
+  /// For them, too: what their commands, which are cleaned, no longer say.
+  std::optional<std::string> object;
   bool prune = false;
   bool isLauncher = false;
   std::string launcherProblem;  ///< why a launcher cannot record; the command is run all the same

@@ -6,6 +6,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "product.h"
 #include "shell_words.h"
 
 namespace fe_db_tools {
@@ -48,6 +49,7 @@ void addEntry(const Entry& entry, std::set<std::string>& names, CompileDatabase&
     return;
   }
   Unit unit{entry.command.directory, source, clean.flags, clean.compiler};
+  unit.object = objectOf(entry.command, source);
   if (names.insert(unit.name()).second) database.units.push_back(std::move(unit));
 }
 

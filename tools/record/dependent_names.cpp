@@ -87,7 +87,8 @@ class DependentNames : public clang::RecursiveASTVisitor<DependentNames> {
     if (const auto* named = llvm::dyn_cast_or_null<clang::TypeDecl>(member)) {
       references.toTypeDeclaration(*named, place);
     } else if (const auto* value = llvm::dyn_cast_or_null<clang::ValueDecl>(member)) {
-      references.toValue(*value, place);
+      references.toValue(*value, place,
+                         dm::ReferenceRoles::Read | dm::ReferenceRoles::NotEvaluated);
     }
   }
 

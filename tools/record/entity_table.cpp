@@ -4,6 +4,7 @@
 #include "clang/AST/DeclCXX.h"
 #include "clang/AST/DeclTemplate.h"
 #include "file_table.h"
+#include "properties.h"
 
 namespace fe_db_tools {
 
@@ -80,6 +81,7 @@ dm::Function* EntityTable::addFunction(const clang::FunctionDecl& declaration) {
        .isDefined = declaration.isThisDeclarationADefinition() && !declaration.isDeleted(),
        .isSpecial = isSpecial(declaration),
        .linkage = linkage});
+  properties.add(function, declaration);
   if (function != nullptr && linkage == kinds::kExternalLinkage) {
     const std::string linkerName = names.linkerName(declaration);
     if (!linkerName.empty()) sink.externalName(linkerName, function);
@@ -105,6 +107,7 @@ dm::Variable* EntityTable::addVariable(const clang::ValueDecl& declaration) {
                                           .type = types.named(declaration.getType()),
                                           .isDefined = isDefinition(declaration),
                                           .linkage = linkage});
+  properties.add(variable, declaration);
   const auto* global = llvm::dyn_cast<clang::VarDecl>(&declaration);
   if (global != nullptr && linkage == kinds::kExternalLinkage) {
     const std::string linkerName = names.linkerName(*global);
@@ -120,14 +123,39 @@ dm::Field* EntityTable::field(const clang::FieldDecl& declaration) {
       {declaration.getLocation().getRawEncoding(), declaration.getIdentifier()}, nullptr);
   if (!isNew) return known->second;
   const dm::Localization at = files.locate(declaration.getLocation());
-  return known->second = at.file == nullptr ? nullptr : sink.field(name, at);
+  if (at.file == nullptr) return nullptr;
+  known->second = sink.field(name, at);
+  properties.add(known->second, declaration);
+  return known->second;
 }
 
-void EntityTable::enumConstant(const clang::EnumConstantDecl& declaration) {
+dm::EnumConstant* EntityTable::enumConstant(const clang::EnumConstantDecl& declaration) {
   const clang::SourceLocation at = declaration.getLocation();
-  if (enumConstants.insert(at.getRawEncoding()).second) {
-    sink.enumConstant(nameOf(declaration), files.locate(at));
+  const auto [known, isNew] = enumConstants.try_emplace(at.getRawEncoding());
+  if (!isNew) return known->second;
+  known->second = sink.enumConstant(nameOf(declaration), files.locate(at));
+  properties.add(known->second, declaration);
+  return known->second;
+}
+
+void EntityTable::label(const clang::LabelDecl& declaration) {
+  dm::Label* label =
+      sink.label(nameOf(declaration), files.locate(declaration.getStmt()->getIdentLoc()));
+  labels[&declaration] = label;
+  properties.add(label, declaration);
+}
+
+dm::EntityReference EntityTable::known(const clang::NamedDecl& declaration) {
+  if (const auto* function = llvm::dyn_cast<clang::FunctionDecl>(&declaration)) {
+    return functions.lookup(&writtenFunction(*function));
   }
+  if (const auto* field = llvm::dyn_cast<clang::FieldDecl>(&declaration)) {
+    return fields.lookup({field->getLocation().getRawEncoding(), field->getIdentifier()});
+  }
+  if (const auto* label = llvm::dyn_cast<clang::LabelDecl>(&declaration)) {
+    return labels.lookup(label);
+  }
+  return {};
 }
 
 const clang::ValueDecl* EntityTable::withLinkerName(std::string_view name) {

@@ -5,7 +5,6 @@
 
 #include "fact_sink.h"
 #include "llvm/ADT/DenseMap.h"
-#include "llvm/ADT/DenseSet.h"
 #include "type_table.h"
 #include "unique_name.h"
 
@@ -14,19 +13,24 @@ class EnumConstantDecl;
 class FieldDecl;
 class FunctionDecl;
 class IdentifierInfo;
+class LabelDecl;
+class NamedDecl;
 class ValueDecl;
 class VarDecl;
 }  // namespace clang
 
 namespace fe_db_tools {
 
-/// Functions, variables and fields of the unit: Clang's declarations to elements of the dataset,
-/// recorded on first sight. A declaration and a definition are two elements. What is instantiated
-/// from a template counts as the template.
+class Properties;
+
+/// Functions, variables, fields, enum constants and labels of the unit: Clang's declarations to
+/// elements of the dataset, recorded on first sight. A declaration and a definition are two
+/// elements. What is instantiated from a template counts as the template.
 class EntityTable {
  public:
-  EntityTable(FactSink& sink, FileTable& files, TypeTable& types, clang::ASTContext& context)
-      : sink(sink), files(files), types(types), names(context, files) {}
+  EntityTable(FactSink& sink, FileTable& files, TypeTable& types, Properties& properties,
+              clang::ASTContext& context)
+      : sink(sink), files(files), types(types), properties(properties), names(context, files) {}
 
   /// Null for what the compiler made without a place in the source.
   dm::Function* function(const clang::FunctionDecl& declaration);
@@ -34,7 +38,11 @@ class EntityTable {
   dm::Variable* variable(const clang::ValueDecl& declaration);
   /// Null without a name.
   dm::Field* field(const clang::FieldDecl& declaration);
-  void enumConstant(const clang::EnumConstantDecl& declaration);
+  dm::EnumConstant* enumConstant(const clang::EnumConstantDecl& declaration);
+  void label(const clang::LabelDecl& declaration);
+
+  /// The element of a function, field or label, if one of these operations has recorded it.
+  dm::EntityReference known(const clang::NamedDecl& declaration);
 
   /// Its definition, if there is one; null for what no function() or variable() was.
   const clang::ValueDecl* withLinkerName(std::string_view name);
@@ -51,12 +59,14 @@ class EntityTable {
   FactSink& sink;
   FileTable& files;
   TypeTable& types;
+  Properties& properties;
   UniqueNames names;
   Functions functions;
   llvm::DenseMap<const clang::ValueDecl*, dm::Variable*> variables;
   // An instantiation has the place of its template.
   llvm::DenseMap<std::pair<unsigned, const clang::IdentifierInfo*>, dm::Field*> fields;
-  llvm::DenseSet<unsigned> enumConstants;
+  llvm::DenseMap<unsigned, dm::EnumConstant*> enumConstants;
+  llvm::DenseMap<const clang::LabelDecl*, dm::Label*> labels;
   llvm::DenseMap<unsigned, const clang::FunctionDecl*> lambdas;  ///< first call operators
 };
 

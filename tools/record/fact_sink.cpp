@@ -1,5 +1,7 @@
 #include "fact_sink.h"
 
+#include <algorithm>
+
 #include "fe_db/compilation_data.h"
 #include "fe_db/elements.h"
 
@@ -18,7 +20,9 @@ void count(T* element) {
 
 dm::File* FactSink::file(std::string_view path, dm::FileKind kind,
                          results_api::LanguageKind language) {
-  return &data.emplaceFile(path, kind, language);
+  dm::File* file = &data.emplaceFile(path, kind, language);
+  if (std::find(files.begin(), files.end(), file) == files.end()) files.push_back(file);
+  return file;
 }
 
 dm::Macro* FactSink::macroDefined(const MacroFacts& facts) {
@@ -99,12 +103,12 @@ dm::Field* FactSink::field(std::string_view name, const dm::Localization& at) {
   return &data.emplaceField(name, at, kAccumulate, /*refCount=*/0);
 }
 
-void FactSink::enumConstant(std::string_view name, const dm::Localization& at) {
-  data.emplaceEnumConstant(name, at, kAccumulate);
+dm::EnumConstant* FactSink::enumConstant(std::string_view name, const dm::Localization& at) {
+  return data.emplaceEnumConstant(name, at, kAccumulate);
 }
 
-void FactSink::label(std::string_view name, const dm::Localization& at) {
-  data.emplaceLabel(name, at, kAccumulate);
+dm::Label* FactSink::label(std::string_view name, const dm::Localization& at) {
+  return data.emplaceLabel(name, at, kAccumulate);
 }
 
 void FactSink::call(dm::Function* caller, dm::Function* callee, const dm::Localization& at,
@@ -116,6 +120,31 @@ bool FactSink::isOtherCall(dm::Function* caller, const dm::Function* callee,
                            const dm::Localization& at) const {
   const dm::CallPoint* known = data.getCallPoint(at, caller);
   return known != nullptr && known->getCallee() != callee;
+}
+
+void FactSink::unit(const UnitFacts& facts) {
+  dm::File* mainFile = data.getFile(facts.source);
+  if (mainFile == nullptr) return;
+  dm::Unit& unit = data.emplaceUnit(mainFile, facts.directory, facts.object, facts.command);
+  unit.setName(facts.name);
+  unit.setRecorder(facts.recorder);
+  unit.setOptions(facts.options);
+  unit.setDigest(facts.digest);
+  for (dm::File* file : files) data.emplaceUnitFile(&unit, file);
+}
+
+void FactSink::include(const dm::Localization& at, dm::File* included, dm::IncludeKind kind) {
+  data.emplaceInclude(at.file, at.line, included, kind);
+}
+
+void FactSink::reference(const dm::EntityReference& entity, const dm::Localization& at,
+                         dm::ReferenceRoles roles) {
+  if (at.file != nullptr) data.emplaceReference(entity, at, roles);
+}
+
+void FactSink::property(const dm::EntityReference& entity, dm::PropertyFlags flags, dm::Type* owner,
+                        std::string_view scope) {
+  data.emplaceProperty(entity, flags, owner, scope);
 }
 
 void FactSink::refer(dm::Macro* macro) { count(macro); }

@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "fe_db/entity_reference.h"
 #include "fe_db/function.h"
 #include "fe_db/localization.h"
 #include "fe_db/macro.h"
@@ -67,6 +69,18 @@ struct ExpansionFacts {
   unsigned ppEnd = 0;
 };
 
+/// The unit as a whole. `source`: the path of its main file.
+struct UnitFacts {
+  std::string source;
+  std::string directory;
+  std::string command;
+  std::string object;  ///< empty if there is none
+  std::string name;
+  std::string recorder;
+  std::string options;
+  std::string digest;
+};
+
 /// Where facts go: the dataset, under this front end's conventions. Clang is unknown here.
 ///
 /// Sights:   every declaration seen is an accumulating sight, so names are counted once for each.
@@ -95,13 +109,26 @@ class FactSink {
   void externalName(std::string_view name, dm::Variable* variable);
   void externalName(std::string_view name, dm::Function* function);
   dm::Field* field(std::string_view name, const dm::Localization& at);
-  void enumConstant(std::string_view name, const dm::Localization& at);
-  void label(std::string_view name, const dm::Localization& at);
+  dm::EnumConstant* enumConstant(std::string_view name, const dm::Localization& at);
+  dm::Label* label(std::string_view name, const dm::Localization& at);
   void call(dm::Function* caller, dm::Function* callee, const dm::Localization& at,
             bool isValueUsed);
   /// Whether the caller calls another function there.
   bool isOtherCall(dm::Function* caller, const dm::Function* callee,
                    const dm::Localization& at) const;
+
+  /// With all files so far as those that it has read.
+  void unit(const UnitFacts& facts);
+  /// The column takes no part.
+  void include(const dm::Localization& at, dm::File* included, dm::IncludeKind kind);
+
+  /// Roles of repeats are united. Ignored without a file.
+  void reference(const dm::EntityReference& entity, const dm::Localization& at,
+                 dm::ReferenceRoles roles);
+
+  /// Once for each entity.
+  void property(const dm::EntityReference& entity, dm::PropertyFlags flags, dm::Type* owner,
+                std::string_view scope);
 
   static void refer(dm::Macro* macro);
   static void refer(dm::Type* type);
@@ -112,6 +139,7 @@ class FactSink {
 
  private:
   dm::CompilationData& data;
+  std::vector<dm::File*> files;  ///< each once
 };
 
 }  // namespace fe_db_tools

@@ -61,6 +61,20 @@ dm::Localization FileTable::locateInFile(clang::SourceLocation at) {
   return {in, sources.getLineNumber(id, offset), sources.getColumnNumber(id, offset)};
 }
 
+WrittenPlace FileTable::written(clang::SourceLocation at) const {
+  WrittenPlace place{at};
+  while (place.at.isMacroID()) {
+    const clang::SrcMgr::ExpansionInfo& expansion =
+        sources.getSLocEntry(sources.getFileID(place.at)).getExpansion();
+    if (expansion.isMacroArgExpansion()) {
+      place.at = sources.getImmediateSpellingLoc(place.at);
+    } else {
+      place = {expansion.getExpansionLocStart(), /*isThroughBody=*/true};
+    }
+  }
+  return place;
+}
+
 dm::Localization FileTable::locate(clang::SourceLocation at) {
   if (at.isInvalid()) return {};
   return locateInFile(sources.getFileLoc(at));

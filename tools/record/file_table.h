@@ -12,6 +12,12 @@ class SourceManager;
 
 namespace fe_db_tools {
 
+/// Where the text of a location is in a file.
+struct WrittenPlace {
+  clang::SourceLocation at;
+  bool isThroughBody = false;  ///< from a macro's body: the place is that of the macro's name
+};
+
 /// Files and positions: from Clang's locations to those of the dataset.
 ///
 /// Paths are those of the files themselves, absolute and without links or dots, so that they are
@@ -24,12 +30,15 @@ class FileTable {
 
   /// Null for what is no file: predefined macros, the command line, pasted tokens.
   dm::File* file(clang::FileID id);
+  /// Null for one that has not been entered.
+  dm::File* known(const clang::FileEntry& entry) const { return byEntry.lookup(&entry); }
   /// `directive`: where the include is.
   void included(clang::SourceLocation directive, const clang::FileEntry& header,
                 bool isFoundInSystemDirectory);
   /// After the last include: from here on it is known which headers are the system's.
   void settleKinds();
 
+  WrittenPlace written(clang::SourceLocation at) const;
   /// Where the text of a location stands in a file: an argument of a macro call where it is
   /// written, other parts of an expansion at the name of the macro called. Without a file: 0, 0.
   dm::Localization locate(clang::SourceLocation at);

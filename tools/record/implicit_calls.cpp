@@ -7,6 +7,7 @@
 #include "clang/Basic/Version.h"
 #include "entity_table.h"
 #include "file_table.h"
+#include "references.h"
 
 namespace fe_db_tools {
 
@@ -63,7 +64,10 @@ void ImplicitCalls::add(const clang::FunctionDecl* callee, const Site& site,
   if (isSpecial && !method->isUserProvided()) return;
   dm::Function* to = entities.function(*callee);
   if (to == nullptr) return;
-  if (site.isReference) FactSink::refer(to);
+  if (site.isReference) {
+    FactSink::refer(to);
+    references.implicitly(to, site.at);
+  }
   if (site.caller == nullptr) return;
   dm::Function* from = entities.function(*site.caller);
   if (from == nullptr) return;

@@ -24,6 +24,7 @@ namespace fe_db_tools {
 
 class EntityTable;
 class FileTable;
+class References;
 
 /// Calls that the language makes and nobody has written: of destructors, default arguments, default
 /// member initialisers, constructors of members and bases, the functions of range-for and
@@ -33,9 +34,13 @@ class FileTable;
 /// and they are recorded after all others, which win.
 class ImplicitCalls {
  public:
-  ImplicitCalls(FactSink& sink, FileTable& files, EntityTable& entities,
+  ImplicitCalls(FactSink& sink, FileTable& files, EntityTable& entities, References& references,
                 const clang::ASTContext& context)
-      : sink(sink), files(files), entities(entities), unevaluated(context) {}
+      : sink(sink),
+        files(files),
+        entities(entities),
+        references(references),
+        unevaluated(context) {}
 
   /// `caller`: whose body the statement is in; null for none.
   /// REQUIRES: called for each statement and expression before anything inside of it.
@@ -83,6 +88,7 @@ class ImplicitCalls {
   FactSink& sink;
   FileTable& files;
   EntityTable& entities;
+  References& references;
   Unevaluated unevaluated;  ///< in what is written elsewhere
   OwnedTemporaries owned;
   std::vector<Call> calls;

@@ -16,7 +16,7 @@ class InstantiationWalk : public ReferenceVisitor<InstantiationWalk> {
  public:
   InstantiationWalk(References& references, const FileTable& files, clang::ASTContext& context,
                     SystemFacts system)
-      : Base(references), files(files), context(context), system(system) {}
+      : Base(references, context), files(files), context(context), system(system) {}
 
   /// Of the templates among the declarations, at any depth.
   void walkTemplatesIn(const clang::DeclContext& context);
@@ -172,6 +172,7 @@ bool InstantiationWalk::VisitLambdaExpr(clang::LambdaExpr* lambda) {
 
 /// The definition of a static member is apart from the class, and nowhere else.
 bool InstantiationWalk::VisitVarDecl(clang::VarDecl* declaration) {
+  Base::VisitVarDecl(declaration);
   if (!declaration->isStaticDataMember()) return true;
   clang::VarDecl* definition = declaration->getDefinition();
   if (definition == nullptr || definition == declaration) return true;

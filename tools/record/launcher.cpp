@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -14,6 +13,7 @@
 
 #include "compiler_inquiry.h"
 #include "output_directory.h"
+#include "product.h"
 #include "unit_runner.h"
 
 namespace fe_db_tools {
@@ -48,42 +48,14 @@ int runCompiler(const std::vector<std::string>& command) {
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-/// What a command makes of its sources.
-struct Product {
-  bool isCompiled = true;   ///< not only preprocessed or listed
-  bool hasPrograms = true;  ///< no -c or -S: linked at once, without objects that stay
-  std::string ending = ".o";
-  std::string output;  ///< of -o
-};
-
-Product productOf(const std::vector<std::string>& arguments) {
-  static constexpr const char* kOtherwise[] = {"-E", "-M", "-MM", "-###", "-fsyntax-only", "-"};
-  Product product;
-  for (std::size_t i = 1; i < arguments.size(); ++i) {
-    const std::string& word = arguments[i];
-    if (std::find(std::begin(kOtherwise), std::end(kOtherwise), word) != std::end(kOtherwise)) {
-      product.isCompiled = false;
-    } else if (word == "-c" || word == "-S") {
-      product.hasPrograms = false;
-      if (word == "-S") product.ending = ".s";
-    } else if (word == "-o" && i + 1 < arguments.size()) {
-      product.output = arguments[++i];
-    } else if (word.starts_with("-o")) {
-      product.output = word.substr(2);
-    }
-  }
-  return product;
-}
-
 /// The files of a unit are named like the object with their endings added. Without an object: like
 /// the program, a hyphen and the source.
-std::filesystem::path objectOf(const Product& product, const std::string& source) {
+std::filesystem::path recordPath(const Product& product, const std::string& source) {
   const std::filesystem::path name = std::filesystem::path(source).filename();
   if (product.hasPrograms) {
     return (product.output.empty() ? "a.out" : product.output) + "-" + name.string();
   }
-  if (!product.output.empty()) return product.output;
-  return name.stem().string() + product.ending;
+  return objectName(product, source);
 }
 
 /// What is no source of a project, but asks the compiler something: /dev/null and its like, and the
@@ -94,7 +66,7 @@ bool isQuestion(const std::filesystem::path& source) {
 
 void recordSource(const Unit& unit, const Product& product, RecordOptions options) {
   if (options.outputDirectory.empty()) {
-    const auto object = std::filesystem::absolute(objectOf(product, unit.source));
+    const auto object = std::filesystem::absolute(recordPath(product, unit.source));
     options.outputDirectory = object.parent_path().string();
     options.name = object.filename().string();
   } else {
@@ -118,6 +90,7 @@ void recordCompiled(const CommandLine& line) {
   for (const std::string& source : clean.sources) {
     if (isQuestion(source)) continue;
     Unit unit{here, source, clean.flags, clean.compiler};
+    unit.object = objectOf({here, line.command}, source);
     std::string warning;
     const std::string refusal = inquiry.askFor(unit, warning);
     if (!refusal.empty()) throw std::runtime_error(unit.sourcePath() + ": " + refusal);

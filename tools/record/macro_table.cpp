@@ -3,6 +3,7 @@
 #include "clang/Lex/MacroInfo.h"
 #include "clang/Lex/Preprocessor.h"
 #include "file_table.h"
+#include "properties.h"
 
 namespace fe_db_tools {
 
@@ -29,6 +30,7 @@ void MacroTable::ends(const clang::IdentifierInfo& name, const clang::MacroInfo&
 
 void MacroTable::undefined(const clang::IdentifierInfo& name, const clang::MacroInfo& definition) {
   ends(name, definition);
+  macros[&definition].isUndefined = true;
   sink.macroUndefined(*macro(name, definition));
 }
 
@@ -41,6 +43,14 @@ void MacroTable::recordValues(const clang::ASTContext& context) {
     if (known.hasEnded) continue;
     const Tokens text = expandedText(*known.name, *definition, preprocessor);
     FactSink::macroValue(*known.macro, valueOf(text, preprocessor, constants));
+  }
+}
+
+void MacroTable::recordProperties(Properties& properties) const {
+  using Flag = dm::PropertyFlags;
+  for (const auto& [definition, known] : macros) {
+    const Flag guard = definition->isUsedForHeaderGuard() ? Flag::IncludeGuard : Flag::None;
+    properties.add(known.macro, guard | (known.isUndefined ? Flag::Undefined : Flag::None));
   }
 }
 

@@ -14,6 +14,7 @@ class Preprocessor;
 namespace fe_db_tools {
 
 class FileTable;
+class Properties;
 
 /// The macros of the unit: Clang's definitions to those of the dataset.
 class MacroTable {
@@ -28,12 +29,16 @@ class MacroTable {
   void undefined(const clang::IdentifierInfo& name, const clang::MacroInfo& definition);
   /// Of every macro: at its end, or under the definitions that are in force now.
   void recordValues(const clang::ASTContext& context);
+  /// What kind of macro each is.
+  /// REQUIRES: all headers have been read to their ends.
+  void recordProperties(Properties& properties) const;
 
  private:
   struct Known {
     dm::Macro* macro = nullptr;
     const clang::IdentifierInfo* name = nullptr;
     bool hasEnded = false;
+    bool isUndefined = false;  ///< by a directive
   };
 
   std::string replacementText(const clang::MacroInfo& definition) const;

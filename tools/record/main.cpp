@@ -15,6 +15,7 @@
 #include "launcher.h"
 #include "manifest.h"
 #include "output_directory.h"
+#include "product.h"
 #include "standard_streams.h"
 #include "unit_output.h"
 #include "unit_runner.h"
@@ -166,6 +167,7 @@ int recordCommand(const CommandLine& line) {
   CompilerInquiry inquiry(CompilerInquiry::Memory::lasting);
   for (const std::string& source : clean.sources) {
     units.push_back({here, source, clean.flags, clean.compiler});
+    units.back().object = line.object ? *line.object : objectOf({here, line.command}, source);
     if (!askCompiler(line, inquiry, units.back())) return kFailed;
   }
   // One unit needs no process of its own, unless somebody has to see it killed.

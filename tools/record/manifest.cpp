@@ -7,11 +7,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <sstream>
 
 #include "compiler_answer.h"
 #include "llvm/Support/MemoryBuffer.h"
 #include "llvm/Support/xxhash.h"
+#include "shell_words.h"
+#include "unit_facts.h"
 #include "unit_output.h"
 #include "unit_recorder.h"
 
@@ -53,7 +56,8 @@ std::string keyLine(const Unit& unit, const RecordOptions& options) {
   static const std::optional<std::uint64_t> self = fileHash("/proc/self/exe");
   std::ostringstream parts;
   parts << self.value_or(0) << '\n' << unit.name() << '\n' << options.parse.resourceDirectory;
-  parts << '\n' << static_cast<int>(options.parse.system);
+  parts << '\n' << optionsText(options.parse);
+  parts << '\n' << unit.object << '\n' << joinWords(unit.command().arguments);
   parts << '\n' << (unit.answer ? unit.answer->text() : "");
   for (const std::string& word : options.parse.extraArguments) parts << "\nextra " << word;
   for (const std::string& glob : options.parse.removedArguments) parts << "\nremove " << glob;
@@ -76,7 +80,15 @@ void UnitInputs::noteRead(const std::string& path) {
   }
   state->hash = fileHash(path);
   isCertain = isCertain && state->hash;
+  contents += std::to_string(state->size) + ' ' + std::to_string(state->hash.value_or(0)) + '\n';
   files.emplace(path, *state);
+}
+
+std::string UnitInputs::digest() const {
+  if (!isCertain || files.empty()) return {};
+  std::ostringstream digits;
+  digits << std::hex << std::setw(16) << std::setfill('0') << llvm::xxHash64(contents);
+  return digits.str();
 }
 
 std::string UnitInputs::lines() const {

@@ -29,12 +29,16 @@ class UnitInputs {
   void noteRead(const std::string& path);
   void noteMissing(const std::string& path) { missing.insert(path); }
 
+  /// Of the contents of all files read, in the order in which they were read; empty if that is not
+  /// certain.
+  std::string digest() const;
   /// As lines of a manifest. Empty when they do not tell what was read: a file that changed
   /// meanwhile, a pipe, a name with a line break.
   std::string lines() const;
 
  private:
   std::map<std::string, FileState> files;
+  std::string contents;  ///< size and hash of each file, in the order of reading
   std::set<std::string> missing;
   bool isCertain = true;
 };

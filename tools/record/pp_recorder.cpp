@@ -10,17 +10,25 @@
 #include "clang/Lex/PPCallbacks.h"
 #include "clang/Lex/Preprocessor.h"
 #include "file_table.h"
+#include "include_table.h"
 #include "llvm/Support/Path.h"
+#include "macro_references.h"
 #include "macro_table.h"
 #include "macro_tracker.h"
 #include "pp_printer.h"
+#include "properties.h"
 
 namespace fe_db_tools {
 
 class PpRecorder::Impl {
  public:
-  Impl(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
-      : files(files),
+  Impl(FactSink& sink, FileTable& files, Properties& properties, clang::Preprocessor& preprocessor,
+       SystemFacts system, ReferenceFacts referenceFacts)
+      : sink(sink),
+        files(files),
+        properties(properties),
+        system(system),
+        hasReferences(referenceFacts == ReferenceFacts::all),
         preprocessor(preprocessor),
         sources(preprocessor.getSourceManager()),
         printer(preprocessor),
@@ -31,9 +39,15 @@ class PpRecorder::Impl {
   bool isFromPredefines(const clang::Token& token);
   bool isNextToIncluder(clang::SourceLocation directive, llvm::StringRef directory) const;
 
+  FactSink& sink;
   FileTable& files;
+  Properties& properties;
+  const SystemFacts system;
+  const bool hasReferences;
   const clang::Preprocessor& preprocessor;
   const clang::SourceManager& sources;
+  IncludeTable includes;
+  MacroReferences references;
   PpPrinter printer;
   MacroTable macros;
   MacroTracker tracker;
@@ -104,24 +118,27 @@ class Callbacks : public clang::PPCallbacks {
                    clang::SrcMgr::CharacteristicKind kind, clang::FileID) override {
     impl.tracker.flush();
     const clang::FileID file = impl.sources.getFileID(impl.sources.getFileLoc(at));
-    if (reason == EnterFile) impl.files.file(file);
+    if (reason == EnterFile) entered(file);
     impl.printer.fileChanged(at, reason, kind);
   }
 
 #if CLANG_VERSION_MAJOR >= 19
-  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
-                          bool isAngled, clang::CharSourceRange, clang::OptionalFileEntryRef header,
-                          llvm::StringRef directory, llvm::StringRef, const clang::Module*, bool,
+  void InclusionDirective(clang::SourceLocation at, const clang::Token& word, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange range,
+                          clang::OptionalFileEntryRef header, llvm::StringRef directory,
+                          llvm::StringRef, const clang::Module*, bool,
                           clang::SrcMgr::CharacteristicKind) override {
 #elif CLANG_VERSION_MAJOR >= 15
-  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
-                          bool isAngled, clang::CharSourceRange, clang::OptionalFileEntryRef header,
-                          llvm::StringRef directory, llvm::StringRef, const clang::Module*,
+  void InclusionDirective(clang::SourceLocation at, const clang::Token& word, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange range,
+                          clang::OptionalFileEntryRef header, llvm::StringRef directory,
+                          llvm::StringRef, const clang::Module*,
                           clang::SrcMgr::CharacteristicKind) override {
 #else
-  void InclusionDirective(clang::SourceLocation at, const clang::Token&, llvm::StringRef name,
-                          bool isAngled, clang::CharSourceRange, const clang::FileEntry* header,
-                          llvm::StringRef directory, llvm::StringRef, const clang::Module*,
+  void InclusionDirective(clang::SourceLocation at, const clang::Token& word, llvm::StringRef name,
+                          bool isAngled, clang::CharSourceRange range,
+                          const clang::FileEntry* header, llvm::StringRef directory,
+                          llvm::StringRef, const clang::Module*,
                           clang::SrcMgr::CharacteristicKind) override {
 #endif
     const clang::FileEntry* file = fileOf(header);
@@ -129,6 +146,11 @@ class Callbacks : public clang::PPCallbacks {
     const bool isByDirectory =
         !llvm::sys::path::is_absolute(name) && (isAngled || !impl.isNextToIncluder(at, directory));
     impl.files.included(at, *file, isByDirectory && wasFoundInSystemDirectory(header));
+    impl.includes.add(at, word, range.getBegin(), isAngled, *file);
+  }
+
+  void SourceRangeSkipped(clang::SourceRange range, clang::SourceLocation end) override {
+    impl.properties.excludedText().skipped(impl.sources, range.getBegin(), end);
   }
 
   void PragmaDirective(clang::SourceLocation at, clang::PragmaIntroducerKind introducer) override {
@@ -153,6 +175,7 @@ class Callbacks : public clang::PPCallbacks {
                       const clang::MacroDirective*) override {
     if (const clang::MacroInfo* known = definition.getMacroInfo()) {
       impl.macros.undefined(*name.getIdentifierInfo(), *known);
+      note(name, *known, Roles::Conditional);
     }
   }
 
@@ -161,41 +184,61 @@ class Callbacks : public clang::PPCallbacks {
     if (impl.isFinished) return;
     // An operator, whatever Clang makes of it.
     if (name.getIdentifierInfo()->isStr("_Pragma")) return;
-    if (dm::Macro* macro = refer(name, definition)) {
+    const bool isAsked = impl.preprocessor.isParsingIfOrElifDirective();
+    if (dm::Macro* macro =
+            refer(name, definition, isAsked ? Roles::Conditional : Roles::Expansion)) {
       impl.tracker.expands(macro, name.getLocation(), range);
     }
   }
 
   void Defined(const clang::Token& name, const clang::MacroDefinition& definition,
                clang::SourceRange) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   void Ifdef(clang::SourceLocation, const clang::Token& name,
              const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   void Ifndef(clang::SourceLocation, const clang::Token& name,
               const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   using clang::PPCallbacks::Elifdef;
   void Elifdef(clang::SourceLocation, const clang::Token& name,
                const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
   using clang::PPCallbacks::Elifndef;
   void Elifndef(clang::SourceLocation, const clang::Token& name,
                 const clang::MacroDefinition& definition) override {
-    refer(name, definition);
+    refer(name, definition, Roles::Conditional);
   }
 
  private:
+  using Roles = dm::ReferenceRoles;
+
+  void entered(clang::FileID file) {
+    impl.files.file(file);
+    if (const auto entry = impl.sources.getFileEntryRefForID(file)) {
+      impl.properties.excludedText().entered(entry->getFileEntry(), file);
+    }
+  }
+
   /// Null for a name that is no macro there.
-  dm::Macro* refer(const clang::Token& name, const clang::MacroDefinition& definition) {
+  dm::Macro* refer(const clang::Token& name, const clang::MacroDefinition& definition, Roles role) {
     const clang::MacroInfo* known = definition.getMacroInfo();
     if (known == nullptr) return nullptr;
-    dm::Macro* macro = impl.macros.macro(*name.getIdentifierInfo(), *known);
+    dm::Macro* macro = note(name, *known, role);
     FactSink::refer(macro);
+    return macro;
+  }
+
+  /// Without counting it.
+  dm::Macro* note(const clang::Token& name, const clang::MacroInfo& definition, Roles role) {
+    dm::Macro* macro = impl.macros.macro(*name.getIdentifierInfo(), definition);
+    if (impl.hasReferences) {
+      impl.references.add(macro, definition.getDefinitionLoc(), name.getLocation(), role);
+    }
     return macro;
   }
 
@@ -215,8 +258,10 @@ class Callbacks : public clang::PPCallbacks {
 
 }  // namespace
 
-PpRecorder::PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor)
-    : impl(std::make_unique<Impl>(sink, files, preprocessor)) {
+PpRecorder::PpRecorder(FactSink& sink, FileTable& files, Properties& properties,
+                       clang::Preprocessor& preprocessor, SystemFacts system,
+                       ReferenceFacts references)
+    : impl(std::make_unique<Impl>(sink, files, properties, preprocessor, system, references)) {
   preprocessor.addPPCallbacks(std::make_unique<Callbacks<Impl>>(*impl));
   preprocessor.setTokenWatcher([this](const clang::Token& token) {
     if (!impl->isFinished) impl->token(token);
@@ -229,6 +274,11 @@ void PpRecorder::finish() {
   impl->tracker.flush();
   impl->printer.finish();
   impl->files.settleKinds();
+  impl->includes.record(impl->sink, impl->files, impl->files.file(impl->sources.getMainFileID()));
+  impl->properties.excludedText().read(impl->sources, impl->preprocessor.getLangOpts(), impl->files,
+                                       impl->system);
+  impl->macros.recordProperties(impl->properties);
+  impl->references.record(impl->sink, impl->files, impl->system);
   impl->isFinished = true;
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "ast_recorder.h"
 #include "fact_sink.h"
 
 namespace clang {
@@ -13,12 +14,14 @@ class Preprocessor;
 namespace fe_db_tools {
 
 class FileTable;
+class Properties;
 
 /// Records what preprocessing shows: files, macros, their uses, and the preprocessed text.
 /// REQUIRES: made before the main file is entered; lives as long as the preprocessor works.
 class PpRecorder {
  public:
-  PpRecorder(FactSink& sink, FileTable& files, clang::Preprocessor& preprocessor);
+  PpRecorder(FactSink& sink, FileTable& files, Properties& properties,
+             clang::Preprocessor& preprocessor, SystemFacts system, ReferenceFacts references);
   ~PpRecorder();
 
   /// At the end of the unit: what still waits for a token gets none.

@@ -3,7 +3,10 @@
 #include "clang/AST/RecursiveASTVisitor.h"
 #include "clang/Basic/Version.h"
 #include "dependent_names.h"
+#include "positional_fields.h"
 #include "references.h"
+#include "roles.h"
+#include "unevaluated.h"
 
 namespace fe_db_tools {
 
@@ -14,17 +17,64 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
   using Base = clang::RecursiveASTVisitor<Derived>;
 
  public:
-  explicit ReferenceVisitor(References& references) : references(references) {}
+  ReferenceVisitor(References& references, const clang::ASTContext& context)
+      : references(references), unevaluated(context) {}
+
+  // --- What is around.
+
+  bool TraverseDecl(clang::Decl* declaration) {
+    const bool isOpened = references.open(declaration);
+    const bool goOn = Base::TraverseDecl(declaration);
+    if (isOpened) references.close();
+    return goOn;
+  }
+  bool dataTraverseStmtPre(clang::Stmt* statement) {
+    if (unevaluated.contains(statement)) references.enterUnevaluated();
+    return true;
+  }
+  bool dataTraverseStmtPost(clang::Stmt* statement) {
+    if (unevaluated.contains(statement)) references.leaveUnevaluated();
+    return true;
+  }
+  bool VisitDecltypeTypeLoc(clang::DecltypeTypeLoc at) {
+    unevaluated.add(at.getUnderlyingExpr());
+    return true;
+  }
+  bool VisitTypeOfExprTypeLoc(clang::TypeOfExprTypeLoc at) {
+    if (!at.getType()->isVariablyModifiedType()) unevaluated.add(at.getUnderlyingExpr());
+    return true;
+  }
+  bool VisitStmt(clang::Stmt* statement) {
+    unevaluated.enter(*statement);
+    roles.enter(*statement);
+    return true;
+  }
+  bool VisitVarDecl(clang::VarDecl* declaration) {
+    roles.enter(*declaration);
+    return true;
+  }
 
   // --- Values.
 
   bool VisitDeclRefExpr(clang::DeclRefExpr* name) {
-    references.toValue(*name->getDecl(), name->getLocation());
+    const clang::ValueDecl& named = *name->getDecl();
+    references.toValue(named, name->getLocation(), roles.of(*name, named));
     return true;
   }
   bool VisitMemberExpr(clang::MemberExpr* member) {
-    const clang::SourceLocation name = member->getMemberLoc();  // a conversion has none
-    references.toValue(*member->getMemberDecl(), name.isValid() ? name : member->getBeginLoc());
+    const clang::ValueDecl& named = *member->getMemberDecl();
+    const clang::SourceLocation name = member->getMemberLoc();
+    if (name.isValid()) {
+      references.toValue(named, name, roles.of(*member, named));
+    } else {  // a conversion
+      references.toValue(named, member->getBeginLoc(), Role::Call | Role::Implicit);
+    }
+    return true;
+  }
+  bool VisitInitListExpr(clang::InitListExpr* list) {
+    eachPositionalField(*list, [this](const auto& field, clang::SourceLocation place) {
+      references.toKnown(field, place, Role::Write | Role::Implicit);
+    });
     return true;
   }
   bool VisitDesignatedInitExpr(clang::DesignatedInitExpr* initializer) {
@@ -35,7 +85,7 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
 #else
       const clang::FieldDecl* field = designator.getField();
 #endif
-      if (field != nullptr) references.toValue(*field, designator.getFieldLoc());
+      if (field != nullptr) references.toValue(*field, designator.getFieldLoc(), Role::Write);
     }
     return true;
   }
@@ -43,13 +93,15 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
     for (unsigned i = 0; i < expression->getNumComponents(); ++i) {
       const clang::OffsetOfNode& component = expression->getComponent(i);
       if (component.getKind() != clang::OffsetOfNode::Field) continue;
-      references.toValue(*component.getField(), component.getEndLoc());
+      references.toValue(*component.getField(), component.getEndLoc(), Role::OffsetOf);
     }
     return true;
   }
   bool TraverseConstructorInitializer(clang::CXXCtorInitializer* initializer) {
+    roles.enter(*initializer);
     if (initializer->isWritten() && initializer->isAnyMemberInitializer()) {
-      references.toValue(*initializer->getAnyMember(), initializer->getMemberLocation());
+      references.toValue(*initializer->getAnyMember(), initializer->getMemberLocation(),
+                         Role::Write);
     }
     return Base::TraverseConstructorInitializer(initializer);
   }
@@ -60,7 +112,7 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
   bool VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
     const clang::CXXConstructorDecl& constructor = *construction->getConstructor();
     if (constructor.isUserProvided() && !construction->isElidable()) {
-      references.toValue(constructor, construction->getLocation());
+      references.toValue(constructor, construction->getLocation(), roles.of(*construction));
     }
     return true;
   }
@@ -69,7 +121,7 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
     const clang::Expr* inner = operation->getDecomposedForm().InnerBinOp;
     const auto* call = llvm::dyn_cast<clang::CallExpr>(inner->IgnoreImplicit());
     if (call != nullptr && call->getDirectCallee() != nullptr) {
-      references.toValue(*call->getDirectCallee(), operation->getOperatorLoc());
+      references.toValue(*call->getDirectCallee(), operation->getOperatorLoc(), Role::Call);
     }
     return true;
   }
@@ -79,10 +131,28 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
     return true;
   }
 
+  // --- Labels, and functions that override others.
+
+  bool VisitGotoStmt(clang::GotoStmt* jump) {
+    references.toKnown(*jump->getLabel(), jump->getLabelLoc(), Role::LabelJump);
+    return true;
+  }
+  bool VisitAddrLabelExpr(clang::AddrLabelExpr* address) {
+    references.toKnown(*address->getLabel(), address->getLabelLoc(), Role::AddressTaken);
+    return true;
+  }
+  bool VisitCXXMethodDecl(clang::CXXMethodDecl* method) {
+    if (method->isImplicit()) return true;
+    for (const clang::CXXMethodDecl* overridden : method->overridden_methods()) {
+      references.toKnown(*overridden, method->getLocation(), Role::Overrides);
+    }
+    return true;
+  }
+
   // --- Attributes. A declaration inherits those of earlier ones.
 
   bool VisitCleanupAttr(clang::CleanupAttr* attribute) {
-    references.toValue(*attribute->getFunctionDecl(), attribute->getLocation());
+    references.toValue(*attribute->getFunctionDecl(), attribute->getLocation(), Role::Call);
     return true;
   }
   bool VisitAliasAttr(clang::AliasAttr* attribute) {
@@ -105,6 +175,16 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
     const bool isTag = clang::TypeWithKeyword::KeywordIsTagTypeKind(keyword);
     tagged = isTag ? at.getNamedTypeLoc().getOpaqueData() : nullptr;
     return true;
+  }
+  bool TraverseCXXBaseSpecifier(const clang::CXXBaseSpecifier& base) {
+    clang::TypeLoc name = base.getTypeSourceInfo()->getTypeLoc();
+    if (const auto elaborated = name.getAs<clang::ElaboratedTypeLoc>()) {
+      name = elaborated.getNamedTypeLoc();
+    }
+    baseName = name.getOpaqueData();
+    const bool goOn = Base::TraverseCXXBaseSpecifier(base);
+    baseName = nullptr;
+    return goOn;
   }
   bool VisitTagTypeLoc(clang::TagTypeLoc at) { return at.isDefinition() || referToType(at); }
   bool VisitTypedefTypeLoc(clang::TypedefTypeLoc at) { return referToType(at); }
@@ -147,14 +227,21 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
 
  protected:
   References& references;
+  Unevaluated unevaluated;
 
  private:
+  using Role = dm::ReferenceRoles;
+
   bool referToType(clang::TypeLoc at) {
-    references.toType(at, /*byTag=*/at.getOpaqueData() == tagged);
+    const bool isBase = baseName != nullptr && at.getOpaqueData() == baseName;
+    references.toType(at, /*byTag=*/at.getOpaqueData() == tagged,
+                      isBase ? Role::BaseClass : Role::TypeUse);
     return true;
   }
 
-  const void* tagged = nullptr;  ///< the name behind a `struct`, `union`, `class` or `enum`
+  Roles roles;
+  const void* baseName = nullptr;  ///< of the base class that is being visited
+  const void* tagged = nullptr;    ///< the name behind a `struct`, `union`, `class` or `enum`
 };
 
 }  // namespace fe_db_tools

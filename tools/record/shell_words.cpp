@@ -60,6 +60,22 @@ std::vector<std::string> splitWords(std::string_view text) {
   return words;
 }
 
+std::string joinWords(const std::vector<std::string>& words) {
+  constexpr std::string_view kSpecial = " \t\n\r\f\v'\"\\$`&|;<>()*?[]{}~#!";
+  std::string text;
+  for (const std::string& word : words) {
+    if (!text.empty()) text += ' ';
+    if (!word.empty() && word.find_first_of(kSpecial) == std::string::npos) {
+      text += word;
+      continue;
+    }
+    text += '\'';
+    for (const char c : word) text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    text += '\'';
+  }
+  return text;
+}
+
 std::vector<std::string> expandResponseFiles(const std::vector<std::string>& arguments,
                                              const std::string& directory) {
   std::vector<std::string> result;

@@ -4,6 +4,7 @@
 #include "clang/AST/DeclCXX.h"
 #include "clang/AST/DeclTemplate.h"
 #include "file_table.h"
+#include "properties.h"
 
 namespace fe_db_tools {
 
@@ -62,13 +63,19 @@ const clang::TypedefNameDecl& writtenDeclaration(const clang::TypedefNameDecl& d
 
 dm::Type* TypeTable::add(const clang::NamedDecl& declaration, dm::TypeKind kind, bool incomplete) {
   const clang::IdentifierInfo* name = declaration.getIdentifier();
-  return types[&declaration] = sink.type(
-             {.name = name == nullptr ? std::string_view()
-                                      : std::string_view(name->getNameStart(), name->getLength()),
-              .at = files.locate(declaration.getLocation()),
-              .kind = kind,
-              .local = declaration.getParentFunctionOrMethod() != nullptr,
-              .incomplete = incomplete});
+  dm::Type* type = types[&declaration] = sink.type(
+      {.name = name == nullptr ? std::string_view()
+                               : std::string_view(name->getNameStart(), name->getLength()),
+       .at = files.locate(declaration.getLocation()),
+       .kind = kind,
+       .local = declaration.getParentFunctionOrMethod() != nullptr,
+       .incomplete = incomplete});
+  properties.add(type, declaration);
+  return type;
+}
+
+dm::Type* TypeTable::known(const clang::TagDecl& declaration) const {
+  return types.lookup(&writtenDeclaration(declaration));
 }
 
 dm::Type* TypeTable::type(const clang::TagDecl& declaration) {

@@ -18,6 +18,8 @@ struct Unit {
   std::string compiler;            ///< as the command has it
   /// The compiler's description of itself; null: it was not asked, or does not answer.
   std::shared_ptr<const CompilerAnswer> answer = nullptr;
+  /// The absolute path of what it is compiled to; empty if that does not stay, or is not known.
+  std::string object = {};
 
   /// Absolute and without links or dots.
   std::string sourcePath() const;

@@ -7,6 +7,7 @@
 #include "fact_sink.h"
 #include "fe_db/compilation_data.h"
 #include "fe_db/compilation_database.h"
+#include "unit_facts.h"
 #include "unit_output.h"
 
 namespace fe_db_tools {
@@ -69,7 +70,9 @@ bool recordUnit(const Unit& unit, const RecordOptions& options) {
   const auto parse = [&] {
     data = dm::CompilationData::newInstance(output.compilation(), output.preprocessing());
     FactSink sink(*data);
-    return parseAndRecord(unit, parseOptions, sink, inputs);
+    ParseResult parsed = parseAndRecord(unit, parseOptions, sink, inputs);
+    recordUnitFacts(sink, unit, options.parse, inputs);
+    return parsed;
   };
   ParseResult result = parse();
   if (!result.ownNames.empty()) {

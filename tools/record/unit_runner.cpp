@@ -32,6 +32,8 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
   std::vector<std::string> arguments{"fe_db_record", "--output", options.outputDirectory};
   arguments.push_back(options.parse.system == SystemFacts::all ? "--system=all"
                                                                : "--system=referenced");
+  arguments.push_back(options.parse.references == ReferenceFacts::all ? "--references=all"
+                                                                      : "--references=none");
   if (options.keepPreprocessed) arguments.push_back("--keep-preprocessed");
   if (options.parse.keepGoing) arguments.push_back("--keep-going");
   if (!options.name.empty()) arguments.push_back("--name=" + options.name);
@@ -46,6 +48,7 @@ std::vector<std::string> childArguments(const Unit& unit, const RecordOptions& o
     arguments.push_back("--remove-arg=" + glob);
   }
   arguments.push_back("--compiler-answer=" + (unit.answer ? unit.answer->text() : ""));
+  if (!unit.object.empty()) arguments.push_back("--object=" + unit.object);
   arguments.push_back("--");
   const CompileCommand command = unit.command();
   arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
