@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, FindUses, testing::Values(
              "/p/main.cc:2:17: function geo::Shape::area() [id=_ZN3geo5Shape4areaEv linkage=external"
              " defined effect=unknown refs=0 flags=virtual,overridden]\n"
              "/p/shape.h:2:44: function geo::Shape::area() [id=_ZN3geo5Shape4areaEv linkage=external"
-             " effect=unknown refs=1 flags=virtual,overridden]\n"
+             " effect=unknown refs=0 flags=virtual,overridden]\n"
              "/p/shape.h:2:56: field geo::Shape::size [owner=Shape refs=2]\n"},
     UsesCase{"Overrides", {"overrides", "geo::Shape::area()"}, kRoundArea},
     UsesCase{"OverridesOfNothing", {"overrides", "geo::Round::area()"}, ""},

@@ -86,12 +86,13 @@ class Views {
     return {std::string(of.view), sql};
   }
 
-  /// Nobody has counted where there are no references.
+  /// Nobody has counted where there are no references. What overrides a function does not use it.
   std::string countedReferences() const {
     if (!has("Reference")) return ", NULL AS refs";
     return ", CASE WHEN EXISTS (SELECT 1 FROM Reference) THEN (SELECT count(*) FROM Reference AS r"
            " WHERE r.EntityKind=" +
-           bit(IdentifierKind::Function) + " AND r.EntityId=x.FunctionId) END AS refs";
+           bit(IdentifierKind::Function) + " AND r.EntityId=x.FunctionId AND r.Roles<>" +
+           std::to_string(bitOf(vocabularyOf("Reference", "Roles"), "override")) + ") END AS refs";
   }
 
   View functions() const {
