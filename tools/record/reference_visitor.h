@@ -61,6 +61,15 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
     references.toValue(named, name->getLocation(), roles.of(*name, named));
     return true;
   }
+  /// `kIsMask<T>` where T is a parameter: the variable is not instantiated there.
+  bool VisitUnresolvedLookupExpr(clang::UnresolvedLookupExpr* name) {
+    if (name->getNumDecls() != 1) return true;
+    const auto* variable = llvm::dyn_cast<clang::VarTemplateDecl>(*name->decls_begin());
+    if (variable == nullptr) return true;
+    const clang::VarDecl& named = *variable->getTemplatedDecl();
+    references.toValue(named, name->getNameLoc(), Role::Read);
+    return true;
+  }
   bool VisitMemberExpr(clang::MemberExpr* member) {
     const clang::ValueDecl& named = *member->getMemberDecl();
     const clang::SourceLocation name = member->getMemberLoc();

@@ -248,3 +248,9 @@ constexpr long operator""_km(unsigned long long n) { return n * 1000; }
 //                                              ^ Variable of unsigned long long defined linkage=0 refs=1
 long distance = 5_km;
 //   ^^^^^^^^ Variable of long defined linkage=1 refs=0 external=distance
+
+// --- A variable template where its argument is a parameter.
+template <class T> constexpr bool kIsMask = sizeof(T) == 4;
+//                                ^^^^^^^ Variable of bool defined linkage=1 refs=2
+template <class T> requires kIsMask<T> bool isMask(T) { return kIsMask<T>; }
+//                                          ^^^^^^ Function c:@FT@>1#TisMask#t0.0#b# defined linkage=1 refs=0
