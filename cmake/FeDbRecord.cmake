@@ -5,7 +5,7 @@
 # Every C and C++ source of TARGET is recorded when it is compiled, beside its object, and the
 # target TARGET.facts, part of `all`, merges them into FILE (TARGET.facts.db in the current binary
 # directory unless given) whenever an object has changed. OPTIONs are those of fe_db_record. A
-# launcher that the target has already, such as ccache, stays behind fe_db_record.
+# launcher that the target has already, such as ccache, runs after fe_db_record.
 
 set(FE_DB_MERGE_UNITS "${CMAKE_CURRENT_LIST_DIR}/FeDbMergeUnits.cmake")
 
@@ -19,12 +19,12 @@ function(fe_db_record_target target)
   endforeach()
 
   foreach(language C CXX)
-    get_target_property(behind ${target} ${language}_COMPILER_LAUNCHER)
-    if(NOT behind)
-      set(behind "")
+    get_target_property(launcher ${target} ${language}_COMPILER_LAUNCHER)
+    if(NOT launcher)
+      set(launcher "")
     endif()
     set_property(TARGET ${target} PROPERTY ${language}_COMPILER_LAUNCHER
-                 "${FE_DB_RECORD_PROGRAM}" --launcher ${arg_OPTIONS} -- ${behind})
+                 "${FE_DB_RECORD_PROGRAM}" --launcher ${arg_OPTIONS} -- ${launcher})
   endforeach()
 
   get_property(has_configurations GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)

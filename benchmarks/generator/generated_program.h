@@ -18,7 +18,7 @@ namespace fe_db_benchmarks {
 
 using namespace orvalesca::databases_merger;
 
-/// What one file declares. Lines run from 1; each declaration stands on one of its own.
+/// What one file declares. Lines run from 1; each declaration has one of its own.
 struct FileFacts {
   struct MacroFact {
     std::string name, text;

@@ -38,7 +38,7 @@ struct token {
   union token_value value;
 };
 
-/* A text being read; next points behind the last token. */
+/* A text being read; next points after the last token. */
 typedef struct lexer {
   const char* text;
   const char* next;

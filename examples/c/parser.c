@@ -18,7 +18,7 @@ static int strength_of(enum token_kind kind) {
   return kind < ARRAY_LENGTH(strengths) ? strengths[kind] : 0;
 }
 
-/* Takes the token ahead and reads the one behind it. */
+/* Takes the token ahead and reads the one after it. */
 static struct token take(struct parser* parser) {
   struct token taken = parser->ahead;
   parser->ahead = lexer_next(&parser->source);

@@ -207,7 +207,7 @@ class FE_DB_EXPORT CompilationData {
   Macro* getMacro(Identifier* identifier, const Localization& localization);
   /// The first macro of the name that has a value, or the last of its group when none has.
   Macro* getaMacroWithValue(std::string_view name) const;
-  /// Cursor over the macros that stand in a file: set `first` to true, call until null. REQUIRES:
+  /// Cursor over the macros that are in a file: set `first` to true, call until null. REQUIRES:
   /// no macro is emplaced during the walk.
   const Macro* listTranslationUnitMacro(bool& first);
   void eachMacro(std::function<void(const Macro&)> callback) const;
@@ -301,7 +301,7 @@ class FE_DB_EXPORT CompilationData {
                                         LinkageKind& linkage, bool& first);
 
   // --- Loading: whole tables, in one transaction; a table is read at most once per process.
-  // REQUIRES a connected database. The result tells whether the transaction was committed.
+  // REQUIRES a connected database. The result says whether the transaction was committed.
 
   /// File only, from the compilation database if true, else from the preprocessing database.
   [[nodiscard]] bool preLoadFromDB(bool fromCompDb);

@@ -138,7 +138,7 @@ enum class EntityKind : std::int32_t { None = -1, Variable = 0, Function = 1 };
 /// Which tables a database has, and what is prepared on it. Not stored.
 enum class DatabaseKind : std::uint32_t { Preprocessing = 1, Compilation = 2, Merge = 3 };
 
-/// Where the macro expansions of a dataset stand. Not stored.
+/// Where the macro expansions of a dataset are. Not stored.
 enum class MacroExpansionState : std::uint32_t { Pending = 0, Loaded = 1, Saved = 2 };
 
 }  // namespace orvalesca::databases_merger

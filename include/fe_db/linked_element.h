@@ -7,7 +7,7 @@ namespace orvalesca::databases_merger {
 class Type;
 
 /// Base of Variable and Function: something that a linker may know. A declaration and a definition
-/// stand at two positions and are two elements.
+/// have two positions and are two elements.
 class LinkedElement : public NamedElement {
  public:
   LinkedElement() = default;

@@ -13,7 +13,7 @@ namespace persistence {
 ///
 /// The environment variable FE_DB_DEBUG holds the highest level shown (unset or 0: none); it is
 /// read once, when the library is loaded. A level that is off costs one inline compare: the
-/// templates stand in front because a C-variadic function is never inlined.
+/// templates are in front because a C-variadic function is never inlined.
 ///
 /// Formats are printf's; a newline at their end is optional.
 class SHARED_PERSISTENCE_EXPORT Debug {

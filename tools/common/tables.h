@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// What the tables of a database file hold, column by column, and what their references lead to.
-/// It follows from the library's list of columns (`tables.cpp`); SQL texts are made of it.
+/// What the tables of a database file hold, column by column, and which tables their references are
+/// to. It follows from the library's list of columns (`tables.cpp`); SQL texts are made of it.
 namespace fe_db_tools {
 
 /// In table order.
@@ -44,11 +44,11 @@ enum class ColumnKind {
 /// What a row may hold in place of a value.
 enum class Presence {
   usual,     ///< a reference may be NULL or 0, anything else is there
-  required,  ///< a reference that always leads to a row
+  required,  ///< a reference that must be to a row that exists
   optional,  ///< NULL is a value
 };
 
-/// A value of the column that gives the kind of an entity, and the table that it stands for.
+/// A value of the column that gives the kind of an entity, and its table.
 struct EntityTable {
   long long kind;
   TableId table;

@@ -59,7 +59,7 @@ class AstRecorder : public ReferenceVisitor<AstRecorder> {
   /// Of the definitions recorded so far.
   void recordEffects();
 
-  // --- The function that a call stands in.
+  // --- The function that a call is in.
 
   bool TraverseDecl(clang::Decl* declaration);
   bool TraverseParmVarDecl(clang::ParmVarDecl* parameter);

@@ -27,7 +27,7 @@ const clang::NamedDecl* memberOf(clang::QualType type, clang::DeclarationName na
   return nullptr;
 }
 
-/// The class that all arguments lead to; null if some have a specialization of their own.
+/// The class that all arguments give; null if some have a specialization of their own.
 const clang::CXXRecordDecl* onlyPattern(const clang::TemplateSpecializationType& type) {
   auto* primary =
       llvm::dyn_cast_or_null<clang::ClassTemplateDecl>(type.getTemplateName().getAsTemplateDecl());

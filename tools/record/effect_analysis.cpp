@@ -264,7 +264,7 @@ Effect BodyScan::effectOfBuiltin(const clang::CallExpr& call, unsigned builtin) 
 
 // --- Loops.
 
-/// Whether a `return`, or a `break` of the loop itself, stands in it.
+/// Whether a `return`, or a `break` of the loop itself, is in it.
 bool hasExit(const clang::Stmt* statement, bool breakLeaves) {
   if (statement == nullptr || llvm::isa<clang::Expr>(statement)) return false;
   if (llvm::isa<clang::ReturnStmt>(statement)) return true;
@@ -300,7 +300,7 @@ void EffectAnalysis::run() {
   }
   for (bool hasChanged = true; hasChanged;) {
     hasChanged = false;
-    // Callees tend to come behind their callers.
+    // Callees tend to come after their callers.
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
       for (const std::size_t callee : node->callees) {
         if (nodes[callee].effect <= node->effect) continue;

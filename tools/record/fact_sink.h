@@ -60,7 +60,7 @@ struct FunctionFacts {
 };
 
 /// One expansion of a macro that no other expansion contains, with its place in the preprocessed
-/// text. `end` is the column behind it.
+/// text. `end` is the column after it.
 struct ExpansionFacts {
   dm::Macro* macro = nullptr;
   dm::Localization at;

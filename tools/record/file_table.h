@@ -39,10 +39,10 @@ class FileTable {
   void settleKinds();
 
   WrittenPlace written(clang::SourceLocation at) const;
-  /// Where the text of a location stands in a file: an argument of a macro call where it is
+  /// Where the text of a location is in a file: an argument of a macro call where it is
   /// written, other parts of an expansion at the name of the macro called. Without a file: 0, 0.
   dm::Localization locate(clang::SourceLocation at);
-  /// Where the token is spelled. Without a file, the column tells the origin.
+  /// Where the token is spelled. Without a file, the column gives the origin.
   dm::Localization locateSpelling(clang::SourceLocation at);
 
   /// REQUIRES: settleKinds().

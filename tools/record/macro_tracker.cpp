@@ -54,7 +54,7 @@ void MacroTracker::expands(dm::Macro* macro, clang::SourceLocation name, clang::
   extendCall(outer, call.getEnd());
 }
 
-/// Whether the line that the location stands on, continuations included, begins with a #. Such
+/// Whether the line of the location, continuations included, begins with a #. Such
 /// expansions end in the directive; only those of #if can be told from Clang's state.
 bool MacroTracker::isInDirective(clang::SourceLocation at) const {
   const auto [file, offset] = sources.getDecomposedLoc(at);
@@ -70,7 +70,7 @@ bool MacroTracker::containsName(const Outer& outer, clang::SourceLocation name) 
   return file == outer.file && offset >= outer.nameOffset && offset < outer.endOffset;
 }
 
-/// A nested call may take its parentheses from the source behind the outer one:
+/// A nested call may take its parentheses from the source after the outer one:
 ///   #define ALIAS ADD
 ///   ALIAS (1, 2)
 void MacroTracker::extendCall(Outer& outer, clang::SourceLocation end) const {
@@ -92,7 +92,7 @@ bool MacroTracker::continues(clang::SourceLocation token) const {
 
 void MacroTracker::leave(clang::SourceLocation token) {
   if (!waiting.empty() && waiting.front().isOpen) recordFront();
-  // An empty expansion stands behind the text that its own line has so far, or else in front of
+  // An empty expansion is after the text that its own line has so far, or else in front of
   // the next token.
   const clang::SourceLocation next = sources.getExpansionLoc(token);
   const unsigned nextLine = sources.getPresumedLoc(next).getLine();
@@ -103,7 +103,7 @@ void MacroTracker::leave(clang::SourceLocation token) {
   }
 }
 
-void MacroTracker::arrive(clang::SourceLocation token) {
+void MacroTracker::addToken(clang::SourceLocation token) {
   const clang::SourceLocation at = sources.getExpansionLoc(token);
   while (!waiting.empty() && (token.isFileID() || waiting.front().name != at)) {
     waiting.front().start = printer.place();
@@ -162,7 +162,7 @@ const MacroTracker::NestedList& MacroTracker::nestedAround(const Outer& outer,
   return known->second;
 }
 
-/// From a token of a body the way leads to the name of the call; from one of an argument both to
+/// From a token of a body one gets to the name of the call; from one of an argument both to
 /// the parameter in the body and to the place where the argument is written.
 void MacroTracker::collectNested(const Outer& outer, clang::SourceLocation at, NestedList& found,
                                  std::vector<clang::FileID>& seen) const {
@@ -237,8 +237,8 @@ bool MacroTracker::isParameterOf(const Outer& outer, clang::SourceLocation token
 }
 
 /// Where the token is written. Pasted tokens, strings made by # and what the compiler's own macros
-/// give are written nowhere: the first two stand at their operator in the macro's body, the last
-/// count as predefined, or stand at their name when that came in as an argument.
+/// give are written nowhere: the first two are at their operator in the macro's body, the last
+/// count as predefined, or are at their name if that came in as an argument.
 dm::Localization MacroTracker::originOf(const Outer& outer, clang::SourceLocation token) {
   bool isArgument = false;
   while (token.isMacroID()) {

@@ -27,7 +27,7 @@ class FileTable;
 /// outer one: it waits until a token with its location is printed, is open until a token of
 /// something else comes, and is recorded then. Calls that wait while a token of something later
 /// comes have expanded to nothing. Everything else is nested in the latest outer call: its name
-/// stands in a macro body or in an argument.
+/// is in a macro body or in an argument.
 class MacroTracker {
  public:
   MacroTracker(FactSink& sink, FileTable& files, const clang::Preprocessor& preprocessor,
@@ -41,7 +41,7 @@ class MacroTracker {
   /// Before the white space in front of a token that does not continue the open call.
   void leave(clang::SourceLocation token);
   /// After that white space.
-  void arrive(clang::SourceLocation token);
+  void addToken(clang::SourceLocation token);
   /// After a token is printed.
   void printed(clang::SourceLocation token, const PpPrinter::Place& start);
   /// Nothing goes on beyond this place: a file begins or ends.
@@ -52,7 +52,7 @@ class MacroTracker {
     dm::Macro* macro;
     clang::SourceLocation name;
     unsigned start = 0;
-    unsigned end = 0;           ///< column behind its last token
+    unsigned end = 0;           ///< column after its last token
     std::size_t lastToken = 0;  ///< of the outer call, from 1; 0: it has none
   };
   struct Token {
@@ -65,7 +65,7 @@ class MacroTracker {
     clang::SourceLocation name;
     clang::FileID file;
     unsigned nameOffset = 0;
-    unsigned endOffset = 0;  ///< in the file, behind the call
+    unsigned endOffset = 0;  ///< in the file, after the call
     bool isOpen = false;
     PpPrinter::Place start{};
     std::size_t textEnd = 0;

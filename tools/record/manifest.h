@@ -32,7 +32,7 @@ class UnitInputs {
   /// Of the contents of all files read, in the order in which they were read; empty if that is not
   /// certain.
   std::string digest() const;
-  /// As lines of a manifest. Empty when they do not tell what was read: a file that changed
+  /// As lines of a manifest. Empty when they do not say what was read: a file that changed
   /// meanwhile, a pipe, a name with a line break.
   std::string lines() const;
 

@@ -70,7 +70,7 @@ void PpPrinter::writeLineMarker(const char* flag) {
   text += '\n';
 }
 
-/// True when the text stands on a new line now.
+/// True when the text is on a new line now.
 bool PpPrinter::moveToLine(unsigned target, bool startNewLine) {
   bool isNewLine = false;
   if ((startNewLine && hasTokens) || hasDirective) {
@@ -99,7 +99,7 @@ void PpPrinter::fileChanged(clang::SourceLocation at, clang::PPCallbacks::FileCh
     moveToLine(presumedLine(presumed.getIncludeLoc()), /*startNewLine=*/false);
   }
   currentLine = presumed.getLine();
-  // The marker stands on the line after the pragma.
+  // The marker is on the line after the pragma.
   if (reason == clang::PPCallbacks::SystemHeaderPragma) ++currentLine;
   fileName = presumed.getFilename();
   fileKind = kind;

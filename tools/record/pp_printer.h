@@ -44,7 +44,7 @@ class PpPrinter {
   void finish() { text += '\n'; }
 
   Place place() const;
-  /// Line of the source that the text stands at.
+  /// Line of the source that the text is at.
   unsigned sourceLine() const { return currentLine; }
   const std::string& getText() const { return text; }
 

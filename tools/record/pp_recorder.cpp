@@ -83,7 +83,7 @@ void PpRecorder::Impl::token(const clang::Token& token) {
   const bool continues = tracker.continues(at);
   if (!continues) tracker.leave(at);
   printer.spaceBefore(token, /*onSameLine=*/continues || !isStartOfLine);
-  if (!continues) tracker.arrive(at);
+  if (!continues) tracker.addToken(at);
   isStartOfLine = false;
   const PpPrinter::Place start = printer.place();
   printer.print(token);
@@ -154,7 +154,7 @@ class Callbacks : public clang::PPCallbacks {
   }
 
   void PragmaDirective(clang::SourceLocation at, clang::PragmaIntroducerKind introducer) override {
-    // A _Pragma may stand in the middle of an expansion.
+    // A _Pragma may be in the middle of an expansion.
     if (introducer != clang::PIK_HashPragma) return;
     impl.tracker.flush();
     impl.printer.pragma(at);

@@ -250,7 +250,7 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
 
   Roles roles;
   const void* baseName = nullptr;  ///< of the base class that is being visited
-  const void* tagged = nullptr;    ///< the name behind a `struct`, `union`, `class` or `enum`
+  const void* tagged = nullptr;    ///< the name after a `struct`, `union`, `class` or `enum`
 };
 
 }  // namespace fe_db_tools

@@ -65,7 +65,7 @@ class References {
   void ignoreTypeName(clang::SourceLocation place) { declaredNames.insert(place); }
 
   /// While one exists, references come from an instantiation of what is declared at the place.
-  /// They repeat what the template has named itself, and lead to entities that only the compiler
+  /// They repeat what the template has named itself, and reference entities that only the compiler
   /// makes: neither counts. Of a system header only what it names of user files is of interest.
   class Instantiation {
    public:

@@ -14,14 +14,14 @@ namespace fe_db_tools {
 
 class FileTable;
 
-/// Names that tell functions apart across units: what a linker sees where it sees anything.
+/// Names that distinguish functions across units: what a linker sees where it sees anything.
 class UniqueNames {
  public:
   UniqueNames(clang::ASTContext& context, FileTable& files);
   ~UniqueNames();
 
   /// The linker's name: in C the function's own, in C++ the mangled one, or what an asm label
-  /// says. A function that no other unit can see gets "@" and the path of the file that it stands
+  /// says. A function that no other unit can see gets "@" and the path of the file that it is
   /// in: without it all static functions of one name would look like one. A template has no
   /// linker's name and gets Clang's universal symbol reference.
   std::string of(const clang::FunctionDecl& function);

@@ -11,7 +11,7 @@ class StmtExpr;
 
 namespace fe_db_tools {
 
-/// Finds the calls whose value is dropped: those that stand as a statement, on the left of a comma,
+/// Finds the calls whose value is dropped: those that are a statement, on the left of a comma,
 /// under a cast to void, and the like. The cast counts as dropping: it says so in the source.
 class ValueUse {
  public:

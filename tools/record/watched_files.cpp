@@ -33,7 +33,7 @@ class WatchedFiles : public llvm::vfs::ProxyFileSystem {
   std::string absolute(const llvm::Twine& path) const {
     llvm::SmallString<256> name;
     path.toVector(name);
-    // Leaves dots alone: behind a symbolic link they are not what they seem.
+    // Leaves dots alone: after a symbolic link they are not what they seem.
     (void)makeAbsolute(name);
     return name.str().str();
   }

@@ -18,7 +18,7 @@ using MergedElements =
                                   Label, Macro, TypeReference, Variable, ExternalIdentifier>{},
                          ExtensionElements{}));
 
-/// The private side of CompilationDataMerger. Its four topics stand in a file each: the connection
+/// The private side of CompilationDataMerger. Its four topics have a file each: the connection
 /// and what may be rewritten (lifecycle.cpp), rows to elements (load_rows.cpp), elements of a
 /// source to elements of the target (merge_tables.cpp), elements to rows (write_rows.cpp).
 class mergerImpl {

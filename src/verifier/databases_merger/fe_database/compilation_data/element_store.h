@@ -60,7 +60,7 @@ T& CompilationData::insertElement(const T& element) {
   return isNew ? insertionOrder->note(mutableElement(*place)) : mutableElement(*place);
 }
 
-/// Calls visit(element) for each element in the order of arrival; variables come sorted, and all
+/// Calls visit(element) for each element in insertion order; variables come sorted, and all
 /// macros of a name with the first of them, in their group's order.
 template <class T, class Visit>
 void CompilationData::eachElement(Visit&& visit) {

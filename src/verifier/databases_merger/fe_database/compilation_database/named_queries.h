@@ -88,7 +88,7 @@ inline constexpr ReportsStatement kAtBindAndReset = {true, false, true};
 inline constexpr ReportsStatement kAtAll = {true, true, true};
 inline constexpr char kId[] = "IdentifierId";
 
-// Numbers that stand in the texts.
+// Numbers in the texts.
 static_assert(static_cast<int>(LinkageKind::External) == 1);
 static_assert(static_cast<int>(EffectKind::NoEffect) == 0);
 static_assert(static_cast<int>(TypeKind::NamedMask) == 964);

@@ -16,7 +16,7 @@ struct Table {
   std::vector<TableStatement<T>> statements;  ///< indexed by StatementKind; empty without columns
   IdCache<T> idCache;
   bool isThere = true;                ///< in the file; known once it is connected
-  std::set<long long> idsWithoutRow;  ///< of idCache, those whose element stands for no row
+  std::set<long long> idsWithoutRow;  ///< of idCache, those whose element has no row
 };
 
 template <class... T>
