@@ -1,8 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
+#include "fe_db/element_containers.h"
 #include "fe_db/export.h"
 
 namespace orvalesca::databases_merger {
@@ -31,7 +34,8 @@ class mergerImpl;
 ///           target.commitTransaction();       // or db.commitTransaction(), which answers
 ///           target.closeDB();
 /// Covers:   File, Identifier, Function, CallPoint, EnumConstant, Type, Field, Label, Macro,
-///           TypeReference, Variable, ExternalIdentifier. Rows of the three tables of macro uses
+///           TypeReference, Variable, ExternalIdentifier; and the cross-reference, as far as a file
+///           has its five tables. Rows of the three tables of macro uses
 ///           are neither read nor written nor deleted.
 /// Errors:   reported on standard error. No operation answers; ask the database that openDB()
 /// gives:
@@ -63,7 +67,7 @@ class FE_DB_EXPORT CompilationDataMerger {
   /// saveToDB() prints the number of rows of each table on standard output. Cannot be undone.
   void setDebug();
 
-  /// Reads the twelve tables, each row as stored. REQUIRES: connected, and nothing loaded before.
+  /// Reads the tables, each row as stored. REQUIRES: connected, and nothing loaded before.
   ///
   /// Rows of one key become one element: the values are those of the first. A row that could not be
   /// merged is left out, with one report line per table: one that lacks its name, a variable
@@ -80,16 +84,22 @@ class FE_DB_EXPORT CompilationDataMerger {
   ///
   /// Where both know an element, counts add up, flags of names and types are united, a macro value
   /// that is missing is taken over, a macro undefined on either side is undefined; all other values
-  /// stay those of this merger. Each enum constant, field and label counts 1 more for its name.
+  /// stay those of this merger. Roles of references and flags of properties are united, and all
+  /// units count as folded. Each enum constant, field and label counts 1 more for its name.
   void mergeCompilationTables(CompilationDataMerger const& other);
 
-  /// Deletes the rows of the twelve tables. REQUIRES: loadDataFromDB() ran, or they are lost; a
+  /// Deletes the rows of the tables. REQUIRES: loadDataFromDB() ran, or they are lost; a
   /// transaction, or a failure after this step loses them too. Refused, with a report, when rows
   /// of the file are not in memory: a read failed, or rows were left out.
   void truncateDataFromDB();
   /// Inserts a row for every element; ids are given anew. REQUIRES: truncateDataFromDB() ran.
   /// Inside a transaction a refused row ends the writing, and the commit will roll back.
   void saveToDB();
+
+  /// The units that are in memory: those of this file, and of what was folded into it.
+  const UnitSet& getUnits() const;
+  /// The tables that the file lacks and that are not empty in memory: what saveToDB() cannot write.
+  std::vector<std::string> tablesNotInFile() const;
 
  private:
   std::unique_ptr<mergerImpl> impl;

@@ -89,6 +89,25 @@ void useElements(File& file, Identifier& name, Type& type, Function& function) {
   call.setCaller(nullptr), call.setCallee(nullptr), call.setIsValueUsed(true);
 }
 
+void useCrossReference(CompilationData& data, File& file, Type& type, Function& function) {
+  Unit& unit = data.emplaceUnit(&file, "", "", "");
+  UnitFile& unitFile = data.emplaceUnitFile(&unit, &file);
+  Include& include = data.emplaceInclude(&file, 1, &file, IncludeKind::Quoted);
+  const Localization at{&file, 1, 1};
+  Reference& place = data.emplaceReference(&function, at, ReferenceRoles::Call);
+  Property& property = data.emplaceProperty(&type, PropertyFlags::Local, &type, "");
+  use(data.emplaceFromDB(unit, true), data.emplaceFromDB(unitFile, true),
+      data.emplaceFromDB(include, true), data.emplaceFromDB(place, true),
+      data.emplaceFromDB(property, true), data.getProperty(&type), data.getUnits(),
+      data.getUnitFiles(), data.getIncludes(), data.getReferences(), data.getProperties());
+  use(unit.getMainFile(), unit.getDirectory(), unit.getOutput(), unit.getCommand(), unit.getName(),
+      unit.getRecorder(), unit.getOptions(), unit.getDigest(), unit.getIsFolded());
+  unit.setName(""), unit.setRecorder(""), unit.setOptions(""), unit.setDigest("");
+  use(unitFile.getUnit(), unitFile.getFile(), include.getIncluded(), include.getKind());
+  use(place.getEntity() == property.getEntity(), place.getRoles(), place.update(place));
+  use(property.getFlags(), property.getOwner(), property.getScope(), property.update(property));
+}
+
 void useDataset(CompilationData& data) {
   CompilationData::newCompilationInstanceIfNotAlreadyDone("", "");
   use(CompilationData::newInstance("", ""), CompilationData::compilationDatabase());
@@ -128,6 +147,7 @@ void useDataset(CompilationData& data) {
       data.emplaceFromDB(*external, true), data.emplaceFromDB(field, true),
       data.emplaceFromDB(*constant, true), data.emplaceFromDB(*label, true),
       data.emplaceFromDB(*call, true));
+  useCrossReference(data, file, *type, *function);
 
   use(data.getType(at, name), data.getField(at, name), data.getEnumConstant(at, name),
       data.getLabel(at, name), data.getCallPoint(at, function), data.getVariable(at, name),
@@ -176,7 +196,8 @@ void useDatabases(CompilationData& data) {
   use(data.getPpDb().addTables());
   use(db.quick_connect(true), db.isConnected(), db.beginTransaction(), db.beginReading(),
       db.commitTransaction(), db.rollbackTransaction(), db.lastInsertRowID(), db.execute(""),
-      db.hasFailed(), db.lastFailure(), db.leftOutRows(), db.lostReferences(), db.getPath());
+      db.hasFailed(), db.lastFailure(), db.leftOutRows(), db.lostReferences(), db.getPath(),
+      db.hasTable(""));
   db.setBusyTimeout(1), db.disconnect();
   persistence::Database& base = db;
   use(base.prepareStatements());
@@ -190,6 +211,7 @@ void useMerger() {
   target.beginTransaction(), target.setDebug(), target.loadDataFromDB();
   target.mergeCompilationTables(source);
   target.truncateDataFromDB(), target.saveToDB(), target.commitTransaction(), target.closeDB();
+  use(target.getUnits(), target.tablesNotInFile());
 }
 
 void usePersistence(sqlite3* connection) {

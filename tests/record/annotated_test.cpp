@@ -41,7 +41,8 @@ TEST_P(AnnotatedSource, IsRecordedAsItsAnnotationsSay) {
   const std::string source = withoutAnnotations(annotated);
   write(GetParam(), source);
   std::vector<std::string> command{"--keep-preprocessed", "--", "gcc"};
-  if (GetParam().ends_with(".cpp")) command.insert(command.end(), {"-x", "c++", "-std=c++20"});
+  const std::string standard = GetParam().ends_with("14.cpp") ? "-std=c++14" : "-std=c++20";
+  if (GetParam().ends_with(".cpp")) command.insert(command.end(), {"-x", "c++", standard});
   command.insert(command.end(), {"-DFROM_COMMAND_LINE=7", "-c", GetParam()});
   recordQuietly(command);
 

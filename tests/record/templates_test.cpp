@@ -39,6 +39,24 @@ TEST_F(RecordTemplates, MembersAreDeclaredOnceHoweverManyInstantiationsThereAre)
             "0\n");
 }
 
+TEST_F(RecordTemplates, ConceptsReferToWhatTheyAskFor) {
+  write("asked.cpp",
+        "template <class T> concept Valued = requires { typename T::value_type; };\n"
+        "template <class T> concept Sized = Valued<T> && requires(const T& t) { t.extent; };\n"
+        "struct Given { using value_type = int; int extent; };\n"
+        "struct Checked { using value_type = int; int extent; };\n"
+        "struct Other { using value_type = int; int extent; };\n"
+        "template <Sized T> int constrained(T) { return 1; }\n"
+        "int result = constrained(Given());\n"
+        "static_assert(Sized<Checked>);\n");
+  recordQuietly({"--", "g++", "-std=c++20", "-c", "asked.cpp"});
+  EXPECT_EQ(rows(outputEnding(".comp.db"),
+                 "SELECT DeclLineNum, RefCount FROM Type JOIN Identifier USING (IdentifierId) "
+                 "WHERE Name = 'value_type';"
+                 "SELECT DeclLineNum, RefCount FROM Field"),
+            "3|1\n4|1\n5|0\n3|1\n4|1\n5|0\n");
+}
+
 /// With the declarations of system headers and without.
 class SystemTemplate : public RecordTemplates,
                        public testing::WithParamInterface<std::vector<std::string>> {};

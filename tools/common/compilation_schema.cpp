@@ -91,12 +91,12 @@ void createPreprocessingDatabase(const std::string& path) {
   writeNewFile(path, builder.commit());
 }
 
-std::vector<std::string> extensionCreations() {
-  std::vector<std::string> texts;
+std::vector<ExtensionTable> extensionTables() {
+  std::vector<ExtensionTable> tables;
   for (const Table& table : kTables) {
-    if (table.isExtension) texts.push_back(creationOf(table));
+    if (table.isExtension) tables.push_back({table.name, creationOf(table)});
   }
-  return texts;
+  return tables;
 }
 
 std::size_t countRows(const std::string& path) {

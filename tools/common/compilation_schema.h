@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fe_db_tools {
@@ -21,8 +22,12 @@ void createCompilationDatabase(const std::string& path, KeyIndexes indexes);
 /// The same for a preprocessing database, made at once.
 void createPreprocessingDatabase(const std::string& path);
 
-/// The texts that create the tables which a compilation database may lack, in table order.
-std::vector<std::string> extensionCreations();
+/// A table that a compilation database may lack, and the text that creates it.
+struct ExtensionTable {
+  std::string_view name;
+  std::string sql;
+};
+std::vector<ExtensionTable> extensionTables();
 
 /// Rows of all tables together. Throws std::runtime_error if they cannot be read.
 std::size_t countRows(const std::string& path);

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "canonical_text.h"
+#include "nearest_word.h"
 #include "record_kinds.h"
 #include "subcommands.h"
 #include "tables.h"
@@ -62,6 +63,8 @@ void addStats(CLI::App& program, Action& action) {
   CLI::App* command =
       program.add_subcommand("stats", "Show rows per table, file size and bytes per row");
   command->add_option("FILE", options->file, "The database file")->required();
+  command->add_flag("--units", options->units,
+                    "List the units instead: main file, object (or command), recorder, options");
   command->add_flag("--json", options->json, "One JSON object per line");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
@@ -96,7 +99,8 @@ void addDiff(CLI::App& program, Action& action) {
       program.add_subcommand("diff", "Compare the content of two files, ignoring row ids");
   command->footer(
       "Prints the rows that only A has with '-' and those that only B has with '+', in the format\n"
-      "of `fe_db dump`. Exits with 1 if there are any.");
+      "of `fe_db dump`. Exits with 1 if there are any. `--table Unit` compares the units of two\n"
+      "merged files: those that only one has, and those that were recorded anew.");
   command->add_option("A", options->left, "The first database file")->required();
   command->add_option("B", options->right, "The second database file")->required();
   addTableOption(*command, options->table);
@@ -116,7 +120,9 @@ void addMerge(CLI::App& program, Action& action) {
       "standard input. Sources are merged in the order given; where two disagree, the first value\n"
       "is kept, and counts add up. TARGET is created if it does not exist; otherwise its content\n"
       "comes first, and its triggers do not run. On any failure TARGET either has the result of\n"
-      "the whole merge or is unchanged.");
+      "the whole merge or is unchanged.\n"
+      "A source with a unit that TARGET or an earlier source already has would count it twice: it\n"
+      "is refused unless --replace, --skip-known or --again is given.");
   command->add_option("TARGET", options->target, "The file to merge into")->required();
   command->add_option("SOURCE", options->sources, "The files to merge, or lists of them")
       ->required();
@@ -126,7 +132,13 @@ void addMerge(CLI::App& program, Action& action) {
   command->add_flag("--index,!--no-index", options->index,
                     "Create the search indexes in the merged file, or omit them (default: create)");
   command->add_flag("--keep-going", options->keepGoing,
-                    "Skip sources that cannot be read; the exit code is still 1");
+                    "Skip sources that cannot be merged; the exit code is still 1");
+  command->add_flag("--replace", options->replace,
+                    "Make TARGET anew from the sources; its old content goes");
+  auto* skipKnown = command->add_flag("--skip-known", options->skipKnown,
+                                      "Skip sources whose units TARGET or an earlier source has");
+  command->add_flag("--again", options->again, "Merge units again that TARGET has already")
+      ->excludes(skipKnown);
   command->add_flag("--strict", options->strict,
                     "Exit with 1 if rows or references of a source had to be skipped");
   command->add_flag("--debug", options->debug, "Print the number of rows of each table");
@@ -139,22 +151,28 @@ void addMerge(CLI::App& program, Action& action) {
 constexpr char kFindHelp[] = R"(QUESTION is a kind of entity:
   functions variables types macros fields enum-constants labels calls externals
 or one of
+  uses NAME            where it is read, written, called, ... (--role ROLE)
+  definition NAME      where a function, variable, type or macro is defined
+  declarations NAME    where else it is declared
+  callers NAME         the calls to a function; with --depth N a tree of callers
+  callees NAME         the calls in a function; likewise
+  members TYPE         the fields, functions, constants and types of a class, struct, union or enum
+  overrides FUNCTION   the functions that override it
+  includers FILE       the files that include it; with --depth N a tree
+  includes FILE        the files that it includes; likewise
+  units [FILE]         the translation units, or those that read FILE
   unused [macros] [types] [tags] [variables] [fields]   unused entities; without a kind, of all five
   no-effect-calls      calls that discard the result of a function without side effects
   long-names           entities of all kinds whose names have --min-length N characters or more
-  definition NAME      where a function, variable, type or macro is defined
-  declarations NAME    where else it is declared
-  callers NAME         the calls to a function
-  callees NAME         the calls in a function
-NAME is an identifier or, for functions, the name in the source; for calls, --name matches caller
-or callee. The length is that of the identifier, which for a C++ function is the mangled name.
---min-length and --ref-count exclude unnamed types. "unused" finds: macros defined in a file; types
-without a tag (typedefs); tags, that is struct, union, enum and class types, that are named neither
-with nor without that keyword; variables of which no declaration is used, in any file if external,
-in the same file if internal; fields. fe_db merge does not store reference counts of functions.
+NAME is plain (AddTarget), qualified (Plan::AddTarget), with parameters (Plan::AddTarget(int)), or a
+mangled name. If it means several things, all are answered for and standard error lists them. FILE
+is a path, relative to the working directory or as it is stored, the last parts of one, a directory
+(all below it), or a glob. The length is that of the identifier, which for a C++ function is the
+mangled name. --min-length and --ref-count exclude unnamed types. References of functions are
+counted where the units were recorded with references.
 Prints path:line:column: kind name [attributes], with - for no file and \xNN for bytes that are not
-text. Prints nothing if nothing is found; that is not a failure. Files without the indexes of
-fe_db index take longer.)";
+text, ordered by file, line and column. Exit code 1 if the file has nothing of the given name. Files
+without the indexes of fe_db index take longer.)";
 
 void addFind(CLI::App& program, Action& action) {
   auto options = std::make_shared<FindOptions>();
@@ -164,7 +182,12 @@ void addFind(CLI::App& program, Action& action) {
   command->add_option("FILE", options->file, "A compilation database")->required();
   command->add_option("QUESTION", options->question, "What to find; see below")->required();
   command->add_option("WORD", filter.words, "The argument of the question");
-  command->add_option("--name", filter.name, "Only entities of this name");
+  command->add_option("--name", filter.name, "Only entities of this name, as for NAME");
+  command->add_option("--role", filter.role, "uses: only those with this role");
+  command
+      ->add_option("--depth", options->depth,
+                   "callers, callees, includers, includes: a tree of so many steps")
+      ->check(CLI::Range(1, 1000));
   command->add_option("--min-length", filter.minLength,
                       "Only names of at least this many characters");
   command
@@ -179,10 +202,13 @@ void addFind(CLI::App& program, Action& action) {
           {"external", kinds::numberOf(kinds::kExternalLinkage)},
           {"internal", kinds::numberOf(kinds::kInternalLinkage)}}));
   command->add_flag("--defined", filter.defined, "Only definitions; for types, complete ones");
-  command->add_option("--file", filter.fileGlob,
-                      "Only in files whose path matches; * also matches /");
+  command->add_option(
+      "--file", filter.fileGlob,
+      "Only in this file, in the files below this directory, or in files whose path "
+      "matches this glob; * also matches /");
   command->add_option("--limit", options->limit, "Print at most this many")
       ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+  command->add_flag("--explain", options->explain, "Print SQLite's plan instead of answers");
   auto* count = command->add_flag("--count", options->count, "Print only the number");
   auto* json = command->add_flag("--json", options->json, "One JSON object per line");
   auto* sarif = command->add_flag("--sarif", options->sarif,
@@ -228,13 +254,16 @@ void addCheck(CLI::App& program, Action& action) {
 void addIndex(CLI::App& program, Action& action) {
   auto options = std::make_shared<IndexOptions>();
   CLI::App* command = program.add_subcommand(
-      "index", "Create the search indexes of a compilation database if they are missing");
+      "index", "Create the search indexes and views of a compilation database if they are missing");
   command->footer(
-      "With the indexes, `fe_db find` and the searches of the library take as long in a large "
-      "file\n"
-      "as in a small one. They do not change any answer. They slow down saving.");
+      "With the indexes, `fe_db find` and the searches of the library take as long in a large\n"
+      "file as in a small one. They do not change any answer. They slow down saving. The views,\n"
+      "fe_functions, fe_calls and others, have names joined and kinds in words, for SQL by hand;\n"
+      "they take no space.");
   command->add_option("FILE", options->file, "The database file")->required();
-  command->add_flag("--drop", options->drop, "Drop the indexes instead");
+  command->add_flag("--drop", options->drop, "Drop the indexes and views instead");
+  command->add_flag("--extensions", options->extensions,
+                    "Also add the empty tables of the cross-reference that the file lacks");
   addWaitOption(*command, options->waitSeconds);
   command->callback([options, &action] {
     action = namingFiles(options->file, [options] { return makeIndexes(*options); });
@@ -247,6 +276,31 @@ std::string adviceFor(const CLI::App& program) {
   return "; see fe_db " + (given.empty() ? "" : given.front()->get_name() + ' ') + "--help";
 }
 
+/// For a word that no subcommand or option has.
+std::string nearestTo(const std::string& word, const CLI::App& program) {
+  const auto given = program.get_subcommands();
+  std::vector<std::string> known;
+  if (!given.empty()) {
+    for (const CLI::Option* option : given.front()->get_options()) {
+      known.push_back(option->get_name());
+    }
+  } else {
+    for (const CLI::App* command : program.get_subcommands(nullptr)) {
+      known.push_back(command->get_name());
+    }
+  }
+  return suggestion(word, known);
+}
+
+std::string messageFor(const CLI::App& program, const CLI::Error& error) {
+  std::string message = printable(error.what());
+  const std::vector<std::string> rest = program.remaining(/*recurse=*/true);
+  if (!rest.empty())
+    message = "unknown word \"" + printable(rest.front()) + '"' + nearestTo(rest.front(), program);
+  const bool hasAdvice = message.find("--help") != std::string::npos;
+  return "fe_db: " + message + (hasAdvice ? "" : adviceFor(program)) + '\n';
+}
+
 }  // namespace
 
 Command parseCommandLine(int argc, char** argv) {
@@ -257,11 +311,9 @@ Command parseCommandLine(int argc, char** argv) {
   program.footer(
       "`fe_db SUBCOMMAND --help` describes a subcommand.\n"
       "Exit codes: 0 done; 1 a file failed, or a difference or damage was found; 2 wrong usage.");
-  program.failure_message([](const CLI::App* app, const CLI::Error& error) {
-    const std::string message = printable(error.what());
-    const bool hasAdvice = message.find("--help") != std::string::npos;
-    return "fe_db: " + message + (hasAdvice ? "" : adviceFor(*app)) + '\n';
-  });
+  program.failure_message(
+      [](const CLI::App* app, const CLI::Error& error) { return messageFor(*app, error); });
+  program.set_version_flag("--version", std::string("fe_db ") + FE_DB_VERSION);
   Command command;
   addInit(program, command.run);
   addStats(program, command.run);

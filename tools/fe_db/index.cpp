@@ -13,18 +13,6 @@ namespace {
 using orvalesca::databases_merger::CompilationData;
 using orvalesca::databases_merger::CompilationDatabase;
 
-/// The texts of the file's own indexes: an index of a known name may still be a different one.
-std::set<std::string> indexTexts(const std::string& path, int waitSeconds) {
-  const ReadOnlyFile file(path, waitSeconds);
-  const Statement texts =
-      file.prepare("SELECT sql FROM sqlite_schema WHERE type='index' AND sql IS NOT NULL");
-  std::set<std::string> known;
-  while (file.step(texts)) {
-    known.emplace(reinterpret_cast<const char*>(sqlite3_column_text(texts.get(), 0)));
-  }
-  return known;
-}
-
 }  // namespace
 
 int makeIndexes(const IndexOptions& options) {
@@ -38,7 +26,15 @@ int makeIndexes(const IndexOptions& options) {
                              ": cannot be locked for writing; check that it is writable and that "
                              "no other program is writing it, or increase --wait");
   }
-  options.drop ? dropSearchIndexes(db) : makeSearchIndexes(db, known);
+  if (options.extensions) addExtensions(db);
+  const std::set<std::string> foreign = foreignViewNames(options.file, options.waitSeconds);
+  if (options.drop) {
+    dropSearchIndexes(db);
+    dropViews(db, foreign);
+  } else {
+    makeSearchIndexes(db, known);
+    makeViews(db, foreign);
+  }
   if (!db.lastFailure().reason.empty() || !db.commitTransaction()) {
     throw std::runtime_error(options.file + ": the file is unchanged: " + failureOf(db));
   }

@@ -1,28 +1,37 @@
 #include "merge_target.h"
 
+#include <sqlite3.h>
+
+#include <filesystem>
 #include <stdexcept>
 
 #include "compilation_schema.h"
 #include "index_changes.h"
 #include "merge_input.h"
-#include "read_only_file.h"
 
 namespace fe_db_tools {
 namespace {
 
 /// After a failure in the middle of a write SQLite leaves pages of it in the file, and the journal
-/// next to it, until a program reads the file. If that fails now, the next program that reads the
-/// file does it.
+/// next to it, until a program reads the file; a journal that nothing of it depends on stays until
+/// the next write. If this fails, the next program that reads the file does it.
 void rollBackIncompleteWrite(const std::string& path) {
-  try {
-    const ReadOnlyFile file(path, /*waitSeconds=*/0);
-  } catch (const std::runtime_error&) {
+  sqlite3* connection = nullptr;
+  const std::string file = std::filesystem::absolute(path).string();  // no name is a URI
+  if (sqlite3_open_v2(file.c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
+    // Leaving the mode that keeps journals deletes the one that is there, under the write lock.
+    sqlite3_exec(connection,
+                 "SELECT count(*) FROM sqlite_schema; PRAGMA journal_mode=PERSIST; "
+                 "PRAGMA journal_mode=DELETE",
+                 nullptr, nullptr, nullptr);
   }
+  sqlite3_close(connection);
 }
 
 }  // namespace
 
-MergeTarget::MergeTarget(std::string file, int waitSeconds) : path(std::move(file)) {
+MergeTarget::MergeTarget(std::string file, Content treatment, int waitTime)
+    : path(std::move(file)), content(treatment), waitSeconds(waitTime) {
   if (!isTaken(path)) {
     newFile.emplace(path, waitSeconds);
     // Another run may have made the file while this one waited for the temporary name.
@@ -46,6 +55,10 @@ MergeTarget::MergeTarget(std::string file, int waitSeconds) : path(std::move(fil
                              ": cannot be locked for writing; check that it is writable and that "
                              "no other program is writing it, or increase --wait");
   }
+  if (content == Content::kept) load();
+}
+
+void MergeTarget::load() {
   loadMergeInput(*merger, *db, path);
   factsBefore = db->countRowsListed();
   refuseLoss();
@@ -62,11 +75,25 @@ void MergeTarget::refuseLoss() const {
                            tables + "); remove them, or merge into a new file");
 }
 
+/// In place, inside the transaction: another name for the file still means the same file, and who
+/// waits for its lock waits for the right one. Failures fail the transaction.
+void MergeTarget::makeAnew() {
+  for (const char* table : {"MacroInvocation", "MacroInvocationCodeOrigin", "MacroExpansion"}) {
+    (void)db->execute(std::string("DELETE FROM ") + table);
+  }
+  if (db->hasTable("sqlite_sequence")) (void)db->execute("DELETE FROM sqlite_sequence");
+  addExtensions(*db);
+}
+
 void MergeTarget::write(bool withIndexes) {
+  // Read while nobody else can write; a new file has nothing of its own yet.
+  const auto foreign = isNew() ? std::set<std::string>() : foreignViewNames(path, waitSeconds);
   dropSearchIndexes(*db);
+  if (content == Content::replaced && !isNew()) makeAnew();
   merger->truncateDataFromDB();
   merger->saveToDB();
   if (withIndexes) makeSearchIndexes(*db);
+  makeViews(*db, foreign);
   if (!db->commitTransaction()) {
     const std::string failure = failureOf(*db);
     merger->closeDB();

@@ -15,9 +15,11 @@ namespace fe_db_tools {
 /// temporary name. Either way the file is unchanged until write() returns.
 class MergeTarget {
  public:
-  /// Reads the whole file if it exists. Throws std::runtime_error when it cannot be read or
-  /// locked, or has rows that the rewriting would lose.
-  MergeTarget(std::string path, int waitSeconds);
+  enum class Content { kept, replaced };
+
+  /// Reads the whole file if it exists and its content is kept. Throws std::runtime_error when it
+  /// cannot be read or locked, or has rows that the rewriting would lose.
+  MergeTarget(std::string path, Content content, int waitSeconds);
 
   orvalesca::databases_merger::CompilationDataMerger& getMerger() { return *merger; }
   bool isNew() const { return newFile.has_value(); }
@@ -31,9 +33,13 @@ class MergeTarget {
   unsigned long long factsStored() const { return db->countRowsAdded(); }
 
  private:
+  void load();
   void refuseLoss() const;
+  void makeAnew();
 
   std::string path;
+  Content content;
+  int waitSeconds;
   // In an order in which they can be destroyed: SQLite removes its journal, the names may be
   // another run's after that of the new file.
   std::optional<NewFile> newFile;

@@ -46,10 +46,12 @@ class ReadOnlyFile {
   const std::string& getPath() const { return path; }
   sqlite3* getConnection() const { return connection.get(); }
 
-  /// A file of this kind has the table; for one that it may lack: this file has it.
+  /// A file of this kind has the table; for one that it may lack: this file has it, and what its
+  /// rows mean nothing without.
   bool has(const Table& table) const {
-    return table.isExtension ? isCompilation && tableExists(table.name)
-                             : isCompilation || !table.onlyInCompilation;
+    if (!table.isExtension) return isCompilation || !table.onlyInCompilation;
+    return isCompilation && tableExists(table.name) &&
+           (table.id != TableId::unitFile || tableExists(tableOf(TableId::unit).name));
   }
   void require(const Table& table) const;
   bool isCompilationDatabase() const { return isCompilation; }

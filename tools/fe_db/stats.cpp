@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include <array>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -63,10 +64,41 @@ void printJson(const Stats& stats, const std::string& file) {
   line(whole);
 }
 
+/// One line each, in the order of paths: main file, object or command, recorder, facts asked for.
+void printUnits(const ReadOnlyFile& file, bool json) {
+  file.require(tableOf(TableId::unit));
+  constexpr const char* kNames[] = {"name",    "file",     "directory", "output",
+                                    "command", "recorder", "options",   "digest"};
+  const Statement units = file.prepare(
+      "SELECT Name, Path, Directory, Output, Command, Recorder, Options, Digest FROM Unit LEFT "
+      "JOIN File ON FileId=MainFileId ORDER BY Path, Directory, Output, Command");
+  while (file.step(units)) {
+    std::array<std::string, std::size(kNames)> values;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const auto* text = sqlite3_column_text(units.get(), static_cast<int>(i));
+      appendEscaped(values[i], text != nullptr ? reinterpret_cast<const char*>(text) : "",
+                    Colons::plain);
+    }
+    if (json) {
+      nlohmann::ordered_json line;
+      for (std::size_t i = 0; i < values.size(); ++i) line[kNames[i]] = values[i];
+      print(line.dump() + "\n");
+    } else {
+      const auto& [name, path, directory, output, command, recorder, options, digest] = values;
+      print(path + '\t' + (output.empty() ? command : output) + '\t' + recorder + '\t' + options +
+            '\n');
+    }
+  }
+}
+
 }  // namespace
 
 int showStats(const StatsOptions& options) {
   const ReadOnlyFile file(options.file, options.waitSeconds);
+  if (options.units) {
+    printUnits(file, options.json);
+    return kDone;
+  }
   const Stats stats = gather(file);
   options.json ? printJson(stats, options.file) : printText(stats);
   return kDone;

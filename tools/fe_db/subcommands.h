@@ -38,6 +38,7 @@ int init(const InitOptions& options);
 struct IndexOptions {
   std::string file;
   bool drop = false;
+  bool extensions = false;
   int waitSeconds = kDefaultWaitSeconds;
 };
 int makeIndexes(const IndexOptions& options);
@@ -45,6 +46,7 @@ int makeIndexes(const IndexOptions& options);
 struct StatsOptions {
   std::string file;
   bool json = false;
+  bool units = false;
   int waitSeconds = kDefaultWaitSeconds;
 };
 int showStats(const StatsOptions& options);
@@ -71,6 +73,9 @@ struct MergeOptions {
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
   bool index = true;
   bool keepGoing = false;
+  bool replace = false;
+  bool skipKnown = false;
+  bool again = false;
   bool strict = false;
   bool debug = false;
   int waitSeconds = kDefaultWaitSeconds;
@@ -79,13 +84,14 @@ int merge(const MergeOptions& options);
 
 /// Restricts a search: every given condition has to hold.
 struct FindFilter {
-  std::vector<std::string> words;   ///< kinds of unused entities; none: all
+  std::vector<std::string> words;   ///< the arguments of the question
   std::optional<std::string> name;  ///< the identifier or, of a function, its name in the source
   std::optional<std::size_t> minLength;
   std::optional<int> refCount;
   std::optional<std::uint32_t> linkage;
   bool defined = false;
   std::optional<std::string> fileGlob;
+  std::string role;  ///< of references; empty: any
 };
 struct FindOptions {
   std::string file;
@@ -93,6 +99,8 @@ struct FindOptions {
   std::vector<std::string> given;  ///< the names of the options that were given
   FindFilter filter;
   std::optional<std::size_t> limit;
+  std::optional<unsigned> depth;
+  bool explain = false;
   bool count = false;
   bool json = false;
   bool sarif = false;

@@ -246,7 +246,7 @@ bool AstRecorder::VisitCallExpr(clang::CallExpr* call) {
 bool AstRecorder::VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
   Base::VisitCXXConstructExpr(construction);
   const clang::CXXConstructorDecl* callee = construction->getConstructor();
-  if (!callee->isUserProvided()) return true;
+  if (!callee->isUserProvided() || construction->isElidable()) return true;
   recordCall(*callee, construction->getLocation(), !values.isDropped(*construction));
   return true;
 }
@@ -297,7 +297,7 @@ void recordAst(FactSink& sink, FileTable& files, Properties& properties, clang::
                SystemFacts system, ReferenceFacts referenceFacts) {
   TypeTable types(sink, files, properties, context);
   EntityTable entities(sink, files, types, properties, context);
-  References references(sink, files, types, entities, context, referenceFacts);
+  References references(sink, files, types, entities, context, system, referenceFacts);
   AstRecorder recorder(sink, files, types, entities, references, context, system);
   recorder.recordUnit();
   properties.record(types, entities);

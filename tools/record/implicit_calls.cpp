@@ -13,17 +13,10 @@ namespace fe_db_tools {
 
 namespace {
 
-/// Its object is that of its argument, which need not be copied.
-const clang::Expr* elided(const clang::Expr* value) {
-  const auto* construction = llvm::dyn_cast<clang::CXXConstructExpr>(value);
-  const bool isElidable = construction != nullptr && construction->isElidable();
-  return isElidable ? construction->getArg(0) : nullptr;
-}
-
 /// What makes the value, without what the compiler has put around it.
 const clang::Expr* maker(const clang::Expr* value) {
   while (value != nullptr) {
-    const clang::Expr* inner = elided(value);
+    const clang::Expr* inner = elidedCopy(*value);
     if (const auto* full = llvm::dyn_cast<clang::FullExpr>(value)) inner = full->getSubExpr();
     if (const auto* paren = llvm::dyn_cast<clang::ParenExpr>(value)) inner = paren->getSubExpr();
     if (const auto* cast = llvm::dyn_cast<clang::CastExpr>(value)) inner = cast->getSubExpr();
@@ -49,6 +42,16 @@ const clang::Expr* initOf(const clang::Stmt* declaration) {
 clang::SourceLocation placeOf(const clang::CXXBaseSpecifier& base) {
   const clang::TypeSourceInfo* written = base.getTypeSourceInfo();
   return written == nullptr ? base.getBeginLoc() : written->getTypeLoc().getBeginLoc();
+}
+
+clang::SourceLocation placeOf(const clang::CXXCtorInitializer& part,
+                              const clang::CXXRecordDecl& parent) {
+  if (part.isAnyMemberInitializer()) return part.getAnyMember()->getLocation();
+  for (const clang::CXXBaseSpecifier& base : parent.bases()) {
+    const auto* record = base.getType()->getAsCXXRecordDecl();
+    if (record == part.getBaseClass()->getAsCXXRecordDecl()) return placeOf(base);
+  }
+  return {};
 }
 
 }  // namespace
@@ -88,7 +91,8 @@ void ImplicitCalls::destroy(clang::QualType type, const Site& site,
 }
 
 /// The call that the statement is, below conversions of its value.
-void ImplicitCalls::addOutermost(const clang::Stmt* statement, const Site& site) {
+void ImplicitCalls::addOutermost(const clang::Stmt* statement, const Site& site,
+                                 clang::SourceLocation otherwise) {
   const auto* value = llvm::dyn_cast_or_null<clang::Expr>(statement);
   while (value != nullptr) {
     value = maker(value);
@@ -96,10 +100,10 @@ void ImplicitCalls::addOutermost(const clang::Stmt* statement, const Site& site)
     const auto* rewritten = llvm::dyn_cast<clang::CXXRewrittenBinaryOperator>(value);
     const auto* construction = llvm::dyn_cast<clang::CXXConstructExpr>(value);
     if (const auto* call = llvm::dyn_cast<clang::CallExpr>(value)) {
-      return add(call->getDirectCallee(), site);
+      return add(call->getDirectCallee(), site, otherwise);
     }
     if (construction != nullptr && construction->getConstructor()->isUserProvided()) {
-      return add(construction->getConstructor(), site);
+      return add(construction->getConstructor(), site, otherwise);
     }
     value = nullptr;
     if (negation != nullptr && negation->getOpcode() == clang::UO_LNot) {
@@ -151,107 +155,56 @@ void ImplicitCalls::enter(const clang::Stmt& statement, const clang::FunctionDec
 /// `site`: without a place, the statement is in the source as it is.
 void ImplicitCalls::visit(const clang::Stmt& statement, const Site& site) {
   using clang::Stmt;
+  owned.enter(statement);
+  const auto placeOr = [&](clang::SourceLocation own) {
+    return Site{site.caller, site.at.isValid() ? site.at : own};
+  };
   switch (statement.getStmtClass()) {
     case Stmt::CXXDefaultArgExprClass: {
       const auto& argument = llvm::cast<clang::CXXDefaultArgExpr>(statement);
-      addWithin(argument.getExpr(), {site.caller, argument.getParam()->getLocation(), false});
-      break;
+      const Site parameter{site.caller, argument.getParam()->getLocation(), false};
+      return addWithin(argument.getExpr(), parameter);
     }
     case Stmt::CXXDefaultInitExprClass: {
       const auto& value = llvm::cast<clang::CXXDefaultInitExpr>(statement);
-      markOwned(value.getExpr());
-      addWithin(value.getExpr(), {site.caller, value.getField()->getLocation(), false});
-      break;
+      return addWithin(value.getExpr(), {site.caller, value.getField()->getLocation(), false});
     }
     case Stmt::CXXBindTemporaryExprClass: {
       const auto& temporary = llvm::cast<clang::CXXBindTemporaryExpr>(statement);
-      const clang::SourceLocation at = site.at.isValid() ? site.at : temporary.getEndLoc();
-      if (owned.count(&temporary) != 0) break;
-      add(temporary.getTemporary()->getDestructor(), {site.caller, at});
-      break;
+      if (owned.contains(temporary)) return;
+      return add(temporary.getTemporary()->getDestructor(), placeOr(temporary.getEndLoc()));
     }
     case Stmt::MaterializeTemporaryExprClass:
-      enterExtended(llvm::cast<clang::MaterializeTemporaryExpr>(statement), site);
-      break;
+      return enterExtended(llvm::cast<clang::MaterializeTemporaryExpr>(statement), site);
+    case Stmt::InitListExprClass:
+      if (site.at.isValid()) return;
+      return enterInitializers(llvm::cast<clang::InitListExpr>(statement), site.caller);
     case Stmt::CXXDeleteExprClass: {
       const auto& expression = llvm::cast<clang::CXXDeleteExpr>(statement);
-      const Site here{site.caller, site.at.isValid() ? site.at : expression.getBeginLoc()};
+      const Site here = placeOr(expression.getBeginLoc());
       destroy(expression.getDestroyedType(), here);
-      enterAllocation(expression.getOperatorDelete(), here);
-      break;
+      return addAllocation(expression.getOperatorDelete(), here);
     }
     case Stmt::CXXNewExprClass: {
       const auto& expression = llvm::cast<clang::CXXNewExpr>(statement);
-      markOwned(expression.getInitializer());
-      enterAllocation(expression.getOperatorNew(),
-                      {site.caller, site.at.isValid() ? site.at : expression.getBeginLoc()});
-      break;
-    }
-    case Stmt::ReturnStmtClass:
-      markOwned(llvm::cast<clang::ReturnStmt>(statement).getRetValue());
-      break;
-    case Stmt::CXXThrowExprClass:
-      markOwned(llvm::cast<clang::CXXThrowExpr>(statement).getSubExpr());
-      break;
-    case Stmt::CXXConstructExprClass:
-      markOwned(elided(&llvm::cast<clang::Expr>(statement)));
-      break;
-    case Stmt::LambdaExprClass:
-      for (const clang::Expr* copy : llvm::cast<clang::LambdaExpr>(statement).capture_inits()) {
-        markOwned(copy);
-      }
-      break;
-    case Stmt::InitListExprClass:
-      if (site.at.isInvalid()) {
-        enterInitializers(llvm::cast<clang::InitListExpr>(statement), site.caller);
-      }
-      break;
-    case Stmt::CXXForRangeStmtClass:
-      enterRangeFor(llvm::cast<clang::CXXForRangeStmt>(statement), site.caller);
-      break;
-    case Stmt::CoroutineBodyStmtClass:
-      enterCoroutine(llvm::cast<clang::CoroutineBodyStmt>(statement), site.caller);
-      break;
-    case Stmt::CoawaitExprClass:
-    case Stmt::CoyieldExprClass:
-      enterSuspension(llvm::cast<clang::CoroutineSuspendExpr>(statement), site.caller);
-      break;
-    case Stmt::CoreturnStmtClass: {
-      const auto& end = llvm::cast<clang::CoreturnStmt>(statement);
-      addOutermost(end.getPromiseCall(), {site.caller, end.getKeywordLoc()});
-      break;
+      return addAllocation(expression.getOperatorNew(), placeOr(expression.getBeginLoc()));
     }
     default:
-      break;
+      return enterStatement(statement, site.caller);
   }
 }
 
-void ImplicitCalls::markOwned(const clang::Stmt* value) {
-  while (value != nullptr) {
-    const clang::Stmt* inner = nullptr;
-    if (const auto* bound = llvm::dyn_cast<clang::CXXBindTemporaryExpr>(value)) {
-      owned.insert(bound);
-      inner = bound->getSubExpr();
-    } else if (const auto* full = llvm::dyn_cast<clang::FullExpr>(value)) {
-      inner = full->getSubExpr();
-    } else if (const auto* paren = llvm::dyn_cast<clang::ParenExpr>(value)) {
-      inner = paren->getSubExpr();
-    } else if (const auto* cast = llvm::dyn_cast<clang::CastExpr>(value)) {
-      const bool isObject = cast->getCastKind() == clang::CK_NoOp ||
-                            cast->getCastKind() == clang::CK_ConstructorConversion ||
-                            cast->getCastKind() == clang::CK_UserDefinedConversion;
-      inner = isObject ? cast->getSubExpr() : nullptr;
-    } else if (const auto* choice = llvm::dyn_cast<clang::ConditionalOperator>(value)) {
-      markOwned(choice->getTrueExpr());
-      inner = choice->getFalseExpr();
-    } else if (const auto* binary = llvm::dyn_cast<clang::BinaryOperator>(value)) {
-      inner = binary->getOpcode() == clang::BO_Comma ? binary->getRHS() : nullptr;
-    } else if (const auto* expression = llvm::dyn_cast<clang::Expr>(value)) {
-      const clang::Expr* source = elided(expression);
-      const auto* temporary = llvm::dyn_cast_or_null<clang::MaterializeTemporaryExpr>(source);
-      inner = temporary == nullptr ? source : temporary->getSubExpr();
-    }
-    value = inner;
+/// Those that are never part of what is written elsewhere.
+void ImplicitCalls::enterStatement(const clang::Stmt& statement,
+                                   const clang::FunctionDecl* caller) {
+  if (const auto* loop = llvm::dyn_cast<clang::CXXForRangeStmt>(&statement)) {
+    enterRangeFor(*loop, caller);
+  } else if (const auto* body = llvm::dyn_cast<clang::CoroutineBodyStmt>(&statement)) {
+    enterCoroutine(*body, caller);
+  } else if (const auto* suspension = llvm::dyn_cast<clang::CoroutineSuspendExpr>(&statement)) {
+    enterSuspension(*suspension, caller);
+  } else if (const auto* end = llvm::dyn_cast<clang::CoreturnStmt>(&statement)) {
+    addOutermost(end->getPromiseCall(), {caller, end->getKeywordLoc()});
   }
 }
 
@@ -262,7 +215,7 @@ void ImplicitCalls::enterExtended(const clang::MaterializeTemporaryExpr& tempora
   llvm::SmallVector<clang::SubobjectAdjustment, 2> adjustments;
   const clang::Expr* object =
       temporary.getSubExpr()->skipRValueSubobjectAdjustments(commas, adjustments);
-  markOwned(object);
+  owned.own(object);
   const bool isLocal = temporary.getStorageDuration() == clang::SD_Automatic;
   const clang::FunctionDecl* caller = isLocal ? site.caller : nullptr;
   const clang::ValueDecl* variable = temporary.getExtendingDecl();
@@ -278,7 +231,6 @@ void ImplicitCalls::enterInitializers(const clang::InitListExpr& list,
                                       const clang::FunctionDecl* caller) {
   const clang::InitListExpr* meant = list.isSemanticForm() ? &list : list.getSemanticForm();
   if (meant == nullptr) return;
-  for (const clang::Expr* value : meant->inits()) markOwned(value);
   if (meant == &list && list.isSyntacticForm()) return;
   llvm::SmallPtrSet<const clang::Expr*, 8> written;
   for (const clang::Expr* value : list.inits()) written.insert(maker(value));
@@ -288,15 +240,19 @@ void ImplicitCalls::enterInitializers(const clang::InitListExpr& list,
     const clang::Expr* value = maker(values[i]);
     if (value == nullptr || written.count(value) != 0) continue;
     const auto* nested = llvm::dyn_cast<clang::InitListExpr>(value);
-    const bool isWithoutBraces = nested != nullptr && nested->isSyntacticForm();
-    if (isWithoutBraces) values.append(nested->inits().begin(), nested->inits().end());
+    const bool isVisited = nested != nullptr && nested->getSyntacticForm() != nullptr &&
+                           written.count(nested->getSyntacticForm()) != 0;
+    if (nested != nullptr && !isVisited) {
+      values.append(nested->inits().begin(), nested->inits().end());
+    }
     if (nested == nullptr) addConstruction(*value, {caller, {}});
   }
 }
 
 void ImplicitCalls::enterRangeFor(const clang::CXXForRangeStmt& loop,
                                   const clang::FunctionDecl* caller) {
-  addOutermost(initOf(loop.getBeginStmt()), {caller, loop.getRangeInit()->getBeginLoc()});
+  const clang::Expr& range = *loop.getRangeInit();
+  addOutermost(initOf(loop.getBeginStmt()), {caller, range.getBeginLoc()}, range.getEndLoc());
   addOutermost(initOf(loop.getEndStmt()), {caller, loop.getRParenLoc()});
   addOutermost(loop.getCond(), {caller, loop.getColonLoc()});
   addOutermost(loop.getInc(), {caller, loop.getForLoc()});
@@ -304,7 +260,7 @@ void ImplicitCalls::enterRangeFor(const clang::CXXForRangeStmt& loop,
 }
 
 /// Those of the compiler have no place; those of a library are called wherever anything is made.
-void ImplicitCalls::enterAllocation(const clang::FunctionDecl* function, const Site& site) {
+void ImplicitCalls::addAllocation(const clang::FunctionDecl* function, const Site& site) {
   if (function != nullptr && !files.isInSystemHeader(function->getLocation())) add(function, site);
 }
 
@@ -346,7 +302,8 @@ void ImplicitCalls::enter(const clang::VarDecl& variable, const clang::FunctionD
   if (const auto* cleanup = variable.getAttr<clang::CleanupAttr>()) {
     add(cleanup->getFunctionDecl(), {caller, here.at, /*isReference=*/false});
   }
-  markOwned(variable.getInit());
+  if (!variable.getASTContext().getLangOpts().CPlusPlus) return;
+  owned.own(variable.getInit());
   if (const auto* bindings = llvm::dyn_cast<clang::DecompositionDecl>(&variable)) {
     for (const clang::BindingDecl* binding : bindings->bindings()) {
       const clang::VarDecl* holder = binding->getHoldingVar();
@@ -359,8 +316,9 @@ void ImplicitCalls::enter(const clang::VarDecl& variable, const clang::FunctionD
       variable.isThisDeclarationADefinition() == clang::VarDecl::DeclarationOnly) {
     return;
   }
-  destroy(variable.getType(), {variable.hasLocalStorage() ? caller : nullptr, here.at},
-          variable.getBeginLoc());
+  // Of a lambda's own variables the copies in the lambda are left.
+  const bool isLocal = variable.hasLocalStorage() && !variable.isInitCapture();
+  destroy(variable.getType(), {isLocal ? caller : nullptr, here.at}, variable.getBeginLoc());
 }
 
 void ImplicitCalls::enter(const clang::FunctionDecl& definition) {
@@ -377,19 +335,10 @@ void ImplicitCalls::enter(const clang::FunctionDecl& definition) {
 
 void ImplicitCalls::enterConstructor(const clang::CXXConstructorDecl& constructor) {
   for (const clang::CXXCtorInitializer* part : constructor.inits()) {
-    markOwned(part->getInit());
+    owned.own(part->getInit());
     if (part->isWritten()) continue;
-    Site site{&constructor, {}};
-    if (part->isAnyMemberInitializer()) {
-      site.at = part->getAnyMember()->getLocation();
-    } else {
-      for (const clang::CXXBaseSpecifier& base : constructor.getParent()->bases()) {
-        const bool isBase =
-            base.getType()->getAsCXXRecordDecl() == part->getBaseClass()->getAsCXXRecordDecl();
-        if (isBase) site.at = placeOf(base);
-      }
-    }
-    if (site.at.isValid()) addConstruction(*maker(part->getInit()), site);
+    const clang::SourceLocation at = placeOf(*part, *constructor.getParent());
+    if (at.isValid()) addConstruction(*maker(part->getInit()), {&constructor, at});
   }
 }
 

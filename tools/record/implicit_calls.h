@@ -4,17 +4,15 @@
 
 #include "clang/Basic/SourceLocation.h"
 #include "fact_sink.h"
-#include "llvm/ADT/SmallPtrSet.h"
+#include "owned_temporaries.h"
 #include "unevaluated.h"
 
 namespace clang {
 class CoroutineBodyStmt;
-class CXXBindTemporaryExpr;
 class CXXConstructorDecl;
 class CXXDestructorDecl;
 class CXXForRangeStmt;
 class CoroutineSuspendExpr;
-class Expr;
 class FunctionDecl;
 class InitListExpr;
 class MaterializeTemporaryExpr;
@@ -71,28 +69,28 @@ class ImplicitCalls {
   void add(const clang::FunctionDecl* callee, const Site& site,
            clang::SourceLocation otherwise = {});
   void destroy(clang::QualType type, const Site& site, clang::SourceLocation otherwise = {});
-  void addOutermost(const clang::Stmt* statement, const Site& site);
+  void addOutermost(const clang::Stmt* statement, const Site& site,
+                    clang::SourceLocation otherwise = {});
   void addWithin(const clang::Stmt* statement, const Site& site);
   void addConstruction(const clang::Expr& value, Site site);
+  void addAllocation(const clang::FunctionDecl* function, const Site& site);
 
+  void enterStatement(const clang::Stmt& statement, const clang::FunctionDecl* caller);
   void enterConstructor(const clang::CXXConstructorDecl& constructor);
   void enterDestructor(const clang::CXXDestructorDecl& destructor);
   void enterInitializers(const clang::InitListExpr& list, const clang::FunctionDecl* caller);
   void enterExtended(const clang::MaterializeTemporaryExpr& temporary, const Site& site);
   void enterRangeFor(const clang::CXXForRangeStmt& loop, const clang::FunctionDecl* caller);
-  void enterAllocation(const clang::FunctionDecl* function, const Site& site);
   void enterCoroutine(const clang::CoroutineBodyStmt& body, const clang::FunctionDecl* caller);
   void enterSuspension(const clang::CoroutineSuspendExpr& suspension,
                        const clang::FunctionDecl* caller);
-  /// What destroys the value is not the end of the full expression.
-  void markOwned(const clang::Stmt* value);
 
   FactSink& sink;
   FileTable& files;
   EntityTable& entities;
   References& references;
   Unevaluated unevaluated;  ///< in what is written elsewhere
-  llvm::SmallPtrSet<const clang::CXXBindTemporaryExpr*, 32> owned;
+  OwnedTemporaries owned;
   std::vector<Call> calls;
 };
 

@@ -1,6 +1,7 @@
 #include "instantiation_walk.h"
 
 #include "clang/AST/ASTContext.h"
+#include "dependent_names.h"
 #include "file_table.h"
 #include "llvm/ADT/DenseMap.h"
 #include "reference_visitor.h"
@@ -30,7 +31,6 @@ class InstantiationWalk : public ReferenceVisitor<InstantiationWalk> {
   void enter(clang::ClassTemplateSpecializationDecl& instantiated);
   void enter(clang::VarTemplateSpecializationDecl& instantiated);
   void enter(clang::FunctionDecl& instantiated);
-  void traverse(clang::Decl& instantiated);
 
   /// Whether an instantiation with these arguments can name anything of interest.
   bool isOfInterest(const clang::Decl& instantiated,
@@ -82,32 +82,29 @@ void InstantiationWalk::enter(clang::ClassTemplateSpecializationDecl& instantiat
   if (instantiated.isExplicitSpecialization()) return;  // it is written
   clang::CXXRecordDecl* definition = instantiated.getDefinition();
   if (definition == nullptr) return;
-  if (isOfInterest(instantiated, instantiated.getTemplateArgs().asArray())) {
-    traverse(*definition);
-  } else {
+  if (!isOfInterest(instantiated, instantiated.getTemplateArgs().asArray())) {
     walkTemplatesIn(*definition);
+    return;
   }
+  const References::Instantiation instantiation(references, instantiated.getLocation());
+  referFromHead(references, instantiated);
+  TraverseDecl(definition);
 }
 
 void InstantiationWalk::enter(clang::VarTemplateSpecializationDecl& instantiated) {
   if (instantiated.isExplicitSpecialization()) return;
-  if (isOfInterest(instantiated, instantiated.getTemplateArgs().asArray())) traverse(instantiated);
+  if (!isOfInterest(instantiated, instantiated.getTemplateArgs().asArray())) return;
+  const References::Instantiation instantiation(references, instantiated.getLocation());
+  TraverseDecl(&instantiated);
 }
 
 void InstantiationWalk::enter(clang::FunctionDecl& instantiated) {
   if (instantiated.getTemplateSpecializationKind() == clang::TSK_ExplicitSpecialization) return;
   const clang::TemplateArgumentList* arguments = instantiated.getTemplateSpecializationArgs();
   if (!isOfInterest(instantiated, arguments->asArray())) return;
-  for (clang::FunctionDecl* declaration : instantiated.redecls()) traverse(*declaration);
-}
-
-void InstantiationWalk::traverse(clang::Decl& instantiated) {
-  const bool isForeign =
-      system == SystemFacts::referenced && files.isInSystemHeader(instantiated.getLocation());
-  const References::Source outer = references.setSource(
-      isForeign ? References::Source::systemInstantiation : References::Source::instantiation);
-  TraverseDecl(&instantiated);
-  references.setSource(outer);
+  const References::Instantiation instantiation(references, instantiated.getLocation());
+  referFromHead(references, instantiated);
+  for (clang::FunctionDecl* declaration : instantiated.redecls()) TraverseDecl(declaration);
 }
 
 // --- Whether one is worth walking.

@@ -238,16 +238,23 @@ bool Expansion::paste(clang::Token& left, const clang::Token& right) {
   return true;
 }
 
+/// Most are: there is nothing in them to expand.
+bool isFinal(const clang::MacroInfo& definition) {
+  return definition.tokens().size() < kMaxTokens &&
+         llvm::none_of(definition.tokens(), [](const clang::Token& token) {
+           const clang::IdentifierInfo* name = token.getIdentifierInfo();
+           return token.is(tok::hashhash) || (name != nullptr && name->hasMacroDefinition());
+         });
+}
+
 }  // namespace
 
 Tokens expandedText(const clang::IdentifierInfo& name, const clang::MacroInfo& definition,
                     clang::Preprocessor& preprocessor) {
+  if (!definition.isObjectLike() || definition.isBuiltinMacro()) return {};
+  if (isFinal(definition)) return definition.tokens().vec();
   Items items;
-  Expansion expansion(preprocessor);
-  if (!definition.isObjectLike() || definition.isBuiltinMacro() ||
-      !expansion.expandText(name, definition, items)) {
-    return {};
-  }
+  if (!Expansion(preprocessor).expandText(name, definition, items)) return {};
   Tokens result;
   for (const Item& item : items) result.push_back(item.token);
   return result;

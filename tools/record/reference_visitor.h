@@ -2,6 +2,7 @@
 
 #include "clang/AST/RecursiveASTVisitor.h"
 #include "clang/Basic/Version.h"
+#include "dependent_names.h"
 #include "positional_fields.h"
 #include "references.h"
 #include "roles.h"
@@ -110,7 +111,7 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
   }
   bool VisitCXXConstructExpr(clang::CXXConstructExpr* construction) {
     const clang::CXXConstructorDecl& constructor = *construction->getConstructor();
-    if (constructor.isUserProvided()) {
+    if (constructor.isUserProvided() && !construction->isElidable()) {
       references.toValue(constructor, construction->getLocation(), roles.of(*construction));
     }
     return true;
@@ -191,7 +192,12 @@ class ReferenceVisitor : public clang::RecursiveASTVisitor<Derived> {
   bool VisitBuiltinTypeLoc(clang::BuiltinTypeLoc at) { return referToType(at); }
   bool VisitInjectedClassNameTypeLoc(clang::InjectedClassNameTypeLoc at) { return referToType(at); }
   bool VisitTemplateSpecializationTypeLoc(clang::TemplateSpecializationTypeLoc at) {
+    referFromAlias(references, *at.getTypePtr());
     return referToType(at);
+  }
+  bool VisitConceptSpecializationExpr(clang::ConceptSpecializationExpr* check) {
+    referFromConcept(references, *check);
+    return true;
   }
   bool VisitDeducedTemplateSpecializationTypeLoc(clang::DeducedTemplateSpecializationTypeLoc at) {
     return referToType(at);

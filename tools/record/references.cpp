@@ -59,11 +59,12 @@ const clang::Decl* written(const clang::NamedDecl& declaration) {
 }  // namespace
 
 References::References(FactSink& sink, FileTable& files, TypeTable& types, EntityTable& entities,
-                       const clang::ASTContext& context, ReferenceFacts facts)
+                       const clang::ASTContext& context, SystemFacts system, ReferenceFacts facts)
     : sink(sink),
       files(files),
       types(types),
       entities(entities),
+      system(system),
       isRepeatable(context.getLangOpts().CPlusPlus),
       isRecorded(facts == ReferenceFacts::all) {}
 
@@ -92,15 +93,21 @@ References::Roles References::around(const clang::NamedDecl* declaration) const 
 
 // --- Counting.
 
+References::Instantiation::Instantiation(References& references, clang::SourceLocation pattern)
+    : references(references), outer(references.source) {
+  const bool isForeign =
+      references.system == SystemFacts::referenced && references.files.isInSystemHeader(pattern);
+  references.source = isForeign ? Source::systemInstantiation : Source::instantiation;
+}
+
 bool References::isOfInterest(const clang::ValueDecl& declaration) const {
   if (source == Source::written) return true;
   if (isLocal(declaration) || declaration.isImplicit()) return false;
   return source == Source::instantiation || !files.isInSystemHeader(declaration.getLocation());
 }
 
-bool References::isOfInterest(clang::QualType type) const {
+bool References::isTypeOfInterest(const clang::NamedDecl* declaration) const {
   if (source != Source::systemInstantiation) return true;
-  const clang::NamedDecl* declaration = declarationOf(type);
   return declaration != nullptr && !files.isInSystemHeader(declaration->getLocation());
 }
 
@@ -154,7 +161,7 @@ void References::toType(clang::TypeLoc at, bool byTag, Roles role) {
   const auto* special = llvm::dyn_cast<clang::TemplateSpecializationType>(at.getTypePtr());
   if (special != nullptr && isParameter(special->getTemplateName())) return;
   if (place.isInvalid()) return;  // made by the compiler, as for a transparent union
-  if (declaredNames.contains(place) || !isOfInterest(at.getType())) return;
+  if (declaredNames.contains(place) || !isTypeOfInterest(declarationOf(at.getType()))) return;
   dm::Type* type = types.named(at.getType());
   if (type == nullptr) return;
   const Roles all = isWithin(declarationOf(at.getType())) ? role | Roles::WithinItself : role;
@@ -162,12 +169,19 @@ void References::toType(clang::TypeLoc at, bool byTag, Roles role) {
   byTag ? FactSink::referByTag(type) : FactSink::refer(type);
 }
 
+void References::toTypeDeclaration(const clang::TypeDecl& declaration,
+                                   clang::SourceLocation place) {
+  if (!isTypeOfInterest(&declaration)) return;
+  if (const auto* alias = llvm::dyn_cast<clang::TypedefNameDecl>(&declaration)) {
+    add(types.type(*alias), place, Roles::TypeUse);
+  } else if (const auto* tag = llvm::dyn_cast<clang::TagDecl>(&declaration)) {
+    add(types.type(*tag), place, Roles::TypeUse);
+  }
+}
+
 void References::toTemplate(clang::TemplateName name, clang::SourceLocation place) {
   const clang::TemplateDecl* declaration = name.getAsTemplateDecl();
-  if (declaration == nullptr || isParameter(name)) return;
-  if (source == Source::systemInstantiation && files.isInSystemHeader(declaration->getLocation())) {
-    return;
-  }
+  if (declaration == nullptr || isParameter(name) || !isTypeOfInterest(declaration)) return;
   add(types.ofTemplate(name), place, Roles::TypeUse);
 }
 
@@ -188,7 +202,7 @@ void References::implicitly(dm::Function* function, clang::SourceLocation place)
 void References::ofBinding(const clang::BindingDecl& binding) {
   const clang::SourceLocation place = binding.getLocation();
   if (const clang::VarDecl* element = binding.getHoldingVar()) {
-    if (isOfInterest(element->getType().getNonReferenceType())) {
+    if (isTypeOfInterest(declarationOf(element->getType().getNonReferenceType()))) {
       add(types.named(element->getType()), place, Roles::TypeUse | Roles::Implicit);
     }
     const clang::Expr* init = element->getInit();

@@ -16,6 +16,7 @@ class ASTContext;
 class BindingDecl;
 class NamedDecl;
 class TemplateName;
+class TypeDecl;
 class ValueDecl;
 }  // namespace clang
 
@@ -28,14 +29,17 @@ class TypeTable;
 /// What the unit refers to, and where: each reference is an entity and the place that names it.
 /// However many instantiations repeat a place of a template, it counts once for an entity.
 class References {
+  enum class Source { written, instantiation, systemInstantiation };
+
  public:
   using Roles = dm::ReferenceRoles;
 
   References(FactSink& sink, FileTable& files, TypeTable& types, EntityTable& entities,
-             const clang::ASTContext& context, ReferenceFacts facts);
+             const clang::ASTContext& context, SystemFacts system, ReferenceFacts facts);
 
   void toValue(const clang::ValueDecl& declaration, clang::SourceLocation place, Roles roles);
   void toType(clang::TypeLoc at, bool byTag, Roles role);
+  void toTypeDeclaration(const clang::TypeDecl& declaration, clang::SourceLocation place);
   void toTemplate(clang::TemplateName name, clang::SourceLocation place);
   /// To the field, or to the function `get` and the element's type, that the name is bound to.
   void ofBinding(const clang::BindingDecl& binding);
@@ -60,14 +64,20 @@ class References {
   /// The name at the place belongs to a declaration: as the name of a type it is no reference.
   void ignoreTypeName(clang::SourceLocation place) { declaredNames.insert(place); }
 
-  /// What the following references come from.
-  enum class Source {
-    written,
-    instantiation,  ///< repeats what the template has named; compiler-made entities are skipped
-    systemInstantiation  ///< the same; only entities of user files are of interest
+  /// While one exists, references come from an instantiation of what is declared at the place.
+  /// They repeat what the template has named itself, and lead to entities that only the compiler
+  /// makes: neither counts. Of a system header only what it names of user files is of interest.
+  class Instantiation {
+   public:
+    Instantiation(References& references, clang::SourceLocation pattern);
+    ~Instantiation() { references.source = outer; }
+    Instantiation(const Instantiation&) = delete;
+    Instantiation& operator=(const Instantiation&) = delete;
+
+   private:
+    References& references;
+    Source outer;
   };
-  /// Returns what it was.
-  Source setSource(Source from) { return std::exchange(source, from); }
 
  private:
   struct Seen {
@@ -82,7 +92,8 @@ class References {
   };
 
   bool isOfInterest(const clang::ValueDecl& declaration) const;
-  bool isOfInterest(clang::QualType type) const;
+  /// The declaration of a type; null for a built-in one.
+  bool isTypeOfInterest(const clang::NamedDecl* declaration) const;
   bool isWithin(const clang::NamedDecl* declaration) const;
   Roles around(const clang::NamedDecl* declaration) const;
   bool isFirst(const dm::EntityReference& entity, clang::SourceLocation place, Roles roles);
@@ -94,6 +105,7 @@ class References {
   FileTable& files;
   TypeTable& types;
   EntityTable& entities;
+  SystemFacts system;
   const bool isRepeatable;  ///< in C nothing is instantiated
   Source source = Source::written;
   const bool isRecorded;

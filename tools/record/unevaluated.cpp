@@ -35,16 +35,9 @@ void Unevaluated::enter(const clang::Stmt& statement) {
         addParts(statement);
       }
       break;
-    case Stmt::GenericSelectionExprClass: {
-      const auto& generic = llvm::cast<clang::GenericSelectionExpr>(statement);
-      addParts(generic);
-      for (const clang::Expr* choice : generic.getAssocExprs()) {
-        if (generic.isResultDependent() || choice == generic.getResultExpr()) {
-          operands.erase(choice);
-        }
-      }
+    case Stmt::GenericSelectionExprClass:
+      enterGeneric(llvm::cast<clang::GenericSelectionExpr>(statement));
       break;
-    }
     case Stmt::ChooseExprClass: {
       const auto& choice = llvm::cast<clang::ChooseExpr>(statement);
       if (choice.isConditionDependent()) break;
@@ -63,6 +56,13 @@ void Unevaluated::enter(const clang::Stmt& statement) {
       break;
     default:
       break;
+  }
+}
+
+void Unevaluated::enterGeneric(const clang::GenericSelectionExpr& generic) {
+  addParts(generic);
+  for (const clang::Expr* choice : generic.getAssocExprs()) {
+    if (generic.isResultDependent() || choice == generic.getResultExpr()) operands.erase(choice);
   }
 }
 

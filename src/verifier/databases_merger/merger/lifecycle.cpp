@@ -56,6 +56,7 @@ bool mergerImpl::mayRewrite(const char* operation) {
 
 void mergerImpl::truncateDataFromDB() {
   if (!mayRewrite("truncateDataFromDB")) return;
+  database->findExtensions();  // a program may have made some in its transaction
   MergedElements::each([this]<class T>() {
     if (database->has<T>()) database->truncate<T>();
   });
@@ -76,6 +77,10 @@ void CompilationDataMerger::setDebug() { impl->setDebug(); }
 void CompilationDataMerger::truncateDataFromDB() { impl->truncateDataFromDB(); }
 void CompilationDataMerger::loadDataFromDB() { impl->loadDataFromDB(); }
 void CompilationDataMerger::saveToDB() { impl->saveToDB(); }
+const UnitSet& CompilationDataMerger::getUnits() const { return impl->getUnits(); }
+std::vector<std::string> CompilationDataMerger::tablesNotInFile() const {
+  return impl->tablesNotInFile();
+}
 
 void CompilationDataMerger::mergeCompilationTables(CompilationDataMerger const& other) {
   impl->mergeCompilationTables(*other.impl);

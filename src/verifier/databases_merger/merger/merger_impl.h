@@ -34,6 +34,8 @@ class mergerImpl {
   void loadDataFromDB();
   void mergeCompilationTables(mergerImpl& other);
   void saveToDB();
+  const UnitSet& getUnits() const { return dataset->getUnits(); }
+  std::vector<std::string> tablesNotInFile() const;
 
  private:
   bool mayRewrite(const char* operation);

@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "fe_database/compilation_data/element_store.h"
+#include "fe_database/compilation_database/columns.h"
 #include "merger/merger_impl.h"
 
 namespace orvalesca::databases_merger {
@@ -43,6 +44,16 @@ void mergerImpl::checkWhatWasWritten() {
     if (!database->has<T>() || database->hasTransactionFailed()) return;
     database->holdsJust<T>(dataset->elementsOf<T>().size());
   });
+}
+
+std::vector<std::string> mergerImpl::tablesNotInFile() const {
+  std::vector<std::string> tables;
+  MergedElements::each([&]<class T>() {
+    if (!database->has<T>() && !dataset->elementsOf<T>().empty()) {
+      tables.emplace_back(TableColumns<T>::kName);
+    }
+  });
+  return tables;
 }
 
 void mergerImpl::saveToDB() {

@@ -179,6 +179,7 @@ void CompilationData::foldStoredRows() {
   Identifier::isLoaded = Identifier::isPreLoaded = false;
   preLoadTable<Identifier>(db);
   preLoadTable<Type>(db);
+  if (units.empty()) return;
   Unit::isLoaded = Unit::isPreLoaded = false;
   preLoadTable<Unit>(db);
 }

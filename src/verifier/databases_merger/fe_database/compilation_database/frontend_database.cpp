@@ -68,6 +68,8 @@ void FrontendDatabase::findExtensions() {
   ExtensionElements::each([this]<class T>() {
     Table<T>& table = tables->of<T>();
     table.isThere = !table.statements.empty() && hasTable(TableColumns<T>::kName);
+    // A row of it means nothing without its unit's.
+    if (std::is_same_v<T, UnitFile>) table.isThere = table.isThere && has<Unit>();
   });
 }
 

@@ -1,0 +1,142 @@
+#include <algorithm>
+
+#include "fe_db_fixture.h"
+
+namespace fe_db_tests {
+namespace {
+
+using testing::HasSubstr;
+
+/// What a recorder stores of:
+///
+///   shape.h: #pragma once
+///            namespace geo { struct Shape { virtual int area(); int size; }; }
+///   round.h: #include "shape.h"
+///            namespace geo { struct Round : Shape { int area() override; }; }
+///   main.cc: #include "round.h"
+///            int geo::Shape::area() { return size; }
+///            int main() { geo::Round r; r.size = r.area(); }
+constexpr char kCode[] = R"sql(
+INSERT INTO File VALUES (1, '/p/main.cc', 1, 2, 0), (2, '/p/round.h', 2, 2, 0), (3, '/p/shape.h', 2, 2, 0);
+INSERT INTO Identifier (IdentifierId, Name, Count, Kind) VALUES
+  (1, 'main', 1, 2), (2, '_ZN3geo5Shape4areaEv', 1, 2), (3, 'area', 1, 2),
+  (4, '_ZN3geo5Round4areaEv', 1, 2), (5, 'Shape', 1, 1), (6, 'Round', 1, 1), (7, 'size', 1, 64),
+  (8, 'GEO', 1, 8);
+INSERT INTO Function VALUES
+  (1, 1, 1, 1, 3, 5, 1, 1, 2, 1, 0), (2, 2, 3, 3, 2, 44, 0, 0, 2, 1, 0),
+  (3, 2, 3, 1, 2, 17, 1, 0, 2, 1, 0), (4, 4, 3, 2, 2, 44, 0, 0, 2, 1, 0);
+INSERT INTO Type VALUES
+  (1, 5, 0, 0, 0, 3, 2, 24, 64, 2, 0), (2, 6, 0, 0, 0, 2, 2, 24, 64, 1, 0);
+INSERT INTO Field VALUES (1, 7, 3, 2, 56, 2);
+INSERT INTO Macro (MacroId, IdentifierId, DeclFileId, DeclLineNum, DeclColNum, RefCount, Text,
+                   IsObjectLike) VALUES (1, 8, 3, 9, 9, 1, '1', 1);
+INSERT INTO CallPoint VALUES (1, 1, 3, 39, 1, 1, 4);
+INSERT INTO Unit (UnitId, Name, MainFileId, Directory, Command, Output, Recorder, Options, Digest)
+  VALUES (1, 'main.cc', 1, '/p', 'g++ -c main.cc', '/p/main.o', 'fe_db_record', 'references=all', 'd1');
+INSERT INTO UnitFile (UnitId, FileId) VALUES (1, 1), (1, 2), (1, 3);
+INSERT INTO Include (IncludingFileId, LineNum, IncludedFileId, Kind) VALUES (1, 1, 2, 1), (2, 1, 3, 1);
+INSERT INTO Reference (EntityKind, EntityId, FileId, LineNum, ColNum, Roles) VALUES
+  (2, 2, 2, 2, 44, 64), (2, 4, 1, 3, 39, 4), (1, 1, 2, 2, 32, 32), (1, 2, 1, 3, 19, 16),
+  (1, 1, 1, 2, 10, 16), (64, 1, 1, 2, 33, 1), (64, 1, 1, 3, 30, 2), (8, 1, 1, 4, 8, 512);
+INSERT INTO Property (EntityKind, EntityId, Flags, OwnerId, Scope) VALUES
+  (2, 2, 160, 1, 'geo::Shape'), (2, 3, 160, 1, 'geo::Shape'), (2, 4, 96, 2, 'geo::Round'),
+  (1, 1, 0, NULL, 'geo'), (1, 2, 0, NULL, 'geo'), (64, 1, 0, 1, 'geo::Shape');
+)sql";
+
+struct UsesCase {
+  const char* rule;
+  std::vector<std::string> question;
+  std::string answer;
+};
+
+struct FindUses : FeDbProgram, testing::WithParamInterface<UsesCase> {
+  std::string ask(std::vector<std::string> question) const {
+    question.insert(question.begin(), {"find", path("x.db")});
+    return outputOf(question);
+  }
+  void SetUp() override { compilationFile(path("x.db"), kCode); }
+};
+
+TEST_P(FindUses, AnswersWithAndWithoutIndexes) {
+  EXPECT_EQ(ask(GetParam().question), GetParam().answer);
+  outputOf({"index", path("x.db")});
+  EXPECT_EQ(ask(GetParam().question), GetParam().answer);
+}
+
+// clang-format off
+const std::string kRoundArea =
+    "/p/round.h:2:44: function geo::Round::area() [id=_ZN3geo5Round4areaEv linkage=external"
+    " effect=unknown refs=1 flags=virtual,overrides]\n";
+
+INSTANTIATE_TEST_SUITE_P(Cases, FindUses, testing::Values(
+    UsesCase{"OfAField", {"uses", "geo::Shape::size"},
+             "/p/main.cc:2:33: use geo::Shape::size [of=field roles=read]\n"
+             "/p/main.cc:3:30: use geo::Shape::size [of=field roles=write]\n"},
+    UsesCase{"OfARole", {"uses", "size", "--role", "write", "--count"}, "1\n"},
+    UsesCase{"OfATypeInAFile", {"uses", "Shape", "--file", "round.h"},
+             "/p/round.h:2:32: use geo::Shape [of=type roles=base]\n"},
+    UsesCase{"OfOneOfTwoFunctions", {"uses", "Round::area"},
+             "/p/main.cc:3:39: use geo::Round::area() [of=function roles=call]\n"},
+    UsesCase{"OfAMacro", {"uses", "GEO"}, "/p/main.cc:4:8: use GEO [of=macro roles=conditional]\n"},
+    UsesCase{"Members", {"members", "Shape"},
+             "/p/main.cc:2:17: function geo::Shape::area() [id=_ZN3geo5Shape4areaEv linkage=external"
+             " defined effect=unknown refs=0 flags=virtual,overridden]\n"
+             "/p/shape.h:2:44: function geo::Shape::area() [id=_ZN3geo5Shape4areaEv linkage=external"
+             " effect=unknown refs=1 flags=virtual,overridden]\n"
+             "/p/shape.h:2:56: field geo::Shape::size [owner=Shape refs=2]\n"},
+    UsesCase{"Overrides", {"overrides", "geo::Shape::area()"}, kRoundArea},
+    UsesCase{"OverridesOfNothing", {"overrides", "geo::Round::area()"}, ""},
+    UsesCase{"Includers", {"includers", "shape.h"}, "/p/round.h:1: include /p/shape.h [by=quoted]\n"},
+    UsesCase{"IncludersAsATree", {"includers", "shape.h", "--depth", "5"},
+             "/p/shape.h\n  /p/round.h  /p/round.h:1\n    /p/main.cc  /p/main.cc:1\n"},
+    UsesCase{"IncludesAsATree", {"includes", "/p/main.cc", "--depth", "1"},
+             "/p/main.cc\n  /p/round.h  /p/main.cc:1\n"},
+    UsesCase{"Units", {"units"}, "/p/main.cc: unit main.cc [directory=/p output=/p/main.o]\n"},
+    UsesCase{"UnitsOfAFile", {"units", "shape.h", "--count"}, "1\n"}),
+    kRuleName);
+// clang-format on
+
+TEST_F(FindUses, CandidatesAreListed) {
+  const ProgramResult result = feDb({"find", path("x.db"), "uses", "area", "--count"});
+  EXPECT_EQ(result.output, "2\n");
+  EXPECT_THAT(result.errors, HasSubstr("\"area\" is 2 things, all of which are answered for: "
+                                       "function geo::Round::area(), function geo::Shape::area()"));
+}
+
+TEST_F(FindUses, Json_ListsRoles) {
+  EXPECT_THAT(ask({"uses", "Shape", "--json", "--limit", "1"}),
+              HasSubstr(R"("name":"geo::Shape","of":"type","roles":["type"]})"));
+}
+
+/// With indexes, nothing is read from end to end for a question about one thing.
+TEST_F(FindUses, PlansHaveNoScan) {
+  outputOf({"index", path("x.db")});
+  const std::vector<std::string> questions[] = {{"uses", "Shape"},
+                                                {"callers", "Round::area"},
+                                                {"callees", "main"},
+                                                {"members", "Shape"},
+                                                {"overrides", "Shape::area"},
+                                                {"includers", "shape.h"},
+                                                {"includes", "main.cc"},
+                                                {"definition", "Shape::area"},
+                                                {"functions", "--name", "Shape::area"},
+                                                {"fields", "--name", "size"},
+                                                {"types", "--min-length", "4"}};
+  for (std::vector<std::string> question : questions) {
+    SCOPED_TRACE(question.front());
+    question.push_back("--explain");
+    const std::string plan = ask(question);
+    std::string scans;
+    std::istringstream lines(plan);
+    for (std::string line; std::getline(lines, line);) {
+      // Whether anything is there at all is asked by its first row.
+      if (line.find("SCAN ") != std::string::npos && line.find("Reference") == std::string::npos) {
+        scans += line + '\n';
+      }
+    }
+    EXPECT_EQ(scans, "") << plan;
+  }
+}
+
+}  // namespace
+}  // namespace fe_db_tests
