@@ -87,8 +87,9 @@ class DependentNames : public clang::RecursiveASTVisitor<DependentNames> {
     if (const auto* named = llvm::dyn_cast_or_null<clang::TypeDecl>(member)) {
       references.toTypeDeclaration(*named, place);
     } else if (const auto* value = llvm::dyn_cast_or_null<clang::ValueDecl>(member)) {
+      const bool isFunction = llvm::isa<clang::FunctionDecl>(value);
       references.toValue(*value, place,
-                         dm::ReferenceRoles::Read | dm::ReferenceRoles::NotEvaluated);
+                         isFunction ? References::Roles::AddressTaken : References::Roles::Read);
     }
   }
 
