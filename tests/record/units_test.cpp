@@ -144,6 +144,18 @@ INSTANTIATE_TEST_SUITE_P(
                              "a.c|a.c|||references=all system=referenced\n"}),
     [](const auto& test) { return std::string(test.param.name); });
 
+TEST_F(Units, ALauncherKnowsTheObjectAndItsOptions) {
+  write("a.c", "int a; int *b = &a;\n");
+  std::filesystem::create_directories(output());
+  const ProgramResult result =
+      runProgram({FE_DB_RECORD_PROGRAM, "gcc", "-c", "a.c", "-o", (output() / "x.o").string()},
+                 {.directory = sources().string(),
+                  .environment = {{"FE_DB_RECORD_OPTIONS", "--references=none"}}});
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(facts("SELECT Output, Options, (SELECT count(*) FROM Reference) FROM Unit"),
+            (output() / "x.o").string() + "|references=none system=referenced|0\n");
+}
+
 /// The same contents, wherever they are, and nothing else.
 TEST_F(Units, DigestIsThatOfAllThatWasRead) {
   const auto digest = [this](const std::string& directory) {
