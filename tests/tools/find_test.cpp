@@ -257,6 +257,14 @@ TEST_F(Find, WrongUsage_Is2AndSaysWhy) {
 }
 // clang-format on
 
+TEST_F(Find, TheProgramNamesItsVersion_AndTheNearestSubcommandOrOption) {
+  EXPECT_THAT(outputOf({"--version"}), testing::MatchesRegex("fe_db [0-9.]+\n"));
+  expectRefusal({"fnd", "x"}, R"(unknown word "fnd"; did you mean "find"?)", /*exitCode=*/2);
+  expectRefusal({"find", "x", "macros", "--nam", "y"},
+                R"(unknown word "--nam"; did you mean "--name"? See fe_db find --help)",
+                /*exitCode=*/2);
+}
+
 TEST_F(Find, WhatTheFileDoesNotHave_Is1AndNamesWhatIsNear) {
   const FindCase cases[] = {
       {"NoSuchName", {"callers", "helpr"}, R"(nothing is named "helpr"; did you mean "helper"?)"},

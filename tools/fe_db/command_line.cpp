@@ -271,9 +271,9 @@ void addIndex(CLI::App& program, Action& action) {
 }
 
 /// Where the user finds what is allowed: the help of the subcommand that was given, if any.
-std::string adviceFor(const CLI::App& program) {
+std::string helpFor(const CLI::App& program) {
   const auto given = program.get_subcommands();
-  return "; see fe_db " + (given.empty() ? "" : given.front()->get_name() + ' ') + "--help";
+  return "fe_db " + (given.empty() ? "" : given.front()->get_name() + ' ') + "--help";
 }
 
 /// For a word that no subcommand or option has.
@@ -295,10 +295,13 @@ std::string nearestTo(const std::string& word, const CLI::App& program) {
 std::string messageFor(const CLI::App& program, const CLI::Error& error) {
   std::string message = printable(error.what());
   const std::vector<std::string> rest = program.remaining(/*recurse=*/true);
-  if (!rest.empty())
+  if (!rest.empty()) {
     message = "unknown word \"" + printable(rest.front()) + '"' + nearestTo(rest.front(), program);
-  const bool hasAdvice = message.find("--help") != std::string::npos;
-  return "fe_db: " + message + (hasAdvice ? "" : adviceFor(program)) + '\n';
+  }
+  if (message.find("--help") == std::string::npos) {
+    message += (message.ends_with('?') ? " See " : "; see ") + helpFor(program);
+  }
+  return "fe_db: " + message + '\n';
 }
 
 }  // namespace

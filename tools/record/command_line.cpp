@@ -139,6 +139,7 @@ void readLauncherOptions(CommandLine& result) {
   const char* output = std::getenv("FE_DB_RECORD_OUTPUT");
   if (output != nullptr) result.record.outputDirectory = output;
   CLI::App app(kDescription, "fe_db_record");
+  app.set_version_flag("--version", std::string("fe_db_record ") + FE_DB_VERSION);
   addOptions(app, result);
   try {
     parse(app, splitWords(options == nullptr ? "" : options));
@@ -164,13 +165,14 @@ bool readCommandLine(int argc, char** argv, CommandLine& result, int& exitCode) 
   result.jobs = std::max(1U, std::thread::hardware_concurrency());
 
   CLI::App app(kDescription, "fe_db_record");
+  app.set_version_flag("--version", std::string("fe_db_record ") + FE_DB_VERSION);
   addOptions(app, result);
   std::string problem;
   try {
     parse(app, std::vector<std::string>(argc > 0 ? argv + 1 : argv, dashes));
     problem = misuse(result, hasCommand);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) {  // --help
+    if (error.get_exit_code() == 0) {  // --help, --version
       exitCode = app.exit(error);
       return false;
     }
