@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "canonical_text.h"
 #include "output.h"
@@ -170,18 +171,21 @@ std::string sarifHead() {
 AnswerPrinter::AnswerPrinter(AnswerFormat answerFormat, std::string_view asked)
     : format(answerFormat), question(asked) {}
 
-void AnswerPrinter::print(const FactsFile& file, const Statement& rows, std::size_t most) {
+void AnswerPrinter::print(const FactsFile& file, const Statement& rows) {
   const bool isSarif = format == AnswerFormat::sarif;
   const bool withSource = format == AnswerFormat::text && isTerminal();
   SourceLines sources;
   if (isSarif) fe_db_tools::print(sarifHead());
   const char* separator = "\n";
-  for (std::size_t count = 0; count < most && file.step(rows);) {
+  std::optional<std::string> lastPath;
+  while (file.step(rows)) {
     if (isNull(rows, kName)) {
       ++skipped;
       continue;
     }
-    ++count;
+    const std::string path(textOf(rows, kPath));
+    if (withSource && lastPath && *lastPath != path) fe_db_tools::print("\n");
+    lastPath = path;
     if (isSarif) {
       fe_db_tools::print(separator + sarifResult(rows, question));
       separator = ",\n";
@@ -191,7 +195,6 @@ void AnswerPrinter::print(const FactsFile& file, const Statement& rows, std::siz
       fe_db_tools::print(textLine(rows, hasColours()));
     }
     if (!withSource || isNull(rows, kPath)) continue;
-    const std::string path(textOf(rows, kPath));
     if (const auto line = sources.lineOf(path, sqlite3_column_int64(rows.get(), kLine))) {
       fe_db_tools::print("    " + printable(*line) + '\n');
     }

@@ -11,14 +11,15 @@ enum class AnswerFormat { text, json, sarif };
 
 /// Prints the rows of a query with the columns path, line, column, kind, name, qualified and
 /// attributes (a JSON object), in their order. Rows without a name are damaged: they are skipped
-/// and counted. In a terminal, each answer is followed by its line of the source.
+/// and counted. In a terminal, each answer is followed by its line of the source, and files are
+/// apart.
 class AnswerPrinter {
  public:
   /// `question` is that of a SARIF document.
   AnswerPrinter(AnswerFormat format, std::string_view question);
 
-  /// Of the rows, `most` at the most. Once.
-  void print(const FactsFile& file, const Statement& rows, std::size_t most);
+  /// All rows. Once.
+  void print(const FactsFile& file, const Statement& rows);
   unsigned long getSkipped() const { return skipped; }
 
  private:

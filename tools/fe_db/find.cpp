@@ -160,7 +160,9 @@ int find(const FindOptions& options) {
     if (options.count) print("0\n");
     return kDone;
   }
-  const std::string sql = select + " ORDER BY 1, 2, 3, 4, 5";
+  // With the limit in it, SQLite computes the attributes of those rows alone that it keeps.
+  const std::string sql = select + " ORDER BY 1, 2, 3, 4, 5" +
+                          (options.limit ? " LIMIT " + std::to_string(*options.limit) : "");
   unsigned long skipped = 0;
   if (options.explain) {
     printPlan(file, sql);
@@ -171,8 +173,7 @@ int find(const FindOptions& options) {
                           : options.json ? AnswerFormat::json
                                          : AnswerFormat::text,
                           question.text);
-    printer.print(file, file.prepare(sql),
-                  options.limit.value_or(std::numeric_limits<std::size_t>::max()));
+    printer.print(file, file.prepare(sql));
     skipped = printer.getSkipped();
   }
   if (skipped != 0) {
