@@ -276,6 +276,12 @@ TEST_F(Find, WhatTheFileDoesNotHave_Is1AndNamesWhatIsNear) {
       {"OtherParameters", {"callers", "work(int)"}, "there is work()"},
       {"NoSuchFile", {"macros", "--file", "b.c"}, R"(no file of it is "b.c"; did you mean "a.c")"},
       {"NoReferences", {"uses", "main"}, "uses needs the table Reference, which is empty here"},
+      {"NoSuchExternal",
+       {"externals", "--name", "totl"},
+       R"(no external is named "totl"; did you mean "total"?)"},
+      {"NobodyCountedFunctions",
+       {"functions", "--ref-count", "0"},
+       "functions --ref-count needs the table Reference"},
       {"NoIncludes", {"includers", "b.h"}, "includers needs the table Include"}};
   const std::string x = file();
   for (const auto& [rule, question, message] : cases) {

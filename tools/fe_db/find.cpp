@@ -90,11 +90,13 @@ const Question& checkedQuestion(const FindOptions& options) {
 }
 
 /// An answer from a file without the facts would look like "nothing found".
-void requireFacts(const FactsFile& file, const Question& question) {
-  if (question.table.empty() || file.hasRows(question.table)) return;
-  const std::string table(question.table);
+void requireFacts(const FactsFile& file, const Question& question, const FindFilter& filter) {
+  const bool countsReferences = question.text == "functions" && filter.refCount;
+  const std::string table(countsReferences ? "Reference" : question.table);
+  if (table.empty() || file.hasRows(table)) return;
   throw std::runtime_error(
-      file.getPath() + ": " + std::string(question.text) + " needs the table " + table +
+      file.getPath() + ": " + std::string(question.text) +
+      (countsReferences ? " --ref-count" : "") + " needs the table " + table +
       (file.hasTable(table) ? ", which is empty here" : ", which the file lacks") +
       "; record the units again with fe_db_record and merge them into a new file");
 }
@@ -115,6 +117,13 @@ void reportCandidates(const std::string& name, const std::vector<NamedEntity>& e
          "answered for: " + list);
 }
 
+void requireExternal(const FactsFile& file, const std::string& name) {
+  const std::string view = file.viewByName("fe_externals");
+  if (!file.numbers("SELECT external_id FROM " + view + " WHERE name=?1", name).empty()) return;
+  throw UnknownName(file.getPath() + ": no external is named \"" + name + '"' +
+                    suggestion(name, file.texts("SELECT name FROM " + view)));
+}
+
 Request requestFor(const FactsFile& file, const Question& question, const FindFilter& filter) {
   Request request{file, filter, {}, {}, {}};
   const bool takesName = question.argument == Argument::name;
@@ -125,6 +134,8 @@ Request requestFor(const FactsFile& file, const Question& question, const FindFi
     reportCandidates(filter.words.front(), request.entities);
   } else if (filter.name && question.text != "externals") {
     request.entities = findEntities(file, *filter.name, question.names);
+  } else if (filter.name) {
+    requireExternal(file, *filter.name);
   }
   if (takesFile && !filter.words.empty()) request.files = findFiles(file, filter.words.front());
   if (filter.fileGlob) request.inFiles = findFiles(file, *filter.fileGlob);
@@ -149,7 +160,7 @@ void printPlan(const FactsFile& file, const std::string& sql) {
 int find(const FindOptions& options) {
   const Question& question = checkedQuestion(options);
   const FactsFile file(options.file, options.waitSeconds);
-  requireFacts(file, question);
+  requireFacts(file, question, options.filter);
   const Request request = requestFor(file, question, options.filter);
   if (options.depth) {
     printTree(request, question, *options.depth, options.json);
