@@ -59,5 +59,17 @@ TEST_F(Index, ThatCannotBeMade_IsOneReport_AndTheFileStaysAsItIs) {
   EXPECT_EQ(rows(file, kIndexes), before);
 }
 
+TEST_F(Index, AViewOfTheUsersIsLeftAlone_AndReported) {
+  const std::string x = compilationFile(path("v.db"), "CREATE VIEW fe_calls AS SELECT 7");
+  for (const Words& command : {Words{"index", x}, Words{"index", "--drop", x}}) {
+    const ProgramResult result = feDb(command);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.errors.find("the view fe_calls is not made") != std::string::npos,
+              command.size() == 2);
+    EXPECT_EQ(rows(x, "SELECT * FROM fe_calls"), "7\n");
+  }
+  EXPECT_EQ(rows(x, "SELECT count(*) FROM sqlite_schema WHERE type='view'"), "1\n");
+}
+
 }  // namespace
 }  // namespace fe_db_tests

@@ -2,6 +2,7 @@
 
 #include <cxxabi.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <memory>
 
@@ -102,6 +103,28 @@ std::string normalized(std::string_view parameters) {
   return all == "void" ? "" : all;
 }
 
+std::string withoutScopes(const std::string& text) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 2, "::") != 0) {
+      plain += text[i];
+      continue;
+    }
+    while (!plain.empty() &&
+           (std::isalnum(static_cast<unsigned char>(plain.back())) != 0 || plain.back() == '_')) {
+      plain.pop_back();
+    }
+    ++i;
+  }
+  return plain;
+}
+
+/// The types as they are asked for may lack their scopes.
+bool areSameParameters(std::string_view asked, std::string_view known) {
+  const std::string left = normalized(asked), right = normalized(known);
+  return left == right || left == withoutScopes(right);
+}
+
 }  // namespace
 
 std::string qualifiedName(std::string_view scope, std::string_view name,
@@ -130,8 +153,7 @@ bool matches(const AskedName& asked, std::string_view name, const std::string& q
     const std::string scope = scopeOf(head);
     if (!("::" + scope).ends_with("::" + asked.scope)) return false;
   }
-  return !asked.parameters ||
-         (parameters && normalized(*asked.parameters) == normalized(*parameters));
+  return !asked.parameters || (parameters && areSameParameters(*asked.parameters, *parameters));
 }
 
 }  // namespace fe_db_tools

@@ -21,8 +21,8 @@ struct AskedName {
 };
 AskedName parseName(std::string text);
 
-/// Whether the name can mean the entity: the scope may lack its beginning, blanks do not count, and
-/// `const` may precede its type or follow it.
+/// Whether the name can mean the entity: the scope may lack its beginning, parameters their scopes,
+/// blanks do not count, and `const` may precede its type or follow it.
 bool matches(const AskedName& asked, std::string_view name, const std::string& qualified);
 
 }  // namespace fe_db_tools
