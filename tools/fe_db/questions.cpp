@@ -256,22 +256,34 @@ std::string noEffectCalls(const Request& request) {
       " WHERE e.isDefined=1 AND e.Effect=0)");
 }
 
+/// One SELECT for a kind, however many entities have the name; each finds its references by its id.
 std::string uses(const Request& request) {
+  const Vocabulary& roles = vocabularyOf("Reference", "Roles");
   std::vector<std::string> selects;
-  for (const NamedEntity& entity : request.entities) {
-    std::string condition = " WHERE entity_kind=" + std::to_string(kinds::numberOf(entity.kind)) +
-                            " AND entity_id IN " + idList(entity.ids);
-    if (!request.filter.role.empty()) {
-      const auto bit = bitOf(vocabularyOf("Reference", "Roles"), request.filter.role);
-      require(condition, "role_bits & " + std::to_string(bit));
+  for (const EntityView& of : kEntityViews) {
+    std::string named;
+    for (const NamedEntity& entity : request.entities) {
+      if (entity.kind != of.kind) continue;
+      for (const long long id : entity.ids) {
+        named += (named.empty() ? "(" : ", (") + std::to_string(id) + ", " +
+                 quoted(entity.display) + ")";
+      }
     }
-    requireFile(condition, request);
-    const std::string kind = quoted(wordOf(entity.kind));
-    const Attribute attributes[] = {{"of", kind}, {"roles", "roles"}};
-    selects.push_back("SELECT path, line, column, 'use' AS kind, " + quoted(entity.display) +
-                      " AS name, " + quoted(entity.display) + " AS qualified, " +
-                      jsonSql(attributes) + " AS attributes FROM " +
-                      request.file.view("fe_references") + condition);
+    if (named.empty()) continue;
+    std::string condition;
+    if (!request.filter.role.empty()) {
+      require(condition, "x.Roles & " + std::to_string(bitOf(roles, request.filter.role)));
+    }
+    if (request.filter.fileGlob) require(condition, "x.FileId IN " + idList(request.inFiles));
+    const std::string kind = quoted(wordOf(of.kind)), words = wordSql(roles, "x.Roles");
+    const Attribute attributes[] = {{"of", kind}, {"roles", words}};
+    selects.push_back(
+        "SELECT f.Path AS path, x.LineNum AS line, x.ColNum AS column, 'use' AS kind, n.column2 AS"
+        " name, n.column2 AS qualified, " +
+        jsonSql(attributes) + " AS attributes FROM (VALUES " + named +
+        ") AS n CROSS JOIN Reference AS x ON x.EntityId=n.column1 AND x.EntityKind=" +
+        std::to_string(kinds::numberOf(of.kind)) + " LEFT JOIN File AS f ON f.FileId=x.FileId" +
+        condition);
   }
   return unite(selects);
 }
