@@ -108,6 +108,14 @@ TEST_F(FindUses, Json_ListsRoles) {
               HasSubstr(R"("name":"geo::Shape","of":"type","roles":["type"]})"));
 }
 
+TEST_F(FindUses, UnitsWithoutReferencesAreReported) {
+  execute(path("x.db"),
+          "INSERT INTO Unit (UnitId, Name, Options) VALUES (2, 'b.cc', 'references=none')");
+  const ProgramResult result = feDb({"find", path("x.db"), "uses", "GEO", "--count"});
+  EXPECT_EQ(result.output, "1\n");
+  EXPECT_THAT(result.errors, HasSubstr("1 of 2 units were recorded without references"));
+}
+
 TEST_F(FindUses, OfANameOfVeryManyThings) {
   execute(path("x.db"),
           "INSERT INTO Identifier (IdentifierId, Name) VALUES (99, 'm');"

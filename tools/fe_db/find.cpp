@@ -101,6 +101,19 @@ void requireFacts(const FactsFile& file, const Question& question, const FindFil
       "; record the units again with fe_db_record and merge them into a new file");
 }
 
+/// References of some units only are facts, but not all of them.
+void reportUnitsWithoutReferences(const FactsFile& file, const Question& question) {
+  if (question.table != "Reference" || !file.hasTable("Unit")) return;
+  constexpr char kCount[] = "SELECT count(*) FROM Unit";
+  const long long all = file.numbers(kCount).front();
+  const long long without =
+      file.numbers(std::string(kCount) + " WHERE instr(Options, 'references=none')").front();
+  if (without == 0) return;
+  report(file.getPath() + ": " + std::to_string(without) + " of " + std::to_string(all) +
+         " units were recorded without references: what is in them is missing here; record them "
+         "again with --references=all");
+}
+
 /// Who asks about one thing has to know when the answers are about several.
 void reportCandidates(const std::string& name, const std::vector<NamedEntity>& entities) {
   if (entities.size() < 2) return;
@@ -161,6 +174,7 @@ int find(const FindOptions& options) {
   const Question& question = checkedQuestion(options);
   const FactsFile file(options.file, options.waitSeconds);
   requireFacts(file, question, options.filter);
+  reportUnitsWithoutReferences(file, question);
   const Request request = requestFor(file, question, options.filter);
   if (options.depth) {
     printTree(request, question, *options.depth, options.json);
