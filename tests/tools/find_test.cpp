@@ -236,6 +236,8 @@ TEST_F(Find, WrongUsage_Is2AndSaysWhy) {
     {"UnknownQuestion", {"function"},
      R"(unknown question "function"; did you mean "functions"? "fe_db find --help" lists them)"},
     {"OptionOfOtherKinds", {"labels", "--ref-count", "1"}, "labels: does not take --ref-count, which is for "},
+    {"LimitOfATree", {"callers", "main", "--depth", "2", "--limit", "1"},
+     "callers: --depth does not go with --limit"},
     {"UnknownRole", {"uses", "main", "--role", "rite"}, "unknown role \"rite\" (read, write, call"},
     {"SarifOfWhatIsNoRule", {"functions", "--sarif"}, "functions: does not take --sarif"},
     {"NoName", {"callers"}, "callers: takes exactly one NAME"},

@@ -91,6 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, FindUses, testing::Values(
              "/p/shape.h\n  /p/round.h  /p/round.h:1\n    /p/main.cc  /p/main.cc:1\n"},
     UsesCase{"IncludesAsATree", {"includes", "/p/main.cc", "--depth", "1"},
              "/p/main.cc\n  /p/round.h  /p/main.cc:1\n"},
+    UsesCase{"IncludesInOtherFiles", {"includes", "main.cc", "--file", "round.h"}, ""},
     UsesCase{"Units", {"units"}, "/p/main.cc: unit main.cc [directory=/p output=/p/main.o]\n"},
     UsesCase{"UnitsOfAFile", {"units", "shape.h", "--count"}, "1\n"}),
     kRuleName);
@@ -101,6 +102,11 @@ TEST_F(FindUses, CandidatesAreListed) {
   EXPECT_EQ(result.output, "2\n");
   EXPECT_THAT(result.errors, HasSubstr("\"area\" is 2 things, all of which are answered for: "
                                        "function geo::Round::area(), function geo::Shape::area()"));
+}
+
+TEST_F(FindUses, Plans_AreEscaped) {
+  execute(path("x.db"), "CREATE INDEX \"a\x1b[31m\" ON Reference (EntityId)");
+  EXPECT_THAT(ask({"uses", "GEO", "--explain"}), HasSubstr("a\\x1b[31m"));
 }
 
 TEST_F(FindUses, Json_ListsRoles) {

@@ -16,6 +16,8 @@ namespace {
 constexpr std::string_view kOptionsOfSome =
     "--name --min-length --ref-count --linkage --defined --sarif --role --depth";
 
+constexpr std::string_view kNotForTrees = "--file --limit --count --explain";
+
 bool has(std::string_view words, const std::string& word) {
   return word.find(' ') == std::string::npos &&
          (' ' + std::string(words) + ' ').find(' ' + word + ' ') != std::string::npos;
@@ -66,6 +68,9 @@ const Question& checkedQuestion(const FindOptions& options) {
   const Question& question = questionOf(options.question);
   const std::string name = options.question + ": ";
   for (const std::string& option : options.given) {
+    if (options.depth && has(kNotForTrees, option)) {
+      refuse(name + "--depth does not go with " + option);
+    }
     if (!has(kOptionsOfSome, option) || has(question.options, option)) continue;
     std::string takers;
     for (const Question& other : findQuestions()) {
@@ -165,7 +170,7 @@ unsigned long printCount(const FactsFile& file, const std::string& sql) {
 
 void printPlan(const FactsFile& file, const std::string& sql) {
   const Statement plan = file.prepare("EXPLAIN QUERY PLAN " + sql);
-  while (file.step(plan)) print(std::string(textOf(plan, 3)) + '\n');
+  while (file.step(plan)) print(printable(textOf(plan, 3)) + '\n');
 }
 
 }  // namespace

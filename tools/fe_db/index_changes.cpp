@@ -1,6 +1,5 @@
 #include "index_changes.h"
 
-#include "canonical_text.h"
 #include "compilation_schema.h"
 #include "output.h"
 #include "read_only_file.h"

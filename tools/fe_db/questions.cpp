@@ -318,7 +318,9 @@ std::string includers(const Request& request) {
 }
 
 std::string includes(const Request& request) {
-  return includeSelect(request, " WHERE file_id IN " + idList(request.files));
+  std::string condition = " WHERE file_id IN " + idList(request.files);
+  requireFile(condition, request);
+  return includeSelect(request, condition);
 }
 
 std::string units(const Request& request) {
